@@ -1,0 +1,66 @@
+# What every target of the repository shares: warnings, reproducible floating point, sanitizers, sibling
+# products, test registration. Each product under platform/ includes this file, so each builds alone too.
+include_guard(GLOBAL)
+
+set(KESTRO_ROOT "${CMAKE_CURRENT_LIST_DIR}/..")
+cmake_path(NORMAL_PATH KESTRO_ROOT)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT DEFINED CMAKE_CXX_STANDARD)
+  set(CMAKE_CXX_STANDARD 20)
+endif()
+
+option(KESTRO_BUILD_TESTS "Build the tests" ON)
+option(KESTRO_BUILD_BENCHMARKS "Build the benchmarks" OFF)
+set(KESTRO_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, 'address;undefined' or 'thread'")
+option(KESTRO_WERROR "Treat warnings as errors" ON)
+
+# kestro_target(<target>): warnings, no floating-point contraction, the x86-64-v2 baseline, sanitizers.
+# Contraction is off because every number that reaches a caller must have the same bits on every machine.
+function(kestro_target target)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic $<$<COMPILE_LANGUAGE:CXX>:-Wconversion -Wshadow>
+    $<$<BOOL:${KESTRO_WERROR}>:-Werror>
+    -ffp-contract=off -march=x86-64-v2
+    $<$<CONFIG:Release>:-O3>)
+  if(KESTRO_SANITIZE)
+    list(JOIN KESTRO_SANITIZE "," sanitizers)
+    target_compile_options(${target} PRIVATE -fsanitize=${sanitizers} -fno-omit-frame-pointer -g1)
+    target_link_options(${target} PRIVATE -fsanitize=${sanitizers})
+    if("undefined" IN_LIST KESTRO_SANITIZE)
+      target_compile_options(${target} PRIVATE -fno-sanitize-recover=undefined)
+    endif()
+  endif()
+endfunction()
+
+# kestro_product(<name> <target>): makes the sibling product platform/<name> available as <target>, once,
+# without its tests when it is only a dependency.
+function(kestro_product name target)
+  if(NOT TARGET ${target})
+    set(KESTRO_BUILD_TESTS OFF)
+    set(KESTRO_BUILD_BENCHMARKS OFF)
+    add_subdirectory("${KESTRO_ROOT}/platform/${name}" "${CMAKE_BINARY_DIR}/platform/${name}")
+  endif()
+endfunction()
+
+# kestro_test(<name> SOURCES ... [LIBRARIES ...] [LABELS ...]): a GoogleTest program, one ctest entry.
+function(kestro_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;LABELS")
+  find_package(GTest REQUIRED)
+  add_executable(${name} ${arg_SOURCES})
+  kestro_target(${name})
+  target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
+  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+  set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 900)
+endfunction()
