@@ -1,0 +1,121 @@
+#!/usr/bin/env python3
+"""Runs benchmark programs, prints ratios between their results and keeps everything in one JSON file.
+
+Absolute speeds drift from machine to machine and from hour to hour; a ratio of two measurements of one run does not.
+The ratios are listed in files `ratios.txt` below the --ratios folder, a line each:
+
+    label = NUMERATOR / DENOMINATOR [>= AIM]
+
+where both sides are full benchmark names, separated by " / ". A ratio is of items per second where both sides count
+items, otherwise of bytes per second, otherwise of the inverse times. With repetitions the medians count.
+"""
+import argparse
+import datetime
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+RATIO = re.compile(r"^(?P<label>[^=]+?)\s*=\s*(?P<top>\S.*?)\s+/\s+(?P<bottom>\S.*?)(?:\s*>=\s*(?P<aim>[\d.]+))?$")
+SECONDS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
+
+
+def programs_below(folder):
+    return [path for path in sorted(folder.rglob("*"))
+            if path.is_file() and os.access(path, os.X_OK) and ".so" not in path.name
+            and "CMakeFiles" not in path.parts]
+
+
+def run(program, extra):
+    with tempfile.NamedTemporaryFile(suffix=".json") as out:
+        subprocess.run([program, f"--benchmark_out={out.name}", "--benchmark_out_format=json", *extra], check=True)
+        text = pathlib.Path(out.name).read_text()
+    # A filter that matches nothing leaves the file empty.
+    return json.loads(text) if text.strip() else {"benchmarks": []}
+
+
+def speeds(results):
+    """{benchmark name: {kind of speed: value}}, medians taking the place of single runs."""
+    table = {}
+    for result in sorted((one for report in results.values() for one in report["benchmarks"]),
+                         key=lambda one: one.get("aggregate_name") == "median"):
+        if result.get("error_occurred") or result.get("aggregate_name", "median") != "median":
+            continue
+        seconds = result["real_time"] * SECONDS[result.get("time_unit", "ns")]
+        found = {"items": result.get("items_per_second"), "bytes": result.get("bytes_per_second"),
+                 "runs": 1 / seconds if seconds else None}
+        table[result.get("run_name", result["name"])] = {kind: value for kind, value in found.items() if value}
+    return table
+
+
+def ratios_below(folder):
+    for path in sorted(folder.rglob("ratios.txt")):
+        for number, line in enumerate(path.read_text().splitlines(), 1):
+            line = line.split("#")[0].strip()
+            if line:
+                match = RATIO.match(line)
+                if not match:
+                    sys.exit(f"{path}:{number}: not of the form 'label = numerator / denominator [>= aim]'")
+                yield match.groupdict()
+
+
+def evaluate(ratios, table):
+    for ratio in ratios:
+        top, bottom = table.get(ratio["top"], {}), table.get(ratio["bottom"], {})
+        kind = next((kind for kind in ("items", "bytes", "runs") if kind in top and kind in bottom), None)
+        value = top[kind] / bottom[kind] if kind else None
+        yield {"label": ratio["label"], "ratio": value, "of": kind, "aim": ratio["aim"] and float(ratio["aim"])}
+
+
+def previous_ratios(folder):
+    kept = sorted(folder.glob("*.json"), key=lambda path: path.stat().st_mtime)
+    if not kept:
+        return {}
+    return {one["label"]: one["ratio"] for one in json.loads(kept[-1].read_text())["ratios"]}
+
+
+def show(evaluated, before):
+    width = max((len(one["label"]) for one in evaluated), default=0)
+    print(f"\n{'ratio':<{width}}  {'now':>8}  {'aim':>6}  {'before':>8}")
+    for one in evaluated:
+        now = f"{one['ratio']:.3g}" if one["ratio"] else "-"
+        aim = f"{one['aim']:g}" if one["aim"] else ""
+        last = before.get(one["label"])
+        below = " below" if one["ratio"] and one["aim"] and one["ratio"] < one["aim"] else ""
+        print(f"{one['label']:<{width}}  {now:>8}  {aim:>6}  {f'{last:.3g}' if last else '':>8}{below}")
+
+
+def commit_of(root):
+    described = subprocess.run(["git", "-C", root, "describe", "--always", "--dirty"], capture_output=True, text=True,
+                               check=False)
+    return described.stdout.strip() or "unknown"
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--programs", type=pathlib.Path, required=True, help="folder to search for benchmark programs")
+    parser.add_argument("--ratios", type=pathlib.Path, required=True, help="folder to search for ratios.txt")
+    parser.add_argument("--results", type=pathlib.Path, required=True, help="folder that keeps the results")
+    parser.add_argument("extra", nargs="*", help="arguments for the benchmark programs")
+    options = parser.parse_args()
+
+    programs = programs_below(options.programs)
+    if not programs:
+        sys.exit(f"no benchmark program below {options.programs}")
+    results = {program.name: run(program, options.extra) for program in programs}
+    evaluated = list(evaluate(ratios_below(options.ratios), speeds(results)))
+    show(evaluated, previous_ratios(options.results))
+
+    now, commit = datetime.datetime.now(), commit_of(options.ratios)
+    options.results.mkdir(parents=True, exist_ok=True)
+    kept = options.results / f"{now:%Y-%m-%d-%H%M}-{commit}.json"
+    kept.write_text(json.dumps({"date": now.isoformat(timespec="seconds"), "commit": commit, "ratios": evaluated,
+                                "programs": results}, indent=1) + "\n")
+    print(f"\nkept in {kept}")
+
+
+if __name__ == "__main__":
+    main()
