@@ -1,0 +1,9 @@
+#pragma once
+
+/// A distribution is a checked value: its constructor refuses bad parameters with `invalid_argument`, naming
+/// the parameter, and `generate` turns an engine's words into values of it. `result_type` is the type of
+/// those values; where there is a choice of algorithm, the method is a tag type.
+
+#include "distributions/gaussian.hpp"
+#include "distributions/inverse_cdf.hpp"
+#include "distributions/uniform.hpp"

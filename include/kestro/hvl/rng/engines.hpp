@@ -1,0 +1,117 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+
+#include "detail/engine_base.hpp"
+
+namespace kestro::hvl::rng {
+
+/// Common to all engines: an engine is made on a queue, and only there. Making one on a device that is
+/// neither a CPU nor a GPU throws `unsupported_device`. One engine must not be used from two threads at once;
+/// two engines are independent. Work in flight is safe: an engine may be copied, skipped, used again or
+/// destroyed before the events of its earlier calls have completed, and its calls take effect in call order.
+
+/// Counter-based engine of J. K. Salmon et al., "Parallel random numbers: as easy as 1, 2, 3" (SC 2011): ten
+/// rounds over a 128-bit counter under a 64-bit key; period 2^130 words. Skipping costs the same for any
+/// distance.
+class KESTRO_HVL_API philox4x32x10 : public detail::engine_base<philox4x32x10> {
+ public:
+  /// The seed is the key: k0 its low, k1 its high word; the counter starts at 0.
+  philox4x32x10(sycl::queue queue, std::uint64_t seed);
+
+  /// The list is read as 32-bit words, low word of each element first, that fill k0, k1, c0, c1, c2, c3 in
+  /// order; missing words are 0, further ones are ignored. A CPU device reads only as many words as the list
+  /// has elements, a GPU device all of them.
+  philox4x32x10(sycl::queue queue, std::initializer_list<std::uint64_t> seed);
+
+  /// Advances by `num_to_skip` 32-bit words. Constant cost.
+  void skip_ahead(std::uint64_t num_to_skip);
+
+  /// Advances by num_to_skip[0] + 2^64 num_to_skip[1] words, modulo the period.
+  void skip_ahead(std::initializer_list<std::uint64_t> num_to_skip);
+};
+
+/// How `mrg32k3a` orders its sequence; fixed at construction and carried by copies.
+namespace mrg32k3a_mode {
+
+/// The one sequence of the recurrence.
+struct standard {};
+
+/// 81920 substreams, each 2^76 steps from the next, taken in turn: value j of a row comes from substream j.
+/// On a GPU every work-item then steps through its own substream and needs no skip. Offers `uniform` and
+/// `gaussian` (box_muller and icdf).
+struct optimal {};
+
+/// As `optimal`, with the given number of substreams; 0 means 81920.
+struct custom {
+  std::uint32_t num_streams;
+};
+
+} // namespace mrg32k3a_mode
+
+/// Combined multiple-recursive engine of P. L'Ecuyer, "Good parameters and implementations for combined
+/// multiple recursive random number generators" (Operations Research 47, 1999); period about 2^191.
+class KESTRO_HVL_API mrg32k3a : public detail::engine_base<mrg32k3a> {
+ public:
+  /// One seed sets x0 = seed modulo m1; the other five words are 1.
+  mrg32k3a(sycl::queue queue, std::uint32_t seed);
+  mrg32k3a(sycl::queue queue, std::uint32_t seed, mrg32k3a_mode::optimal mode);
+  mrg32k3a(sycl::queue queue, std::uint32_t seed, mrg32k3a_mode::custom mode);
+
+  /// The words are x0, x1, x2 modulo m1 = 2^32 - 209, then y0, y1, y2 modulo m2 = 2^32 - 22853. Missing words
+  /// are 1, further ones are ignored; a component of three zeros gets a first word of 1.
+  mrg32k3a(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
+  mrg32k3a(sycl::queue queue, std::initializer_list<std::uint32_t> seed, mrg32k3a_mode::optimal mode);
+  mrg32k3a(sycl::queue queue, std::initializer_list<std::uint32_t> seed, mrg32k3a_mode::custom mode);
+
+  /// Advances the recurrence by `num_to_skip` steps (in the substream modes every substream by as many).
+  /// Cost grows with the logarithm of the distance.
+  void skip_ahead(std::uint64_t num_to_skip);
+
+  /// Advances by num_to_skip[0] + 2^64 num_to_skip[1] + 2^128 num_to_skip[2] + ... steps.
+  void skip_ahead(std::initializer_list<std::uint64_t> num_to_skip);
+};
+
+/// Multiplicative congruential engine modulo 2^31 - 1 with multiplier 1132489760 (P. L'Ecuyer, "Tables of
+/// linear congruential generators of different sizes and good lattice structure", 1999); period 2^31 - 2.
+class KESTRO_HVL_API mcg31m1 : public detail::engine_base<mcg31m1> {
+ public:
+  /// The first value is seed modulo 2^31 - 1, where 0 becomes 1.
+  mcg31m1(sycl::queue queue, std::uint32_t seed);
+
+  /// Advances by `num_to_skip` values. Cost grows with the logarithm of the distance.
+  void skip_ahead(std::uint64_t num_to_skip);
+
+  /// From now on yields elements idx, idx + stride, idx + 2 stride, ... of the sequence as it stands.
+  void leapfrog(std::uint64_t idx, std::uint64_t stride);
+};
+
+/// Multiplicative congruential engine modulo 2^59 with multiplier 13^13; period 2^57 for an odd seed.
+class KESTRO_HVL_API mcg59 : public detail::engine_base<mcg59> {
+ public:
+  /// The first value is seed modulo 2^59, where 0 becomes 1.
+  mcg59(sycl::queue queue, std::uint64_t seed);
+
+  /// As `mcg31m1::skip_ahead`.
+  void skip_ahead(std::uint64_t num_to_skip);
+
+  /// As `mcg31m1::leapfrog`.
+  void leapfrog(std::uint64_t idx, std::uint64_t stride);
+};
+
+/// Mersenne Twister of M. Matsumoto and T. Nishimura (ACM TOMACS 8, 1998); period 2^19937 - 1. On a GPU
+/// device the state lives in device memory.
+class KESTRO_HVL_API mt19937 : public detail::engine_base<mt19937> {
+ public:
+  /// The authors' `init_genrand`.
+  mt19937(sycl::queue queue, std::uint32_t seed);
+
+  /// The authors' `init_by_array`.
+  mt19937(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
+
+  /// Advances by `num_to_skip` words. Far skips cost a jump polynomial, that is, some milliseconds at most.
+  void skip_ahead(std::uint64_t num_to_skip);
+};
+
+} // namespace kestro::hvl::rng
