@@ -1,0 +1,116 @@
+/* The host-side stream library: random-number streams and vector generators.
+ *
+ * A stream is one engine at one position of its sequence. Every function returns 0 on success or one of the
+ * negative statuses below, never lets an exception escape, and on failure leaves the stream, the output and
+ * any existing file as they were. One stream must not be used from two threads at once; different streams may.
+ *
+ * The same call gives the same bits whatever the instruction set and the number of threads, and any split of
+ * a request into several calls gives the same numbers. */
+#ifndef HVL_STREAMS_H
+#define HVL_STREAMS_H
+
+#include <stdint.h>
+
+#if defined(HVL_STREAMS_BUILD)
+#define HVL_STREAMS_API __attribute__((visibility("default")))
+#else
+#define HVL_STREAMS_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef void* vqs_stream;
+
+/* Engine identifiers. */
+enum {
+  VQS_ENGINE_MCG31M1 = 1048576,
+  VQS_ENGINE_MRG32K3A = 3145728,
+  VQS_ENGINE_MCG59 = 4194304,
+  VQS_ENGINE_MT19937 = 8388608,
+  VQS_ENGINE_PHILOX4X32X10 = 16777216
+};
+
+enum {
+  VQS_STATUS_OK = 0,
+  VQS_STATUS_NULL_POINTER = -1,         /* a required pointer is null */
+  VQS_STATUS_BAD_STREAM = -2,           /* the handle is not a live stream */
+  VQS_STATUS_BAD_METHOD = -3,           /* the distribution has no such method */
+  VQS_STATUS_UNKNOWN_ENGINE = -4,       /* no engine has this identifier */
+  VQS_STATUS_BAD_COUNT = -5,            /* n or a word count is negative, or too large */
+  VQS_STATUS_BAD_PARAMETER = -6,        /* a distribution parameter is out of range or NaN, or stride is 0 */
+  VQS_STATUS_UNSUPPORTED_PAIR = -7,     /* this engine does not serve this distribution */
+  VQS_STATUS_SKIP_UNSUPPORTED = -8,     /* this engine cannot skip ahead */
+  VQS_STATUS_LEAPFROG_UNSUPPORTED = -9, /* this engine cannot leapfrog */
+  VQS_STATUS_FILE_OPEN = -10,           /* the file cannot be opened or created */
+  VQS_STATUS_FILE_WRITE = -11,          /* writing failed; an existing file keeps its content */
+  VQS_STATUS_FILE_READ = -12,           /* reading failed */
+  VQS_STATUS_STATE_FORMAT = -13,        /* not a saved state, or one of an unknown version or engine */
+  VQS_STATUS_STATE_SIZE = -14,          /* a saved state that is too short or too long */
+  VQS_STATUS_STATE_CHECKSUM = -15,      /* a saved state whose checksum does not match */
+  VQS_STATUS_STATE_RANGE = -16,         /* a saved state with a field out of its range */
+  VQS_STATUS_NO_MEMORY = -17,           /* out of memory */
+  VQS_STATUS_BAD_ISA = -18,             /* HVL_ISA names an instruction set that is unknown or not available */
+  VQS_STATUS_INTERNAL = -19             /* an unexpected failure inside the library */
+};
+
+/* Method codes of the uniform distributions. */
+enum { VQS_METHOD_UNIFORM_STANDARD = 0, VQS_METHOD_UNIFORM_ACCURATE = 1073741824 };
+
+/* A constant text for a status; "unknown status" for a number that is none. */
+HVL_STREAMS_API const char* vqsStatusText(int status);
+
+/* The engine identifier of a stream, or a negative status. */
+HVL_STREAMS_API int32_t vqsEngineOfStream(vqs_stream stream);
+
+/* Creates a stream from one seed, or from `count` seed words; count 0 (words may then be null) is the engine's
+ * state without any word. */
+HVL_STREAMS_API int vqsNewStream_64(vqs_stream* stream, int32_t engine, uint64_t seed);
+HVL_STREAMS_API int vqsNewStreamEx_64(vqs_stream* stream, int32_t engine, int64_t count, const uint32_t* words);
+
+HVL_STREAMS_API int vqsCopyStream_64(vqs_stream* out, vqs_stream in);
+
+/* Releases the stream and sets the handle to null. */
+HVL_STREAMS_API int vqsDeleteStream_64(vqs_stream* stream);
+
+/* Advances the stream by n outputs; the Ex form by words[0] + words[1] * 2^64 + words[2] * 2^128 + ... */
+HVL_STREAMS_API int vqsSkipAheadStream_64(vqs_stream stream, uint64_t n);
+HVL_STREAMS_API int vqsSkipAheadStreamEx_64(vqs_stream stream, int64_t count, const uint64_t* words);
+
+/* Afterwards the stream yields elements idx, idx + stride, idx + 2 stride, ... of its sequence. */
+HVL_STREAMS_API int vqsLeapfrogStream_64(vqs_stream stream, uint64_t idx, uint64_t stride);
+
+/* Bytes that a saved state takes, or a negative status. */
+HVL_STREAMS_API int64_t vqsGetStreamSize_64(vqs_stream stream);
+
+/* Saving: `memory` has room for vqsGetStreamSize_64 bytes. A file is written whole or not at all: under another
+ * name in the same folder, brought to the disk, then renamed. */
+HVL_STREAMS_API int vqsSaveStreamM_64(vqs_stream stream, unsigned char* memory);
+HVL_STREAMS_API int vqsSaveStreamF_64(vqs_stream stream, const char* file_name);
+
+/* Loading: builds a new stream, or nothing. `memory` must hold a complete saved state; its header is checked
+ * before anything behind it is read. */
+HVL_STREAMS_API int vqsLoadStreamM_64(vqs_stream* stream, const unsigned char* memory);
+HVL_STREAMS_API int vqsLoadStreamF_64(vqs_stream* stream, const char* file_name);
+
+/* Uniform on [a, b), a < b, both finite, b - a finite. One engine word makes one value. The accurate method clamps real
+ * values into [a, b]; for integers it computes in double instead of float. */
+HVL_STREAMS_API int vsRngUniform_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a, float b);
+HVL_STREAMS_API int vdRngUniform_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a, double b);
+HVL_STREAMS_API int viRngUniform_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, int32_t a, int32_t b);
+HVL_STREAMS_API int viRngUniformU_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r, uint32_t a, uint32_t b);
+
+/* The engine's raw output: the 32-bit word; mcg31m1 and mrg32k3a their value, mcg59 its high 32 of 59 bits. Method 0. */
+HVL_STREAMS_API int viRngUniformBits_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r);
+
+/* Uniformly distributed bits, for the engines that have them: philox4x32x10, mt19937 and mcg59. A 64-bit value is made
+ * of two consecutive 32-bit ones, the first one low. Method 0. */
+HVL_STREAMS_API int viRngUniformBits32_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r);
+HVL_STREAMS_API int viRngUniformBits64_64(int64_t method, vqs_stream stream, int64_t n, uint64_t* r);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

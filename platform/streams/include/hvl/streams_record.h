@@ -1,0 +1,55 @@
+/* The record behind a stream handle. Its layout is a contract: device code reads the fields of a record, and for
+ * mt19937 writes them back. All fields are in the machine's byte order (little-endian). */
+#ifndef HVL_STREAMS_RECORD_H
+#define HVL_STREAMS_RECORD_H
+
+#include <stdint.h>
+
+typedef struct {
+  uint32_t magic; /* marks a live stream */
+  int32_t engine; /* engine identifier */
+  uint32_t record_bytes;
+  uint32_t reserved; /* 0 */
+} vqs_record_header;
+
+/* Next outputs: the last `remaining` (0..4) words of block(counter - 1), then block(counter), ... */
+typedef struct {
+  vqs_record_header header;
+  uint32_t k0, k1;         /* key, low word first */
+  uint32_t c0, c1, c2, c3; /* counter, least significant word first */
+  uint32_t remaining;
+} vqs_philox4x32x10_record;
+
+/* The three last values of each component, oldest first. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t x0, x1, x2; /* below 4294967087, not all zero */
+  uint32_t y0, y1, y2; /* below 4294944443, not all zero */
+} vqs_mrg32k3a_record;
+
+/* x is the next output, in [1, 2^31 - 1). */
+typedef struct {
+  vqs_record_header header;
+  uint32_t x, a;
+} vqs_mcg31m1_record;
+
+/* x is the next output, in [1, 2^59). */
+typedef struct {
+  vqs_record_header header;
+  uint64_t x, a;
+} vqs_mcg59_record;
+
+/* words[position] is the next one to temper; 624 says that the block is used up and is regenerated before the
+ * next draw. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t words[624];
+  uint32_t position; /* 0..624 */
+} vqs_mt19937_record;
+
+#ifdef __cplusplus
+static_assert(sizeof(vqs_record_header) == 16, "fields start at byte 16");
+static_assert(sizeof(vqs_mt19937_record) == 2516, "the position lies at byte 2512");
+#endif
+
+#endif

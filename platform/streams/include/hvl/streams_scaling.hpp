@@ -1,0 +1,74 @@
+// How an engine's word becomes a value of the uniform family: one definition for the scalar host path and for
+// device kernels, which must give the same bits. Compile with floating-point contraction off: the product and the sum
+// of uniform_value are rounded separately.
+#pragma once
+
+#include <cstdint>
+#include <type_traits>
+
+namespace hvl::streams {
+
+// What an engine's word is. philox4x32x10 and mt19937: 32 random bits, read as signed. mcg31m1: [1, 2^31 - 1).
+// mrg32k3a: [1, 2^32 - 209]. mcg59: [1, 2^59), in 64 bits.
+enum class word_scale { signed32, mcg31m1, mrg32k3a, mcg59 };
+
+// value = T(word) * scale + shift
+template <class T>
+struct coefficients {
+  T scale;
+  T shift;
+};
+
+// The coefficients that carry words onto [a, b), each operation rounded in T.
+template <class T>
+constexpr coefficients<T> uniform_coefficients(word_scale words, T a, T b) {
+  static_assert(std::is_floating_point_v<T>);
+  switch (words) {
+  case word_scale::mcg31m1:
+    return {(b - a) * static_cast<T>(1.0 / 2147483647.0), a};
+  case word_scale::mrg32k3a:
+    return {(b - a) * static_cast<T>(1.0 / 4294967088.0), a};
+  case word_scale::mcg59:
+    return {(b - a) * static_cast<T>(1.0 / 576460752303423488.0), a};
+  case word_scale::signed32:
+    break;
+  }
+  return {(b - a) * static_cast<T>(1.0 / 4294967296.0), (b + a) * static_cast<T>(0.5)};
+}
+
+// Word is std::int32_t for word_scale::signed32, std::uint32_t for mcg31m1 and mrg32k3a, std::uint64_t for mcg59.
+// The conversion rounds once, to nearest even.
+template <class T, class Word>
+constexpr T uniform_value(Word word, coefficients<T> c) {
+  const T product = static_cast<T>(word) * c.scale;
+  return product + c.shift;
+}
+
+// The accurate method of real results.
+template <class T>
+constexpr T clamp_to(T value, T a, T b) {
+  const T raised = value > a ? value : a;
+  return raised < b ? raised : b;
+}
+
+// The least and the greatest values of T that Integer (32 bits) represents.
+template <class Integer, class T>
+inline constexpr T lowest_of = std::is_signed_v<Integer> ? static_cast<T>(-2147483648.0) : static_cast<T>(0);
+template <class Integer, class T>
+inline constexpr T highest_of = std::is_same_v<T, float>
+                                    ? (std::is_signed_v<Integer> ? static_cast<T>(2147483520.0) : static_cast<T>(4294967040.0))
+                                    : (std::is_signed_v<Integer> ? static_cast<T>(2147483647.0) : static_cast<T>(4294967295.0));
+
+// floor, saturated at lowest_of and highest_of, as an Integer. (A rint after floor changes nothing.)
+template <class Integer, class T>
+constexpr Integer floor_to(T value) {
+  static_assert(sizeof(Integer) == 4);
+  const T clamped = clamp_to(value, lowest_of<Integer, T>, highest_of<Integer, T>);
+  const Integer truncated = static_cast<Integer>(clamped);
+  if constexpr (std::is_signed_v<Integer>)
+    return truncated - static_cast<Integer>(static_cast<T>(truncated) > clamped);
+  else
+    return truncated;
+}
+
+} // namespace hvl::streams

@@ -1,0 +1,142 @@
+#include "generate.hpp"
+
+#include <unistd.h>
+
+#include <oneapi/tbb/parallel_for.h>
+#include <oneapi/tbb/task_arena.h>
+
+#include <memory>
+#include <vector>
+
+#include "word_reader.hpp"
+
+namespace hvl::streams {
+namespace {
+
+// Below this many values per thread, handing work over costs more than it saves.
+constexpr std::uint64_t values_per_thread = 1 << 16;
+
+// Every part starts at a multiple of this many words, so that no SIMD block straddles two parts.
+constexpr std::uint64_t part_alignment_words = 624 * 64;
+
+// Streaming stores pay once the output no longer fits the last cache.
+std::uint64_t streaming_threshold_bytes() noexcept {
+  static const std::uint64_t bytes = [] {
+    const long cache = sysconf(_SC_LEVEL3_CACHE_SIZE);
+    return std::clamp(static_cast<std::uint64_t>(std::max(cache, 0L)), std::uint64_t{8} << 20, std::uint64_t{32} << 20);
+  }();
+  return bytes;
+}
+
+struct part {
+  void* record;
+  std::uint64_t values;
+  std::byte* out;
+};
+
+std::uint64_t words_of(std::uint64_t values, const transform& t) noexcept {
+  return (values + t.values_per_group - 1) / t.values_per_group * t.words_per_group;
+}
+
+void run_words(word_reader& reader, const kernel_set& kernels, part p, std::size_t value_bytes, bool streaming) noexcept {
+  while (p.values != 0) {
+    std::size_t taken = streaming ? 0 : reader.take_directly(p.out, p.values);
+    if (taken == 0) {
+      taken = reader.refill();
+      if (streaming)
+        kernels.stream_copy(p.out, reader.words(), taken * value_bytes);
+      else
+        std::memcpy(p.out, reader.words(), taken * value_bytes);
+      reader.take(taken);
+    }
+    p.out += taken * value_bytes;
+    p.values -= taken;
+  }
+}
+
+void run_transform(word_reader& reader, const kernel_set& kernels, part p, const transform& t, bool streaming) noexcept {
+  alignas(vector_alignment) std::byte block[max_block_words * 8];
+  while (p.values != 0) {
+    const std::size_t groups = reader.refill() / t.words_per_group;
+    const auto values =
+        static_cast<std::size_t>(std::min<std::uint64_t>(groups * t.values_per_group, p.values));
+    const std::size_t bytes = values * t.value_bytes;
+    if (streaming) {
+      t.apply(t.parameters, reader.words(), block, values);
+      kernels.stream_copy(p.out, block, bytes);
+    } else {
+      t.apply(t.parameters, reader.words(), p.out, values);
+    }
+    reader.take(groups * t.words_per_group);
+    p.out += bytes;
+    p.values -= values;
+  }
+}
+
+void run_part(const engine& e, const kernel_set& kernels, const part& p, const transform& t, bool streaming) noexcept {
+  word_reader reader(e, kernels.block(static_cast<engine_index>(index_of(e))), p.record, words_of(p.values, t));
+  if (t.apply == nullptr)
+    run_words(reader, kernels, p, t.value_bytes, streaming);
+  else
+    run_transform(reader, kernels, p, t, streaming);
+  reader.close();
+}
+
+// Records of parts after the first, each skipped to its start.
+class part_records {
+public:
+  part_records(const engine& e, const void* record, std::size_t count, std::uint64_t words_apart)
+      : stride_((e.record_bytes + vector_alignment - 1) / vector_alignment * vector_alignment),
+        bytes_(new(std::align_val_t{vector_alignment}) std::byte[stride_ * count]) {
+    const void* previous = record;
+    for (std::size_t i = 0; i < count; ++i) {
+      std::memcpy((*this)[i], previous, e.record_bytes);
+      e.skip((*this)[i], std::span(&words_apart, 1));
+      previous = (*this)[i];
+    }
+  }
+
+  void* operator[](std::size_t i) const noexcept { return bytes_.get() + i * stride_; }
+
+private:
+  struct aligned_delete {
+    void operator()(std::byte* p) const noexcept { ::operator delete[](p, std::align_val_t{vector_alignment}); }
+  };
+  std::size_t stride_;
+  std::unique_ptr<std::byte[], aligned_delete> bytes_;
+};
+
+} // namespace
+
+void generate(const engine& e, const kernel_set& kernels, void* record, std::uint64_t n, void* out,
+              const transform& t) {
+  if (n == 0)
+    return;
+  const bool streaming = n >= streaming_threshold_bytes() / t.value_bytes;
+  auto* const bytes = static_cast<std::byte*>(out);
+
+  const auto threads = static_cast<std::uint64_t>(tbb::this_task_arena::max_concurrency());
+  const std::uint64_t parts_wanted = std::min(threads, n / values_per_thread);
+  const std::uint64_t unit = part_alignment_words / t.words_per_group * t.values_per_group;
+  const std::uint64_t values_per_part =
+      parts_wanted < 2 ? n : (n / parts_wanted + unit) / unit * unit;
+  const auto parts = static_cast<std::size_t>((n + values_per_part - 1) / values_per_part);
+  if (parts < 2) {
+    run_part(e, kernels, {record, n, bytes}, t, streaming);
+    return;
+  }
+
+  const part_records later(e, record, parts - 1, words_of(values_per_part, t));
+  tbb::parallel_for(
+      std::size_t{0}, parts,
+      [&](std::size_t i) {
+        const std::uint64_t first = i * values_per_part;
+        run_part(e, kernels,
+                 {i == 0 ? record : later[i - 1], std::min(values_per_part, n - first), bytes + first * t.value_bytes},
+                 t, streaming);
+      },
+      tbb::simple_partitioner());
+  std::memcpy(record, later[parts - 2], e.record_bytes);
+}
+
+} // namespace hvl::streams

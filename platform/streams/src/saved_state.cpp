@@ -1,0 +1,102 @@
+#include "saved_state.hpp"
+
+#include <zlib.h>
+
+#include <cstring>
+
+namespace hvl::streams {
+namespace {
+
+constexpr std::uint32_t state_magic = 0x534C5648; // "HVLS"
+constexpr std::uint32_t state_version = 1;
+constexpr std::size_t checksum_bytes = 4;
+
+void put(std::uint8_t*& at, std::uint64_t value, std::size_t bytes) noexcept {
+  for (std::size_t i = 0; i < bytes; ++i)
+    *at++ = static_cast<std::uint8_t>(value >> (8 * i));
+}
+
+std::uint64_t get(const std::uint8_t*& at, std::size_t bytes) noexcept {
+  std::uint64_t value = 0;
+  for (std::size_t i = 0; i < bytes; ++i)
+    value |= std::uint64_t{*at++} << (8 * i);
+  return value;
+}
+
+std::size_t payload_bytes(const engine& e) noexcept {
+  std::size_t bytes = 0;
+  for (const record_field& field : e.fields)
+    bytes += std::size_t{field.word_bytes} * field.words;
+  return bytes;
+}
+
+std::uint32_t checksum(std::span<const std::uint8_t> bytes) noexcept {
+  return static_cast<std::uint32_t>(crc32(crc32(0, nullptr, 0), bytes.data(), static_cast<uInt>(bytes.size())));
+}
+
+} // namespace
+
+std::size_t saved_state_bytes(const engine& e) noexcept {
+  return state_header_bytes + payload_bytes(e) + checksum_bytes;
+}
+
+void encode_state(const engine& e, const void* record, std::span<std::uint8_t> out) noexcept {
+  std::uint8_t* at = out.data();
+  put(at, state_magic, 4);
+  put(at, state_version, 4);
+  put(at, static_cast<std::uint32_t>(e.id), 4);
+  put(at, payload_bytes(e), 4);
+  for (const record_field& field : e.fields) {
+    const auto* source = static_cast<const std::byte*>(record) + field.offset_bytes;
+    for (std::uint32_t i = 0; i < field.words; ++i, source += field.word_bytes) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, source, field.word_bytes);
+      put(at, word, field.word_bytes);
+    }
+  }
+  put(at, checksum(out.first(static_cast<std::size_t>(at - out.data()))), checksum_bytes);
+}
+
+int read_state_header(std::span<const std::uint8_t, state_header_bytes> header, const engine*& e,
+                      std::size_t& state_bytes) noexcept {
+  const std::uint8_t* at = header.data();
+  if (get(at, 4) != state_magic || get(at, 4) != state_version)
+    return VQS_STATUS_STATE_FORMAT;
+  e = find_engine(static_cast<std::int32_t>(static_cast<std::uint32_t>(get(at, 4))));
+  if (e == nullptr)
+    return VQS_STATUS_STATE_FORMAT;
+  if (get(at, 4) != payload_bytes(*e))
+    return VQS_STATUS_STATE_SIZE;
+  state_bytes = saved_state_bytes(*e);
+  return VQS_STATUS_OK;
+}
+
+int decode_state(std::span<const std::uint8_t> state, record_pointer& record) {
+  if (state.size() < state_header_bytes)
+    return VQS_STATUS_STATE_SIZE;
+  const engine* e = nullptr;
+  std::size_t state_bytes = 0;
+  if (const int status = read_state_header(state.first<state_header_bytes>(), e, state_bytes); status != 0)
+    return status;
+  if (state.size() != state_bytes)
+    return VQS_STATUS_STATE_SIZE;
+  const std::uint8_t* sum = state.data() + (state_bytes - checksum_bytes);
+  if (get(sum, checksum_bytes) != checksum(state.first(state_bytes - checksum_bytes)))
+    return VQS_STATUS_STATE_CHECKSUM;
+
+  record_pointer decoded = new_record(*e);
+  const std::uint8_t* at = state.data() + state_header_bytes;
+  for (const record_field& field : e->fields) {
+    auto* target = static_cast<std::byte*>(decoded.get()) + field.offset_bytes;
+    for (std::uint32_t i = 0; i < field.words; ++i, target += field.word_bytes) {
+      const std::uint64_t word = get(at, field.word_bytes);
+      std::memcpy(target, &word, field.word_bytes);
+    }
+  }
+  if (!e->in_range(decoded.get()))
+    return VQS_STATUS_STATE_RANGE;
+  record = std::move(decoded);
+  return VQS_STATUS_OK;
+}
+
+} // namespace hvl::streams

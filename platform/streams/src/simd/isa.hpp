@@ -1,0 +1,25 @@
+// First include of every source that is compiled once per instruction set. HVL_STREAMS_ISA names the namespace:
+// scalar has no vectors, avx2 and avx512 use Highway's static target for the unit's flags.
+#pragma once
+
+#ifndef HVL_STREAMS_ISA
+#error "this source is compiled once per instruction set, with HVL_STREAMS_ISA defined"
+#endif
+
+#include "simd/kernels.hpp"
+
+#ifndef HVL_STREAMS_ISA_IS_SCALAR
+#include <hwy/highway.h>
+#endif
+
+namespace hvl::streams::HVL_STREAMS_ISA {
+
+const block_kernel* block_kernel_of(engine_index e) noexcept;
+transform_function uniform_transform(word_kind kind, uniform_result result) noexcept;
+void stream_copy(void* out, const void* in, std::size_t bytes) noexcept;
+
+#ifndef HVL_STREAMS_ISA_IS_SCALAR
+extern const block_kernel philox4x32x10_blocks;
+#endif
+
+} // namespace hvl::streams::HVL_STREAMS_ISA

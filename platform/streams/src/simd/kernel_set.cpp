@@ -1,0 +1,19 @@
+#include "simd/isa.hpp"
+
+namespace hvl::streams::HVL_STREAMS_ISA {
+
+const block_kernel* block_kernel_of([[maybe_unused]] engine_index e) noexcept {
+#ifndef HVL_STREAMS_ISA_IS_SCALAR
+  switch (e) {
+  case engine_index::philox4x32x10:
+    return &philox4x32x10_blocks;
+  case engine_index::count:
+    break;
+  }
+#endif
+  return nullptr;
+}
+
+const kernel_set kernels = {block_kernel_of, uniform_transform, stream_copy};
+
+} // namespace hvl::streams::HVL_STREAMS_ISA

@@ -1,0 +1,77 @@
+// What the instruction-set units offer to the rest of the library. The sources of src/simd and src/distributions are
+// compiled once per instruction set, each time into the namespace HVL_STREAMS_ISA; nothing inline that is shared with
+// other units may be defined there, or the linker could pick its AVX-512 form for a machine without.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "engine.hpp"
+
+namespace hvl::streams {
+
+// An engine's words at full speed, in whole granules. `open` reads a record into a workspace and returns how many
+// leading words of the first granule lie before the record's position. Each `run` writes the next granules.
+// `close` brings a record from where `open` read it to `words_taken` words further; null means that the engine's
+// skip does it.
+struct block_kernel {
+  std::uint32_t granule_words;
+  std::uint32_t block_words; // a multiple of granule_words that keeps words and values in L1
+  std::uint32_t least_words; // below it the engine's draw is faster
+  std::uint32_t (*open)(const void* record, void* workspace) noexcept;
+  void (*run)(void* workspace, void* words, std::size_t granules) noexcept;
+  void (*close)(const void* workspace, void* record, std::uint64_t words_taken) noexcept;
+};
+
+inline constexpr std::size_t max_block_words = 2048;
+inline constexpr std::size_t workspace_bytes = 4096;
+inline constexpr std::size_t vector_alignment = 64;
+
+// Turns words into `values` values. After the last word at least 64 readable bytes follow; nothing is written past the
+// last value.
+using transform_function = void (*)(const void* parameters, const void* words, void* values,
+                                    std::size_t values_count) noexcept;
+
+enum class uniform_result : std::uint8_t {
+  real32,
+  real64,
+  real32_clamped,
+  real64_clamped,
+  int32_via_float,
+  int32_via_double,
+  uint32_via_float,
+  uint32_via_double,
+  high32,  // of mcg59: the high 32 of 59 bits
+  packed64 // of mcg59: two consecutive high32, first one low
+};
+
+template <class T>
+struct uniform_parameters {
+  coefficients<T> affine;
+  T low; // of the clamp
+  T high;
+};
+
+struct kernel_set {
+  // Null where the engine's draw is the best there is.
+  const block_kernel* (*block)(engine_index e) noexcept;
+  // Parameters are uniform_parameters<float or double>, by the type of computation.
+  transform_function (*uniform)(word_kind kind, uniform_result result) noexcept;
+  // Copies past the caches and orders the stores before whatever follows.
+  void (*stream_copy)(void* out, const void* in, std::size_t bytes) noexcept;
+};
+
+namespace scalar {
+extern const kernel_set kernels;
+}
+namespace avx2 {
+extern const kernel_set kernels;
+}
+namespace avx512 {
+extern const kernel_set kernels;
+}
+
+// For a value of hvl_serv_isa(); null when it is none.
+const kernel_set* kernels_for(int isa) noexcept;
+
+} // namespace hvl::streams

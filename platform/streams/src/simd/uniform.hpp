@@ -1,0 +1,233 @@
+// Words of every kind as vectors of scaled uniforms, and loops over blocks of values: what a distribution's transform is
+// written with. In the scalar instance a vector is one number.
+#pragma once
+
+#include <cstring>
+
+#include "simd/isa.hpp"
+
+namespace hvl::streams::HVL_STREAMS_ISA {
+namespace {
+
+#ifdef HVL_STREAMS_ISA_IS_SCALAR
+
+template <word_kind Kind>
+struct word_of {
+  using type = std::int32_t;
+};
+template <>
+struct word_of<word_kind::unsigned32> {
+  using type = std::uint32_t;
+};
+template <>
+struct word_of<word_kind::unsigned64> {
+  using type = std::uint64_t;
+};
+
+template <class T>
+inline constexpr std::size_t vector_values = 1;
+
+// Uniforms from words: operator()(i) is the vector that starts at word i.
+template <word_kind Kind, class T>
+class word_loader {
+public:
+  word_loader(const void* words, coefficients<T> affine)
+      : words_(static_cast<const typename word_of<Kind>::type*>(words)), affine_(affine) {}
+  T operator()(std::size_t i) const { return uniform_value<T>(words_[i], affine_); }
+
+private:
+  const typename word_of<Kind>::type* words_;
+  coefficients<T> affine_;
+};
+
+template <class T>
+T clamp(T v, T low, T high) {
+  return clamp_to(v, low, high);
+}
+
+template <class Integer, class T>
+Integer floor_vector(T v) {
+  return floor_to<Integer>(v);
+}
+
+// out[i...] = body(i) for every vector; T is the type of computation, which sets the width.
+template <class T, class Value, class Body>
+void for_each_vector(Value* out, std::size_t count, const Body& body) {
+  for (std::size_t i = 0; i < count; ++i)
+    out[i] = body(i);
+}
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+template <class T>
+using vector_tag = hn::ScalableTag<T>;
+template <class T>
+using vector = hn::Vec<vector_tag<T>>;
+template <class T>
+inline constexpr std::size_t vector_values = hn::MaxLanes(vector_tag<T>());
+
+// The conversions round once, to nearest even.
+HWY_INLINE vector<float> to_float_signed32(const std::int32_t* words) {
+  return hn::ConvertTo(vector_tag<float>(), hn::LoadU(vector_tag<std::int32_t>(), words));
+}
+
+HWY_INLINE vector<float> to_float_unsigned32(const std::uint32_t* words) {
+  const vector_tag<std::uint32_t> d;
+  const auto w = hn::LoadU(d, words);
+#if HWY_TARGET <= HWY_AVX3
+  return vector<float>{_mm512_cvtepu32_ps(w.raw)};
+#else
+  const vector_tag<std::int32_t> di;
+  const vector_tag<float> df;
+  // both halves and the product are exact, so only the sum rounds
+  const auto high = hn::ConvertTo(df, hn::BitCast(di, hn::ShiftRight<16>(w)));
+  const auto low = hn::ConvertTo(df, hn::BitCast(di, hn::And(w, hn::Set(d, 0xFFFFu))));
+  return hn::Add(hn::Mul(high, hn::Set(df, 65536.0f)), low);
+#endif
+}
+
+HWY_INLINE vector<double> to_double(vector<std::uint64_t> w) {
+#if HWY_TARGET <= HWY_AVX3
+  return vector<double>{_mm512_cvtepu64_pd(w.raw)};
+#else
+  const vector_tag<std::uint64_t> d;
+  const vector_tag<double> dd;
+  // 2^84 + high * 2^32 and 2^52 + low, written as bits; only the last sum rounds
+  const auto high = hn::BitCast(dd, hn::Or(hn::ShiftRight<32>(w), hn::Set(d, 0x4530000000000000u)));
+  const auto low = hn::BitCast(
+      dd, hn::Or(hn::And(w, hn::Set(d, 0xFFFFFFFFu)), hn::Set(d, 0x4330000000000000u)));
+  return hn::Add(hn::Sub(high, hn::Set(dd, 19342813118337666422669312.0)), low);
+#endif
+}
+
+HWY_INLINE vector<float> to_float_unsigned64(const std::uint64_t* words) {
+  const vector_tag<std::uint64_t> d;
+  const vector_tag<float> df;
+  const auto w0 = hn::LoadU(d, words);
+  const auto w1 = hn::LoadU(d, words + vector_values<std::uint64_t>);
+#if HWY_TARGET <= HWY_AVX3
+  const __m256 low = _mm512_cvtepu64_ps(w0.raw);
+  const __m256 high = _mm512_cvtepu64_ps(w1.raw);
+  return hn::Combine(df, hn::Vec256<float>{high}, hn::Vec256<float>{low});
+#else
+  const hn::Half<vector_tag<float>> dh;
+  // 51 bits of the word and a bit that says whether a lower one was set: exact in double, and the step to float rounds
+  // it as it would the whole word
+  const auto narrowed = [&](vector<std::uint64_t> w) {
+    const auto dropped = hn::And(w, hn::Set(d, std::uint64_t{0xFF}));
+    const auto sticky = hn::ShiftRight<8>(hn::Add(dropped, hn::Set(d, std::uint64_t{0xFF})));
+    const auto exact = to_double(hn::Or(hn::ShiftRight<8>(w), sticky));
+    return hn::DemoteTo(dh, exact);
+  };
+  return hn::Mul(hn::Combine(df, narrowed(w1), narrowed(w0)), hn::Set(df, 256.0f));
+#endif
+}
+
+HWY_INLINE vector<double> to_double_signed32(const std::int32_t* words) {
+  const vector_tag<double> dd;
+  return hn::PromoteTo(dd, hn::LoadU(hn::Half<vector_tag<std::int32_t>>(), words));
+}
+
+HWY_INLINE vector<double> to_double_unsigned32(const std::uint32_t* words) {
+  const vector_tag<std::uint64_t> d;
+  const vector_tag<double> dd;
+  const auto w = hn::PromoteTo(d, hn::LoadU(hn::Half<vector_tag<std::uint32_t>>(), words));
+  return hn::Sub(hn::BitCast(dd, hn::Or(w, hn::Set(d, 0x4330000000000000u))), hn::Set(dd, 4503599627370496.0));
+}
+
+// Uniforms from words: operator()(i) is the vector that starts at word i.
+template <word_kind Kind, class T>
+class word_loader {
+public:
+  HWY_INLINE word_loader(const void* words, coefficients<T> affine)
+      : words_(words), scale_(hn::Set(vector_tag<T>(), affine.scale)), shift_(hn::Set(vector_tag<T>(), affine.shift)) {}
+
+  HWY_INLINE vector<T> operator()(std::size_t i) const {
+    return hn::Add(hn::Mul(converted(i), scale_), shift_);
+  }
+
+private:
+  HWY_INLINE vector<T> converted(std::size_t i) const {
+    constexpr bool single = sizeof(T) == 4;
+    if constexpr (Kind == word_kind::signed32) {
+      const auto* w = static_cast<const std::int32_t*>(words_) + i;
+      if constexpr (single)
+        return to_float_signed32(w);
+      else
+        return to_double_signed32(w);
+    } else if constexpr (Kind == word_kind::unsigned32) {
+      const auto* w = static_cast<const std::uint32_t*>(words_) + i;
+      if constexpr (single)
+        return to_float_unsigned32(w);
+      else
+        return to_double_unsigned32(w);
+    } else {
+      const auto* w = static_cast<const std::uint64_t*>(words_) + i;
+      if constexpr (single)
+        return to_float_unsigned64(w);
+      else
+        return to_double(hn::LoadU(vector_tag<std::uint64_t>(), w));
+    }
+  }
+
+  const void* words_;
+  vector<T> scale_;
+  vector<T> shift_;
+};
+
+template <class T>
+HWY_INLINE hn::Vec<hn::ScalableTag<T>> clamp(hn::Vec<hn::ScalableTag<T>> v, T low, T high) {
+  const vector_tag<T> d;
+  return hn::Min(hn::Max(v, hn::Set(d, low)), hn::Set(d, high));
+}
+
+// As floor_to of streams_scaling.hpp.
+template <class Integer, class V>
+HWY_INLINE auto floor_vector(V v) {
+  using T = hn::TFromV<V>;
+  const vector_tag<T> d;
+  const hn::Rebind<std::int32_t, vector_tag<T>> di;
+  const hn::Rebind<Integer, vector_tag<T>> dr;
+  const auto floored = clamp<T>(hn::Floor(v), lowest_of<Integer, T>, highest_of<Integer, T>);
+  const auto narrow = [&](V x) {
+    if constexpr (sizeof(T) == 4)
+      return hn::ConvertTo(di, x);
+    else
+      return hn::DemoteTo(di, x);
+  };
+  if constexpr (std::is_signed_v<Integer>) {
+    return narrow(floored);
+  } else {
+    // the upper half of the range is brought below 2^31, which is exact there, and its bit put back afterwards
+    const auto half = hn::Set(d, static_cast<T>(2147483648.0));
+    if constexpr (sizeof(T) == 8) {
+      return hn::Xor(hn::BitCast(dr, narrow(hn::Sub(floored, half))), hn::Set(dr, 0x80000000u));
+    } else {
+      const auto upper = hn::Ge(floored, half);
+      const auto low_bits = hn::BitCast(dr, narrow(hn::Sub(floored, hn::IfThenElseZero(upper, half))));
+      return hn::Xor(low_bits, hn::IfThenElseZero(hn::RebindMask(dr, upper), hn::Set(dr, 0x80000000u)));
+    }
+  }
+}
+
+// out[i...] = body(i) for every vector; T is the type of computation, which sets the width.
+template <class T, class Value, class Body>
+HWY_INLINE void for_each_vector(Value* HWY_RESTRICT out, std::size_t count, const Body& body) {
+  constexpr std::size_t width = vector_values<T>;
+  const hn::Rebind<Value, vector_tag<T>> d;
+  std::size_t i = 0;
+  for (; i + width <= count; i += width)
+    hn::StoreU(body(i), d, out + i);
+  if (i < count) {
+    alignas(vector_alignment) Value tail[width];
+    hn::Store(body(i), d, tail);
+    std::memcpy(out + i, tail, (count - i) * sizeof(Value));
+  }
+}
+
+#endif
+
+} // namespace
+} // namespace hvl::streams::HVL_STREAMS_ISA

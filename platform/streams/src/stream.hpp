@@ -1,0 +1,41 @@
+// From handle to engine and record, and the guard that every exported function runs in.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <new>
+
+#include "engine.hpp"
+#include "hvl/core.h"
+
+namespace hvl::streams {
+
+inline constexpr std::uint32_t live_stream_magic = 0x4D525453; // "STRM"
+
+struct record_delete {
+  void operator()(void* record) const noexcept { hvl_serv_free(record); }
+};
+using record_pointer = std::unique_ptr<void, record_delete>;
+
+// Null for a handle that is not a live stream of a known engine.
+inline const engine* engine_of(vqs_stream stream) noexcept {
+  const auto* header = static_cast<const vqs_record_header*>(stream);
+  return header != nullptr && header->magic == live_stream_magic ? find_engine(header->engine) : nullptr;
+}
+
+// A zeroed record with its header written; throws std::bad_alloc.
+record_pointer new_record(const engine& e);
+
+// Runs `body`, which returns a status; what it throws becomes one.
+template <class Body>
+int guarded(Body&& body) noexcept {
+  try {
+    return body();
+  } catch (const std::bad_alloc&) {
+    return VQS_STATUS_NO_MEMORY;
+  } catch (...) {
+    return VQS_STATUS_INTERNAL;
+  }
+}
+
+} // namespace hvl::streams

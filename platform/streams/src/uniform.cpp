@@ -1,0 +1,95 @@
+#include <cmath>
+
+#include "vector_call.hpp"
+
+namespace hvl::streams {
+namespace {
+
+bool is_method(std::int64_t method) {
+  return method == VQS_METHOD_UNIFORM_STANDARD || method == VQS_METHOD_UNIFORM_ACCURATE;
+}
+
+// T is the type of computation.
+template <class T, class Value>
+int uniform(int status, uniform_result result, vqs_stream stream, std::int64_t n, Value* r, Value a, Value b) noexcept {
+  uniform_parameters<T> p{{}, static_cast<T>(a), static_cast<T>(b)};
+  return vector_call(status, stream, n, r, [&](const engine& e, const kernel_set& kernels) {
+    p.affine = uniform_coefficients(e.scale, p.low, p.high);
+    return transform{kernels.uniform(e.kind, result), &p, 1, 1, sizeof(Value)};
+  });
+}
+
+template <class T>
+int real_uniform(std::int64_t method, uniform_result standard, uniform_result accurate, vqs_stream stream, std::int64_t n,
+                 T* r, T a, T b) noexcept {
+  int status = VQS_STATUS_OK;
+  if (!is_method(method))
+    status = VQS_STATUS_BAD_METHOD;
+  else if (!(a < b) || !std::isfinite(b - a)) // refuses NaN too
+    status = VQS_STATUS_BAD_PARAMETER;
+  return uniform<T>(status, method == VQS_METHOD_UNIFORM_ACCURATE ? accurate : standard, stream, n, r, a, b);
+}
+
+template <class Integer>
+int integer_uniform(std::int64_t method, uniform_result standard, uniform_result accurate, vqs_stream stream,
+                    std::int64_t n, Integer* r, Integer a, Integer b) noexcept {
+  const int status = !is_method(method) ? VQS_STATUS_BAD_METHOD : a < b ? VQS_STATUS_OK : VQS_STATUS_BAD_PARAMETER;
+  return method == VQS_METHOD_UNIFORM_ACCURATE ? uniform<double>(status, accurate, stream, n, r, a, b)
+                                               : uniform<float>(status, standard, stream, n, r, a, b);
+}
+
+int bits_status(std::int64_t method) { return method == 0 ? VQS_STATUS_OK : VQS_STATUS_BAD_METHOD; }
+
+transform bits32(const engine& e, const kernel_set& kernels) {
+  if (e.kind == word_kind::unsigned64)
+    return {kernels.uniform(e.kind, uniform_result::high32), nullptr, 1, 1, 4};
+  return {nullptr, nullptr, 1, 1, 4};
+}
+
+constexpr transform unsupported{};
+
+} // namespace
+} // namespace hvl::streams
+
+using namespace hvl::streams;
+
+int vsRngUniform_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a, float b) {
+  return real_uniform(method, uniform_result::real32, uniform_result::real32_clamped, stream, n, r, a, b);
+}
+
+int vdRngUniform_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a, double b) {
+  return real_uniform(method, uniform_result::real64, uniform_result::real64_clamped, stream, n, r, a, b);
+}
+
+int viRngUniform_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, int32_t a, int32_t b) {
+  return integer_uniform(method, uniform_result::int32_via_float, uniform_result::int32_via_double, stream, n, r, a, b);
+}
+
+int viRngUniformU_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r, uint32_t a, uint32_t b) {
+  return integer_uniform(method, uniform_result::uint32_via_float, uniform_result::uint32_via_double, stream, n, r, a,
+                         b);
+}
+
+int viRngUniformBits_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r) {
+  return vector_call(bits_status(method), stream, n, r, bits32);
+}
+
+int viRngUniformBits32_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r) {
+  return vector_call(bits_status(method), stream, n, r, [](const engine& e, const kernel_set& kernels) {
+    return e.has_uniform_bits ? bits32(e, kernels) : unsupported;
+  });
+}
+
+int viRngUniformBits64_64(int64_t method, vqs_stream stream, int64_t n, uint64_t* r) {
+  const engine* e = stream != nullptr ? engine_of(stream) : nullptr;
+  if (e != nullptr && e->has_uniform_bits && e->kind != word_kind::unsigned64) {
+    // little-endian: the words side by side are the values
+    if (n > INT64_MAX / 2)
+      return VQS_STATUS_BAD_COUNT;
+    return viRngUniformBits_64(method, stream, n < 0 ? n : 2 * n, reinterpret_cast<uint32_t*>(r));
+  }
+  return vector_call(bits_status(method), stream, n, r, [](const engine& en, const kernel_set& kernels) {
+    return en.has_uniform_bits ? transform{kernels.uniform(en.kind, uniform_result::packed64), nullptr, 2, 1, 8}
+                               : unsupported;
+  });
+}

@@ -1,0 +1,185 @@
+// What holds for every engine, each under every instruction set and number of threads.
+#include <algorithm>
+#include <cstring>
+#include <random>
+
+#include "hvl/streams_record.h"
+#include "support.hpp"
+
+namespace hvl::streams::test {
+namespace {
+
+// Enough for a split over two threads.
+constexpr std::size_t long_request = 300'007;
+
+class engine_properties : public each_engine {
+protected:
+  // The sequence, one number at a time by the scalar path.
+  std::vector<std::uint32_t> reference(std::size_t n) const {
+    const run_mode mode(HVL_ISA_SCALAR, 1);
+    owned_stream stream(id());
+    std::vector<std::uint32_t> words(n);
+    for (std::uint32_t& word : words)
+      EXPECT_EQ(viRngUniformBits_64(0, stream, 1, &word), VQS_STATUS_OK);
+    return words;
+  }
+};
+
+TEST_P(engine_properties, any_split_gives_the_same_sequence) {
+  const auto expected = reference(long_request);
+  for_every_mode([&] {
+    expect_equal(owned_stream(id()).bits(long_request), expected);
+    std::mt19937 sizes(1);
+    owned_stream stream(id());
+    std::vector<std::uint32_t> pieces;
+    const std::size_t limits[] = {3, 40, 700, 5000};
+    while (pieces.size() < 60'000) {
+      const auto piece = stream.bits(sizes() % limits[sizes() % 4]);
+      pieces.insert(pieces.end(), piece.begin(), piece.end());
+    }
+    expect_equal(pieces, {expected.begin(), expected.begin() + static_cast<std::ptrdiff_t>(pieces.size())});
+  });
+}
+
+TEST_P(engine_properties, skipping_equals_discarding_in_outputs_and_in_state) {
+  for_every_mode([&] {
+    for (const std::size_t before : {0u, 1u, 2u, 3u, 5u, 623u, 624u}) {
+      for (const std::size_t n : {0u, 1u, 2u, 3u, 4u, 5u, 7u, 8u, 64u, 623u, 624u, 625u, 1248u, 4099u, 262'144u, 290'001u}) {
+        SCOPED_TRACE(std::to_string(before) + " then " + std::to_string(n));
+        owned_stream stepped(id());
+        stepped.bits(before);
+        owned_stream skipped(stepped);
+        stepped.bits(n);
+        skipped.skip(n);
+        ASSERT_EQ(skipped.saved(), stepped.saved());
+        expect_equal(skipped.bits(30), stepped.bits(30));
+      }
+    }
+  });
+}
+
+TEST_P(engine_properties, skips_add_up_beyond_64_bits) {
+  const std::uint64_t half = std::uint64_t{1} << 63;
+  owned_stream twice(id());
+  twice.skip(half).skip(half).skip(5);
+  owned_stream at_once(id());
+  at_once.skip_words({5, 1});
+  EXPECT_EQ(at_once.saved(), twice.saved());
+
+  owned_stream high(id());
+  high.skip_words({0, half}).skip_words({0, half, 0}).skip(9);
+  owned_stream third_word(id());
+  third_word.skip_words({9, 0, 1});
+  EXPECT_EQ(third_word.saved(), high.saved());
+
+  owned_stream still(id());
+  still.bits(3);
+  owned_stream moved(still);
+  moved.skip_words({}).skip_words({0, 0, 0, 0});
+  EXPECT_EQ(moved.saved(), still.saved());
+  EXPECT_NE(moved.skip_words({0, 1}).saved(), still.saved());
+}
+
+TEST_P(engine_properties, copies_are_deep_and_continue_alike) {
+  for_every_mode([&] {
+    for (const std::size_t n : {0u, 1u, 6u, 1000u}) {
+      owned_stream original(id());
+      original.bits(n);
+      owned_stream copy(original);
+      const auto expected = original.bits(2000);
+      original.bits(17);
+      expect_equal(copy.bits(2000), expected);
+    }
+  });
+}
+
+TEST_P(engine_properties, saved_states_continue_in_the_middle_of_a_block) {
+  for_every_mode([&] {
+    for (const std::size_t n : {0u, 1u, 2u, 3u, 4u, 622u, 623u, 624u, 625u, 5000u}) {
+      owned_stream original(id());
+      original.bits(n);
+      const auto state = original.saved();
+      vqs_stream loaded = nullptr;
+      ASSERT_EQ(vqsLoadStreamM_64(&loaded, state.data()), VQS_STATUS_OK);
+      owned_stream restored = owned_stream::adopt(loaded);
+      EXPECT_EQ(vqsEngineOfStream(restored), id());
+      EXPECT_EQ(restored.saved(), state);
+      expect_equal(restored.bits(3000), original.bits(3000));
+    }
+  });
+}
+
+TEST_P(engine_properties, nothing_is_written_outside_a_misaligned_output) {
+  const auto expected = reference(6000);
+  constexpr std::size_t guard = 96;
+  for_every_mode([&] {
+    for (const std::size_t n : {0u, 1u, 3u, 15u, 16u, 63u, 191u, 192u, 193u, 1535u, 1537u, 6000u}) {
+      for (const std::size_t offset : {0u, 1u, 7u}) {
+        std::vector<std::uint32_t> memory(n + 2 * guard, 0xA5A5A5A5);
+        owned_stream stream(id());
+        std::uint32_t* const out = memory.data() + guard + offset;
+        ASSERT_EQ(viRngUniformBits_64(0, stream, static_cast<std::int64_t>(n), out), VQS_STATUS_OK);
+        ASSERT_TRUE(std::equal(out, out + n, expected.begin()));
+        ASSERT_TRUE(std::all_of(memory.data(), out, [](std::uint32_t w) { return w == 0xA5A5A5A5; }));
+        ASSERT_TRUE(std::all_of(out + n, memory.data() + memory.size(), [](std::uint32_t w) { return w == 0xA5A5A5A5; }));
+      }
+    }
+  });
+}
+
+TEST_P(engine_properties, different_seeds_and_words_give_different_sequences) {
+  const auto first = owned_stream(id(), 1).bits(8);
+  EXPECT_EQ(owned_stream(id(), 1).bits(8), first);
+  EXPECT_NE(owned_stream(id(), 2).bits(8), first);
+  const std::uint32_t words[] = {1, 2};
+  EXPECT_NE(owned_stream(id(), std::span(words, 1)).bits(8), owned_stream(id(), words).bits(8));
+  const auto none = owned_stream(id(), std::span<const std::uint32_t>()).bits(8);
+  EXPECT_NE(none[0], none[1]);
+}
+
+TEST_P(engine_properties, streaming_output_is_the_same_as_cached_output) {
+  constexpr std::size_t n = (std::size_t{40} << 20) / sizeof(double) + 3; // larger than the last cache of most machines
+  const run_mode mode(-1, 2);
+  owned_stream stream(id());
+  std::vector<double> whole(n + 1, -1.0);
+  ASSERT_EQ(vdRngUniform_64(0, stream, n, whole.data() + 1, 0.0, 1.0), VQS_STATUS_OK);
+  owned_stream pieces(id());
+  for (std::size_t first = 0; first < n; first += 70'001) {
+    const std::size_t count = std::min<std::size_t>(70'001, n - first);
+    const auto expected = pieces.doubles(count);
+    ASSERT_EQ(std::memcmp(expected.data(), whole.data() + 1 + first, count * sizeof(double)), 0) << "from " << first;
+  }
+  EXPECT_EQ(stream.saved(), pieces.saved());
+}
+
+HVL_STREAMS_FOR_EACH_ENGINE(engine_properties);
+
+TEST(philox4x32x10, remaining_words_and_carries) {
+  // remaining 4: the whole block before the counter is still to come
+  const std::uint32_t words[] = {11, 22, 0, 0, 0, 0};
+  for_every_mode([&] {
+    for (const std::uint32_t c0 : {0xFFFFFFF0u, 0u}) {
+      owned_stream plain(VQS_ENGINE_PHILOX4X32X10, words);
+      auto* record = static_cast<vqs_philox4x32x10_record*>(static_cast<vqs_stream>(plain));
+      record->c0 = c0;
+      record->c1 = record->c2 = record->c3 = 0xFFFFFFFF;
+      const auto expected = owned_stream(plain).bits(9000);
+      for (std::uint32_t remaining = 0; remaining <= 4; ++remaining) {
+        owned_stream stream(plain);
+        auto* r = static_cast<vqs_philox4x32x10_record*>(static_cast<vqs_stream>(stream));
+        if (++r->c0 == 0) // the block before the counter is the plain stream's first
+          r->c1 = r->c2 = r->c3 = 0;
+        r->remaining = remaining;
+        for (const std::size_t n : {1u, 6u, 800u, 8000u})
+          expect_equal(owned_stream(stream).bits(n), {expected.begin() + 4 - remaining,
+                                                      expected.begin() + 4 - remaining + static_cast<std::ptrdiff_t>(n)});
+        owned_stream skipped(stream);
+        skipped.skip(remaining + 3);
+        expect_equal(skipped.bits(10), {expected.begin() + 7, expected.begin() + 17});
+      }
+    }
+  });
+}
+
+} // namespace
+} // namespace hvl::streams::test

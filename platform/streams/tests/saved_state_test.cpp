@@ -1,0 +1,190 @@
+// Saved states: files written whole or not at all, and loaders that refuse everything that was not saved here.
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include "support.hpp"
+
+namespace hvl::streams::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class saved_states : public each_engine {
+protected:
+  void SetUp() override {
+    std::string name = (fs::temp_directory_path() / "saved-state-XXXXXX").string();
+    ASSERT_NE(::mkdtemp(name.data()), nullptr);
+    folder_ = name;
+  }
+  void TearDown() override { fs::remove_all(folder_); }
+
+  std::string path(const char* name) const { return (folder_ / name).string(); }
+
+  static std::vector<unsigned char> content(const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  static void write(const std::string& name, const std::vector<unsigned char>& bytes) {
+    std::ofstream(name, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  }
+  static void seal(std::vector<unsigned char>& state) {
+    const auto sum = crc32(0, state.data(), static_cast<uInt>(state.size() - 4));
+    for (std::size_t i = 0; i < 4; ++i)
+      state[state.size() - 4 + i] = static_cast<unsigned char>(sum >> (8 * i));
+  }
+  static int load(const std::vector<unsigned char>& state) {
+    vqs_stream stream = nullptr;
+    const int status = vqsLoadStreamM_64(&stream, state.data());
+    EXPECT_EQ(stream != nullptr, status == VQS_STATUS_OK);
+    if (stream != nullptr)
+      vqsDeleteStream_64(&stream);
+    return status;
+  }
+
+  fs::path folder_;
+};
+
+TEST_P(saved_states, files_hold_the_same_bytes_as_memory_and_come_back) {
+  owned_stream stream(id());
+  stream.bits(5);
+  const std::string name = path("state");
+  ASSERT_EQ(vqsSaveStreamF_64(stream, name.c_str()), VQS_STATUS_OK);
+  EXPECT_EQ(content(name), stream.saved());
+  vqs_stream handle = nullptr;
+  ASSERT_EQ(vqsLoadStreamF_64(&handle, name.c_str()), VQS_STATUS_OK);
+  owned_stream loaded = owned_stream::adopt(handle);
+  expect_equal(loaded.bits(700), stream.bits(700));
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1) << "a temporary file was left behind";
+}
+
+TEST_P(saved_states, a_failed_save_keeps_the_old_file) {
+  owned_stream stream(id());
+  EXPECT_EQ(vqsSaveStreamF_64(stream, path("no/such/folder").c_str()), VQS_STATUS_FILE_OPEN);
+  EXPECT_EQ(vqsSaveStreamF_64(stream, "/dev/full"), VQS_STATUS_FILE_WRITE);
+  EXPECT_EQ(vqsSaveStreamF_64(stream, nullptr), VQS_STATUS_NULL_POINTER);
+  const std::string name = path("state");
+  ASSERT_EQ(vqsSaveStreamF_64(stream, name.c_str()), VQS_STATUS_OK);
+  ASSERT_EQ(::chmod(name.c_str(), 0640), 0);
+  ASSERT_EQ(::symlink("state", path("link").c_str()), 0);
+  const auto before = content(name);
+  stream.bits(1);
+  ASSERT_EQ(vqsSaveStreamF_64(stream, path("link").c_str()), VQS_STATUS_OK);
+  EXPECT_NE(content(name), before);
+  EXPECT_TRUE(fs::is_symlink(path("link"))) << "saving through a link replaced the link";
+  EXPECT_EQ(fs::status(name).permissions(), fs::perms(0640));
+}
+
+TEST_P(saved_states, every_flipped_bit_is_refused) {
+  const auto state = owned_stream(id()).saved();
+  for (std::size_t bit = 0; bit < 8 * state.size(); ++bit) {
+    auto damaged = state;
+    damaged[bit / 8] = static_cast<unsigned char>(damaged[bit / 8] ^ (1u << bit % 8));
+    ASSERT_NE(load(damaged), VQS_STATUS_OK) << "bit " << bit;
+  }
+}
+
+TEST_P(saved_states, files_of_a_wrong_size_or_origin_are_refused) {
+  const auto state = owned_stream(id()).saved();
+  const std::string name = path("state");
+  vqs_stream stream = nullptr;
+  for (std::size_t size = 0; size < state.size(); size += size < 40 ? 1 : 97) {
+    write(name, {state.begin(), state.begin() + static_cast<std::ptrdiff_t>(size)});
+    ASSERT_EQ(vqsLoadStreamF_64(&stream, name.c_str()), VQS_STATUS_STATE_SIZE) << size;
+  }
+  for (const std::size_t extra : {1u, 4u, 100'000u}) {
+    auto longer = state;
+    longer.resize(state.size() + extra);
+    write(name, longer);
+    ASSERT_EQ(vqsLoadStreamF_64(&stream, name.c_str()), VQS_STATUS_STATE_SIZE) << extra;
+  }
+  write(name, std::vector<unsigned char>(state.size(), 'x'));
+  EXPECT_EQ(vqsLoadStreamF_64(&stream, name.c_str()), VQS_STATUS_STATE_FORMAT);
+  EXPECT_EQ(vqsLoadStreamF_64(&stream, path("absent").c_str()), VQS_STATUS_FILE_OPEN);
+  EXPECT_EQ(vqsLoadStreamF_64(&stream, folder_.c_str()), VQS_STATUS_FILE_READ);
+  EXPECT_EQ(stream, nullptr);
+}
+
+TEST_P(saved_states, sealed_states_with_another_header_are_refused) {
+  const auto state = owned_stream(id()).saved();
+  const auto with = [&](std::size_t byte, unsigned char value) {
+    auto changed = state;
+    changed[byte] = value;
+    seal(changed);
+    return load(changed);
+  };
+  EXPECT_EQ(with(0, state[0]), VQS_STATUS_OK);
+  EXPECT_EQ(with(0, 'X'), VQS_STATUS_STATE_FORMAT);
+  EXPECT_EQ(with(4, 2), VQS_STATUS_STATE_FORMAT);
+  EXPECT_EQ(with(8, 1), VQS_STATUS_STATE_FORMAT);
+  EXPECT_EQ(with(12, static_cast<unsigned char>(state[12] + 4)), VQS_STATUS_STATE_SIZE);
+}
+
+TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
+  auto state = owned_stream(id()).saved();
+  const auto fill = [&](std::size_t first, std::size_t bytes, unsigned char value) {
+    for (std::size_t i = 0; i < bytes; ++i)
+      state[16 + first + i] = value;
+    seal(state);
+    return load(state);
+  };
+  switch (id()) {
+  case VQS_ENGINE_PHILOX4X32X10:
+    EXPECT_EQ(fill(24, 1, 4), VQS_STATUS_OK);
+    EXPECT_EQ(fill(24, 1, 5), VQS_STATUS_STATE_RANGE);
+    break;
+  case VQS_ENGINE_MRG32K3A:
+    EXPECT_EQ(fill(12, 12, 0), VQS_STATUS_STATE_RANGE); // second component all zero
+    EXPECT_EQ(fill(12, 12, 1), VQS_STATUS_OK);
+    EXPECT_EQ(fill(4, 4, 0xFF), VQS_STATUS_STATE_RANGE); // not below the modulus
+    break;
+  case VQS_ENGINE_MCG31M1:
+    EXPECT_EQ(fill(0, 4, 0), VQS_STATUS_STATE_RANGE);
+    EXPECT_EQ(fill(0, 4, 0x7F), VQS_STATUS_OK);
+    EXPECT_EQ(fill(0, 4, 0xFF), VQS_STATUS_STATE_RANGE);
+    EXPECT_EQ(fill(0, 4, 0x7F), VQS_STATUS_OK);
+    EXPECT_EQ(fill(4, 4, 0), VQS_STATUS_STATE_RANGE);
+    break;
+  case VQS_ENGINE_MCG59:
+    EXPECT_EQ(fill(0, 8, 0), VQS_STATUS_STATE_RANGE);
+    EXPECT_EQ(fill(0, 8, 0x07), VQS_STATUS_OK);
+    EXPECT_EQ(fill(8, 8, 0x06), VQS_STATUS_STATE_RANGE); // an even multiplier
+    EXPECT_EQ(fill(8, 8, 0xFF), VQS_STATUS_STATE_RANGE);
+    break;
+  case VQS_ENGINE_MT19937:
+    EXPECT_EQ(fill(2497, 1, 0x03), VQS_STATUS_STATE_RANGE); // position 624 + 256
+    EXPECT_EQ(fill(2497, 1, 0x00), VQS_STATUS_OK);
+    EXPECT_EQ(fill(0, 2496, 0x00), VQS_STATUS_STATE_RANGE); // no word set
+    break;
+  default:
+    FAIL() << "an engine without cases of its own";
+  }
+}
+
+TEST_P(saved_states, random_damage_never_builds_a_stream_out_of_range) {
+  const auto state = owned_stream(id()).saved();
+  std::mt19937 random(static_cast<std::uint32_t>(id()));
+  for (int round = 0; round < 3000; ++round) {
+    auto damaged = state;
+    for (std::uint32_t hits = 1 + random() % 8; hits != 0; --hits)
+      damaged[16 + random() % (state.size() - 20)] = static_cast<unsigned char>(random());
+    seal(damaged);
+    vqs_stream handle = nullptr;
+    if (vqsLoadStreamM_64(&handle, damaged.data()) != VQS_STATUS_OK)
+      continue;
+    owned_stream loaded = owned_stream::adopt(handle);
+    EXPECT_EQ(loaded.saved(), damaged);
+    loaded.bits(3);
+  }
+}
+
+HVL_STREAMS_FOR_EACH_ENGINE(saved_states);
+
+} // namespace
+} // namespace hvl::streams::test
