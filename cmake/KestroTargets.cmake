@@ -26,7 +26,8 @@ option(KESTRO_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 set(KESTRO_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, 'address;undefined' or 'thread'")
 option(KESTRO_WERROR "Treat warnings as errors" ON)
 
-# kestro_target(<target>): warnings, no floating-point contraction, the x86-64-v2 baseline, sanitizers.
+# kestro_target(<target>): warnings, no floating-point contraction, the x86-64-v2 baseline, sanitizers;
+# a shared library exports nothing of the C++ libraries that it uses.
 # Contraction is off because every number that reaches a caller must have the same bits on every machine.
 function(kestro_target target)
   target_compile_options(${target} PRIVATE
@@ -34,6 +35,11 @@ function(kestro_target target)
     $<$<BOOL:${KESTRO_WERROR}>:-Werror>
     -ffp-contract=off -march=x86-64-v2
     $<$<CONFIG:Release>:-O3>)
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "SHARED_LIBRARY")
+    target_link_options(${target} PRIVATE "-Wl,--version-script=${KESTRO_ROOT}/cmake/exports.map")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${KESTRO_ROOT}/cmake/exports.map")
+  endif()
   if(KESTRO_SANITIZE)
     list(JOIN KESTRO_SANITIZE "," sanitizers)
     target_compile_options(${target} PRIVATE -fsanitize=${sanitizers} -fno-omit-frame-pointer -g1)

@@ -14,8 +14,8 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^">]+)[">]', re.MULTILINE)
 SOURCES = {".c", ".h", ".cpp", ".hpp", ".inc", ".def"}
 THIRD_PARTY = {  # first path element or whole name of a header, and the library that it belongs to
     "hwy": "Highway", "tbb": "oneTBB", "oneapi": "oneTBB", "boost": "Boost", "CL": "OpenCL", "zlib.h": "zlib",
-    "CLI": "CLI11", "fmt": "{fmt}", "gtest": "tests", "gmock": "tests", "benchmark": "tests", "mpfr.h": "tests",
-    "gmp.h": "tests", "gsl": "tests", "Random123": "tests", "dSFMT.h": "tests",
+    "CLI": "CLI11", "fmt": "{fmt}", "gtest": "GoogleTest", "gmock": "GoogleTest", "benchmark": "Google Benchmark",
+    "mpfr.h": "MPFR", "gmp.h": "MPFR", "gsl": "GSL", "Random123": "Random123", "dSFMT.h": "dSFMT",
 }
 PUBLIC_ROOTS = {"kestro": "include", "sycl": "platform/qorin", "qorin": "platform/qorin"}
 
