@@ -39,8 +39,9 @@ T log_gamma(T x) {
   return static_cast<T>(std::lgamma(static_cast<double>(x)));
 }
 
-const double arguments[] = {-1e300, -37.25, -2.5, -1.0, -0.75, -1e-9, -0.0, 0.0,  1e-9,
-                            0.3,    0.75,   1.0,  1.5,  2.5,   9.0,   1e3,  1e300};
+// Volatile: the compiler rounds what it computes itself correctly, which the C library need not.
+const volatile double arguments[] = {-1e300, -37.25, -2.5, -1.0, -0.75, -1e-9, -0.0, 0.0,  1e-9,
+                                     0.3,    0.75,   1.0,  1.5,  2.5,   9.0,   1e3,  1e300};
 
 // Every forwarded builtin is the C library's function of the same name, in the type of the argument, and its
 // forms over vec, swizzle and marray give the scalar's bits.
@@ -50,8 +51,8 @@ const double arguments[] = {-1e300, -37.25, -2.5, -1.0, -0.75, -1e-9, -0.0, 0.0,
     EXPECT_TRUE(same(sycl::name(x), reference(x))) << #name << ' ' << x;                                     \
     EXPECT_TRUE(same(sycl::name(f), reference(f))) << #name << ' ' << f;                                     \
     EXPECT_TRUE(same<float>(sycl::name(half(f)), half(reference(static_cast<float>(half(f))))));             \
-    const sycl::double3 v{1.0, x, 0.5};                                                                      \
-    EXPECT_TRUE(same(sycl::name(v)[1], sycl::name(x)) && same(sycl::name(v)[2], sycl::name(0.5))) << #name;  \
+    const sycl::double3 v{1.0, x, x};                                                                        \
+    EXPECT_TRUE(same(sycl::name(v)[1], sycl::name(x)) && same(sycl::name(v)[2], sycl::name(x))) << #name;    \
     EXPECT_TRUE(same(sycl::name(v.swizzle<2, 1>())[1], sycl::name(x))) << #name;                             \
     EXPECT_TRUE(same(sycl::name(sycl::marray<float, 5>(f))[4], sycl::name(f))) << #name;                     \
   }
