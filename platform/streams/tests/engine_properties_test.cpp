@@ -77,7 +77,8 @@ TEST_P(engine_properties, skips_add_up_beyond_64_bits) {
   owned_stream moved(still);
   moved.skip_words({}).skip_words({0, 0, 0, 0});
   EXPECT_EQ(moved.saved(), still.saved());
-  EXPECT_NE(moved.skip_words({0, 1}).saved(), still.saved());
+  const bool period_divides = id() == VQS_ENGINE_MCG59; // its period is 2^57
+  EXPECT_EQ(moved.skip_words({0, 1}).saved() == still.saved(), period_divides);
 }
 
 TEST_P(engine_properties, copies_are_deep_and_continue_alike) {

@@ -17,6 +17,8 @@ namespace hvl::streams::HVL_STREAMS_ISA {
 const block_kernel* block_kernel_of(engine_index e) noexcept;
 transform_function uniform_transform(word_kind kind, uniform_result result) noexcept;
 void stream_copy(void* out, const void* in, std::size_t bytes) noexcept;
+void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
+                 std::size_t degree) noexcept;
 
 #ifndef HVL_STREAMS_ISA_IS_SCALAR
 extern const block_kernel philox4x32x10_blocks;

@@ -7,13 +7,13 @@ const block_kernel* block_kernel_of([[maybe_unused]] engine_index e) noexcept {
   switch (e) {
   case engine_index::philox4x32x10:
     return &philox4x32x10_blocks;
-  case engine_index::count:
+  default:
     break;
   }
 #endif
   return nullptr;
 }
 
-const kernel_set kernels = {block_kernel_of, uniform_transform, stream_copy};
+const kernel_set kernels = {block_kernel_of, uniform_transform, stream_copy, xor_windows};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -59,6 +59,9 @@ struct kernel_set {
   transform_function (*uniform)(word_kind kind, uniform_result result) noexcept;
   // Copies past the caches and orders the stores before whatever follows.
   void (*stream_copy)(void* out, const void* in, std::size_t bytes) noexcept;
+  // sum[j] = the exclusive or of sequence[i + j] over the set bits i of the polynomial, for 624 words.
+  void (*xor_windows)(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
+                      std::size_t degree) noexcept;
 };
 
 namespace scalar {

@@ -113,15 +113,16 @@ HWY_INLINE vector<float> to_float_unsigned64(const std::uint64_t* words) {
   return hn::Combine(df, hn::Vec256<float>{high}, hn::Vec256<float>{low});
 #else
   const hn::Half<vector_tag<float>> dh;
-  // 51 bits of the word and a bit that says whether a lower one was set: exact in double, and the step to float rounds
-  // it as it would the whole word
+  // A word of more than 53 bits keeps the upper 53 of 59, the lowest of which also says whether one below it was set: that
+  // is exact in double, and the step to float rounds it as it would the whole word.
+  const auto low_bits = hn::Set(d, std::uint64_t{0x3F});
   const auto narrowed = [&](vector<std::uint64_t> w) {
-    const auto dropped = hn::And(w, hn::Set(d, std::uint64_t{0xFF}));
-    const auto sticky = hn::ShiftRight<8>(hn::Add(dropped, hn::Set(d, std::uint64_t{0xFF})));
-    const auto exact = to_double(hn::Or(hn::ShiftRight<8>(w), sticky));
-    return hn::DemoteTo(dh, exact);
+    const auto carried = hn::Add(hn::And(w, low_bits), low_bits); // bit 6 set unless the low bits were all 0
+    const auto sticky = hn::AndNot(low_bits, hn::Or(w, carried));
+    const auto wide = hn::Gt(w, hn::Set(d, (std::uint64_t{1} << 53) - 1));
+    return hn::DemoteTo(dh, to_double(hn::IfThenElse(wide, sticky, w)));
   };
-  return hn::Mul(hn::Combine(df, narrowed(w1), narrowed(w0)), hn::Set(df, 256.0f));
+  return hn::Combine(df, narrowed(w1), narrowed(w0));
 #endif
 }
 

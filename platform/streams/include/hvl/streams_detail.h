@@ -1,0 +1,24 @@
+/* Parts of the stream library's machinery that device code's hosts use. Statuses as in hvl/streams.h. */
+#ifndef HVL_STREAMS_DETAIL_H
+#define HVL_STREAMS_DETAIL_H
+
+#include "hvl/streams.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* mt19937: replaces 624 consecutive words of the (untempered) sequence by the 624 words that lie `distance` words
+ * further. The polynomials of the last few distances are kept. */
+HVL_STREAMS_API int vqsMt19937Jump(uint32_t* words, uint64_t distance);
+
+/* The jump polynomial of a distance of at least 1, for jumps made elsewhere: 624 words, bit i % 32 of word i / 32 being
+ * coefficient i (0 <= i < 19937). Word distance + j of the sequence is the exclusive or of the words 1 + i + j over all i
+ * whose bit is set. */
+HVL_STREAMS_API int vqsMt19937JumpPolynomial(uint64_t distance, uint32_t* polynomial);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
