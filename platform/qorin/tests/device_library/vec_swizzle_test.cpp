@@ -86,6 +86,10 @@ TEST(vec_swizzle, writes_through_to_its_vec) {
   expect_elements<4>(v, {2, 24, 201, 200});
   v.xy()[1] = 5;
   EXPECT_EQ(v[1], 5);
+  int4 other{31, 32, 33, 34};
+  v.zy() = other.zy(); // the same view of another vec copies elements, not the view
+  v.w() = other.w();
+  expect_elements<4>(v, {2, 32, 33, 34});
 }
 
 TEST(vec_swizzle, is_a_value_in_expressions) {
