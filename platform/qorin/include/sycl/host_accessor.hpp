@@ -1,0 +1,65 @@
+// `host_accessor`: the host's own use of a buffer. Construction waits until the elements are there to be used;
+// commands that conflict wait until the accessor and its copies are gone.
+#pragma once
+
+#include <sycl/accessor.hpp>
+
+namespace sycl {
+
+namespace detail {
+/// Waits for the commands that conflict and holds back later ones while the result lives.
+QORIN_EXPORT std::shared_ptr<void> hold_for_host(buffer_state& memory, access_mode mode);
+} // namespace detail
+
+template <class T, int Dimensions = 1, access_mode Mode = detail::default_mode<T>>
+class host_accessor : private std::shared_ptr<void>,
+                      public detail::element_access<std::remove_const_t<T>, Dimensions, Mode> {
+  using base = detail::element_access<std::remove_const_t<T>, Dimensions, Mode>;
+  using plain = std::remove_const_t<T>;
+
+ public:
+  using typename base::value_type;
+
+  host_accessor() = default;
+  template <class U, class A, class... Tags,
+            class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
+  host_accessor(buffer<U, Dimensions, A>& from, const Tags&... tags)
+      : host_accessor(from, from.get_range(), id<Dimensions>(), tags...) {}
+  template <class U, class A, class... Tags,
+            class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
+  host_accessor(buffer<U, Dimensions, A>& from, range<Dimensions> box, const Tags&... tags)
+      : host_accessor(from, box, id<Dimensions>(), tags...) {}
+  template <class U, class A, class... Tags,
+            class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
+  host_accessor(buffer<U, Dimensions, A>& from, range<Dimensions> box, id<Dimensions> offset, const Tags&...)
+      : std::shared_ptr<void>(detail::hold_for_host(from.memory(), Mode)),
+        base(from.memory(), from.first_, from.get_range(), box, offset) {}
+
+  std::add_pointer_t<value_type> get_pointer() const noexcept { return this->buffer_data(); }
+  void swap(host_accessor& other) { std::swap(*this, other); }
+};
+
+template <class T, int D, class A>
+host_accessor(buffer<T, D, A>&, const property_list& = {}) -> host_accessor<T, D, detail::default_mode<T>>;
+template <class T, int D, class A>
+host_accessor(buffer<T, D, A>&, range<D>, const property_list& = {})
+    -> host_accessor<T, D, detail::default_mode<T>>;
+template <class T, int D, class A>
+host_accessor(buffer<T, D, A>&, range<D>, id<D>, const property_list& = {})
+    -> host_accessor<T, D, detail::default_mode<T>>;
+template <class T, int D, class A, access_mode Mode>
+host_accessor(buffer<T, D, A>&, mode_tag_t<Mode>, const property_list& = {}) -> host_accessor<T, D, Mode>;
+template <class T, int D, class A, access_mode Mode>
+host_accessor(buffer<T, D, A>&, range<D>, mode_tag_t<Mode>, const property_list& = {})
+    -> host_accessor<T, D, Mode>;
+template <class T, int D, class A, access_mode Mode>
+host_accessor(buffer<T, D, A>&, range<D>, id<D>, mode_tag_t<Mode>, const property_list& = {})
+    -> host_accessor<T, D, Mode>;
+
+template <class T, int Dimensions, class AllocatorT>
+template <class... Args>
+auto buffer<T, Dimensions, AllocatorT>::get_host_access(Args... args) {
+  return host_accessor(*this, args...);
+}
+
+} // namespace sycl

@@ -1,0 +1,27 @@
+// The order that buffers imply: who wrote a buffer last and who has read it since.
+#pragma once
+
+#include "command.hpp"
+
+#include <sycl/detail/buffer_state.hpp>
+
+#include <mutex>
+#include <vector>
+
+namespace sycl::detail {
+
+/// One mutex for the users of all buffers: a command that uses several enters them at one moment, so that two
+/// submissions never wait for each other.
+std::mutex& graph_mutex();
+
+/// Guarded by graph_mutex().
+struct buffer_users {
+  std::shared_ptr<command> writer;
+  std::vector<std::shared_ptr<command>> readers; // since the writer
+
+  /// Makes `c` wait for the commands its access conflicts with, and later ones for `c`.
+  void enter(const std::shared_ptr<command>& c, access_mode mode);
+  std::vector<std::shared_ptr<command>> all() const;
+};
+
+} // namespace sycl::detail
