@@ -21,7 +21,9 @@ void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, const std::u
                  std::size_t degree) noexcept;
 
 #ifndef HVL_STREAMS_ISA_IS_SCALAR
-extern const block_kernel philox4x32x10_blocks;
+#define HVL_STREAMS_ENGINE(name, id) extern const block_kernel name##_blocks;
+#include "engines.def"
+#undef HVL_STREAMS_ENGINE
 #endif
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

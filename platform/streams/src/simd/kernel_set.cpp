@@ -5,9 +5,12 @@ namespace hvl::streams::HVL_STREAMS_ISA {
 const block_kernel* block_kernel_of([[maybe_unused]] engine_index e) noexcept {
 #ifndef HVL_STREAMS_ISA_IS_SCALAR
   switch (e) {
-  case engine_index::philox4x32x10:
-    return &philox4x32x10_blocks;
-  default:
+#define HVL_STREAMS_ENGINE(name, id)                                                                                   \
+  case engine_index::name:                                                                                             \
+    return &name##_blocks;
+#include "engines.def"
+#undef HVL_STREAMS_ENGINE
+  case engine_index::count:
     break;
   }
 #endif

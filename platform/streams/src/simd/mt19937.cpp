@@ -1,0 +1,96 @@
+// The recurrence in vectors over the block, in place, each new vector tempered while it is in a register.
+#include "engines/mt19937.hpp"
+
+#include <cstring>
+
+#include "simd/isa.hpp"
+
+namespace hvl::streams::HVL_STREAMS_ISA {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+const hn::ScalableTag<std::uint32_t> d;
+using vec = hn::Vec<decltype(d)>;
+constexpr std::size_t lanes = hn::MaxLanes(hn::ScalableTag<std::uint32_t>());
+constexpr std::size_t n = mt19937_words;
+constexpr std::size_t m = mt19937_middle;
+static_assert(n % lanes == 0);
+
+struct workspace {
+  alignas(vector_alignment) std::uint32_t words[n + lanes]; // behind the block: its first vector once more
+  std::uint64_t start;                                      // position at which the record was read
+  std::uint64_t granules;                                   // granules run
+  bool block_is_next; // the block itself is still to be delivered, as the next granule
+};
+
+HWY_INLINE vec tempered(vec y) {
+  y = hn::Xor(y, hn::ShiftRight<11>(y));
+  y = hn::Xor(y, hn::And(hn::ShiftLeft<7>(y), hn::Set(d, 0x9D2C5680u)));
+  y = hn::Xor(y, hn::And(hn::ShiftLeft<15>(y), hn::Set(d, 0xEFC60000u)));
+  return hn::Xor(y, hn::ShiftRight<18>(y));
+}
+
+HWY_INLINE vec twisted(vec first, vec second, vec middle) {
+  const vec upper = hn::Set(d, mt19937_upper);
+  const vec y = hn::Or(hn::And(first, upper), hn::AndNot(upper, second));
+  const vec odd = hn::Sub(hn::Zero(d), hn::And(second, hn::Set(d, 1u)));
+  return hn::Xor3(middle, hn::ShiftRight<1>(y), hn::And(odd, hn::Set(d, mt19937_matrix)));
+}
+
+// The next block, written over x; tempered to out. The first vector is also stored behind the block, where the vector
+// that straddles word 227 and the last one read it: the words before a vector are new by then.
+void next_block(std::uint32_t* HWY_RESTRICT x, std::uint32_t* HWY_RESTRICT out) {
+  const auto step = [&](std::size_t i, std::size_t middle) __attribute__((always_inline)) {
+    const vec y = twisted(hn::Load(d, x + i), hn::LoadU(d, x + i + 1), hn::LoadU(d, x + middle));
+    hn::Store(y, d, x + i);
+    hn::StoreU(tempered(y), d, out + i);
+    return y;
+  };
+  constexpr std::size_t straddling = (n - m) / lanes * lanes;
+  hn::Store(step(0, m), d, x + n);
+  for (std::size_t i = lanes; i <= straddling; i += lanes)
+    step(i, i + m);
+  for (std::size_t i = straddling + lanes; i < n; i += lanes)
+    step(i, i + m - n);
+}
+
+std::uint32_t open(const void* record, void* workspace_memory) noexcept {
+  const auto& r = *static_cast<const vqs_mt19937_record*>(record);
+  auto& w = *static_cast<workspace*>(workspace_memory);
+  std::memcpy(w.words, r.words, sizeof r.words);
+  w.start = r.position == n ? 0 : r.position;
+  w.granules = 0;
+  w.block_is_next = r.position != n;
+  return static_cast<std::uint32_t>(w.start);
+}
+
+void run(void* workspace_memory, void* words, std::size_t granules) noexcept {
+  auto& w = *static_cast<workspace*>(workspace_memory);
+  auto* out = static_cast<std::uint32_t*>(words);
+  w.granules += granules;
+  if (w.block_is_next && granules != 0) {
+    for (std::size_t i = 0; i < n; i += lanes)
+      hn::StoreU(tempered(hn::Load(d, w.words + i)), d, out + i);
+    w.block_is_next = false;
+    --granules;
+    out += n;
+  }
+  for (; granules != 0; --granules, out += n)
+    next_block(w.words, out);
+}
+
+void close(const void* workspace_memory, void* record, std::uint64_t words_taken) noexcept {
+  const auto& w = *static_cast<const workspace*>(workspace_memory);
+  auto& r = *static_cast<vqs_mt19937_record*>(record);
+  std::memcpy(r.words, w.words, sizeof r.words);
+  r.position = static_cast<std::uint32_t>(w.start + words_taken - (w.granules - 1) * n);
+}
+
+static_assert(sizeof(workspace) <= workspace_bytes);
+
+} // namespace
+
+const block_kernel mt19937_blocks = {n, 2 * n, 200, open, run, close};
+
+} // namespace hvl::streams::HVL_STREAMS_ISA
