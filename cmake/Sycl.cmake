@@ -1,7 +1,7 @@
 # kestro::sycl: the SYCL implementation that KESTRO_SYCL names, under one name.
 add_library(kestro_sycl INTERFACE)
 add_library(kestro::sycl ALIAS kestro_sycl)
-set_target_properties(kestro_sycl PROPERTIES EXPORT_NAME sycl)
+set_target_properties(kestro_sycl PROPERTIES EXPORT_NAME sycl_provider)
 if(KESTRO_SYCL STREQUAL "qorin")
   if(TARGET qorin::sycl)
     target_link_libraries(kestro_sycl INTERFACE qorin::sycl)

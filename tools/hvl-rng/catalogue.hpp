@@ -1,0 +1,67 @@
+// The engines and distributions that the library lists, by name.
+#pragma once
+
+#include <sycl/sycl.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace hvl_rng {
+
+enum class value_type { float32, float64, int32, uint32, uint64 };
+
+struct parameter_entry {
+  std::string name;
+  std::string default_value;
+};
+
+// One distribution of one value type and method.
+struct distribution_entry {
+  std::string name;
+  std::string type_name;
+  std::string method; // empty where there is no choice
+  bool is_default_method;
+  value_type type;
+  std::size_t value_bytes;
+  std::vector<parameter_entry> parameters;
+  std::size_t index;
+};
+
+struct engine_entry {
+  std::string name;
+  bool takes_seed_list;
+  bool takes_skip;
+  std::size_t index;
+};
+
+// Where numbers come from: an engine joined to a distribution.
+class source {
+ public:
+  virtual ~source() = default;
+
+  // Submits the generation of `count` values into USM memory of the source's queue.
+  virtual sycl::event fill(void* memory, std::int64_t count) = 0;
+};
+
+using parameter_values = std::map<std::string, std::string>;
+
+const std::vector<engine_entry>& engines();
+const std::vector<distribution_entry>& distributions();
+
+const engine_entry& find_engine(const std::string& name);
+
+// Empty `type` or `method` means the distribution's default.
+const distribution_entry& find_distribution(const std::string& name, const std::string& type,
+                                            const std::string& method);
+
+// Throws `failure` naming the option for anything that engine or distribution refuses.
+std::unique_ptr<source> make_source(const sycl::queue& queue, const engine_entry& engine,
+                                    const std::vector<std::uint64_t>& seed, std::uint64_t skip,
+                                    const distribution_entry& distribution,
+                                    const parameter_values& parameters);
+
+} // namespace hvl_rng

@@ -1,0 +1,44 @@
+#include "failure.hpp"
+#include "verbs.hpp"
+
+#include <fmt/format.h>
+
+#include <charconv>
+
+namespace hvl_rng {
+namespace {
+
+const char* kind_of(const sycl::device& device) {
+  return device.is_cpu()           ? "cpu"
+         : device.is_gpu()         ? "gpu"
+         : device.is_accelerator() ? "accelerator"
+                                   : "other";
+}
+
+} // namespace
+
+sycl::device find_device(const std::string& name) {
+  const std::vector<sycl::device> devices = sycl::device::get_devices();
+  std::size_t number = devices.size();
+  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+  if (error == std::errc() && end == name.data() + name.size() && number < devices.size())
+    return devices[number];
+  for (const sycl::device& device : devices)
+    if (name == kind_of(device) && (device.is_cpu() || device.is_gpu()))
+      return device;
+  throw failure(exit_status::device, fmt::format("--device {}: no such device (see hvl-rng devices)", name));
+}
+
+void list_devices() {
+  namespace info = sycl::info;
+  fmt::print("{:>2}  {:<11}  {:>5}  {:>10}  {:<24}  {}\n", "", "kind", "units", "group size", "platform",
+             "name");
+  std::size_t number = 0;
+  for (const sycl::device& device : sycl::device::get_devices())
+    fmt::print("{:>2}  {:<11}  {:>5}  {:>10}  {:<24}  {}\n", number++, kind_of(device),
+               device.get_info<info::device::max_compute_units>(),
+               device.get_info<info::device::max_work_group_size>(),
+               device.get_platform().get_info<info::platform::name>(), device.get_info<info::device::name>());
+}
+
+} // namespace hvl_rng

@@ -1,0 +1,100 @@
+// What the program must know of a distribution class beyond its name: its parameters, in constructor order,
+// with the accessors that give their defaults, and its default method.
+#pragma once
+
+#include <kestro/hvl/rng.hpp>
+
+#include <tuple>
+
+namespace hvl_rng {
+
+namespace rng = kestro::hvl::rng;
+
+template <class Accessor>
+struct parameter {
+  const char* name;
+  Accessor accessor;
+};
+
+template <class Accessor>
+parameter(const char*, Accessor) -> parameter<Accessor>;
+
+template <class Distribution>
+struct distribution_traits;
+
+// Distributions without parameters or methods.
+template <class Distribution>
+struct plain_traits {
+  static constexpr bool is_default_method = true;
+  static constexpr std::tuple<> parameters{};
+};
+
+template <class T>
+struct distribution_traits<rng::uniform_bits<T>> : plain_traits<rng::uniform_bits<T>> {};
+
+template <class T>
+struct distribution_traits<rng::bits<T>> : plain_traits<rng::bits<T>> {};
+
+template <class Distribution, class Default>
+struct method_traits {
+  static constexpr bool is_default_method = std::is_same_v<Distribution, Default>;
+};
+
+template <class T, class M>
+struct distribution_traits<rng::uniform<T, M>> : method_traits<rng::uniform<T, M>, rng::uniform<T>> {
+  using type = rng::uniform<T, M>;
+  static constexpr std::tuple parameters{parameter{"a", &type::a}, parameter{"b", &type::b}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::gaussian<T, M>> : method_traits<rng::gaussian<T, M>, rng::gaussian<T>> {
+  using type = rng::gaussian<T, M>;
+  static constexpr std::tuple parameters{parameter{"mean", &type::mean}, parameter{"stddev", &type::stddev}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::lognormal<T, M>> : method_traits<rng::lognormal<T, M>, rng::lognormal<T>> {
+  using type = rng::lognormal<T, M>;
+  static constexpr std::tuple parameters{parameter{"m", &type::m}, parameter{"s", &type::s},
+                                         parameter{"displ", &type::displ}, parameter{"scale", &type::scale}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::exponential<T, M>>
+    : method_traits<rng::exponential<T, M>, rng::exponential<T>> {
+  using type = rng::exponential<T, M>;
+  static constexpr std::tuple parameters{parameter{"a", &type::a}, parameter{"beta", &type::beta}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::laplace<T, M>> : method_traits<rng::laplace<T, M>, rng::laplace<T>> {
+  using type = rng::laplace<T, M>;
+  static constexpr std::tuple parameters{parameter{"a", &type::a}, parameter{"b", &type::b}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::weibull<T, M>> : method_traits<rng::weibull<T, M>, rng::weibull<T>> {
+  using type = rng::weibull<T, M>;
+  static constexpr std::tuple parameters{parameter{"alpha", &type::alpha}, parameter{"a", &type::a},
+                                         parameter{"beta", &type::beta}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::rayleigh<T, M>> : method_traits<rng::rayleigh<T, M>, rng::rayleigh<T>> {
+  using type = rng::rayleigh<T, M>;
+  static constexpr std::tuple parameters{parameter{"a", &type::a}, parameter{"beta", &type::beta}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::gumbel<T, M>> : method_traits<rng::gumbel<T, M>, rng::gumbel<T>> {
+  using type = rng::gumbel<T, M>;
+  static constexpr std::tuple parameters{parameter{"a", &type::a}, parameter{"beta", &type::beta}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::cauchy<T, M>> : method_traits<rng::cauchy<T, M>, rng::cauchy<T>> {
+  using type = rng::cauchy<T, M>;
+  static constexpr std::tuple parameters{parameter{"a", &type::a}, parameter{"b", &type::b}};
+};
+
+} // namespace hvl_rng
