@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "framework/generation.hpp"
+
+namespace kestro::hvl::rng::detail {
+
+template <class Distribution, class Engine>
+constexpr bool is_offered =
+    engine_traits<Engine>::has_uniform_bits || !distribution_traits<Distribution>::needs_uniform_bits;
+
+/// Checks the arguments, picks the backend from the queue's device and submits one command group. Whatever is
+/// refused is refused before the engine's state changes.
+template <class Distribution, class Engine, class Target>
+sycl::event generate_device_dispatch(sycl::queue& queue, const Distribution& distribution,
+                                     engine_base_impl<Engine>& impl, std::int64_t n, const Target& target) {
+  using T = typename Distribution::result_type;
+  if constexpr (!is_offered<Distribution, Engine>) {
+    throw unimplemented("rng", "generate",
+                        std::string(distribution_traits<Distribution>::name) + " distribution and " +
+                            engine_traits<Engine>::name + " engine combination");
+  } else {
+    target.validate(n);
+    if (device_type_of(queue.get_device(), "generate") == device_type::cpu) {
+      using backend = engine_base_impl_backend<Engine, device_type::cpu>;
+      return static_cast<backend&>(impl).generate(
+          queue, distribution_impl<T, Distribution, device_type::cpu>(distribution), n, target);
+    }
+    using backend = engine_base_impl_backend<Engine, device_type::gpu>;
+    return static_cast<backend&>(impl).generate(
+        queue, distribution_impl<T, Distribution, device_type::gpu>(distribution), n, target);
+  }
+}
+
+} // namespace kestro::hvl::rng::detail

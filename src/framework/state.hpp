@@ -1,0 +1,63 @@
+#pragma once
+
+#include <kestro/hvl/rng/functions.hpp>
+
+#include "framework/engine_impl.hpp"
+
+/// Saving and loading, instantiated once per engine in its source file. The bytes are the stream library's.
+namespace kestro::hvl::rng {
+
+namespace detail {
+
+/// A new engine on `queue` around the stream that `load` makes.
+template <class Engine, class Load>
+Engine load_engine(const sycl::queue& queue, const char* failure, Load load) {
+  Engine engine(queue, 1);
+  vqs_stream stream = nullptr;
+  check_stream_status(load(&stream), "load_state", failure);
+  stream_handle owner(stream);
+  if (vqsEngineOfStream(stream) != engine_traits<Engine>::identifier)
+    throw computation_error("rng", "load_state", failure);
+  engine_access::replace_impl<Engine>(engine, make_engine_impl<Engine>(queue, std::move(owner)));
+  return engine;
+}
+
+} // namespace detail
+
+template <class Engine>
+std::int64_t get_state_size(Engine& engine) {
+  const std::int64_t bytes =
+      vqsGetStreamSize_64(detail::engine_access::impl<Engine>(engine, "get_state_size").stream().get());
+  if (bytes <= 0)
+    throw computation_error("rng", "get_state_size", "failed to get state size");
+  return bytes;
+}
+
+template <class Engine>
+void save_state(Engine& engine, unsigned char* mem) {
+  auto& stream = detail::engine_access::impl<Engine>(engine, "save_state").up_to_date_stream();
+  detail::check_stream_status(vqsSaveStreamM_64(stream.get(), mem), "save_state",
+                              "failed to save state to the memory");
+}
+
+template <class Engine>
+void save_state(Engine& engine, const std::string& filename) {
+  auto& stream = detail::engine_access::impl<Engine>(engine, "save_state").up_to_date_stream();
+  detail::check_stream_status(vqsSaveStreamF_64(stream.get(), filename.c_str()), "save_state",
+                              "failed to save state to the file");
+}
+
+template <class Engine>
+Engine load_state(const sycl::queue& queue, const unsigned char* mem) {
+  return detail::load_engine<Engine>(queue, "failed to load state from the memory",
+                                     [mem](vqs_stream* stream) { return vqsLoadStreamM_64(stream, mem); });
+}
+
+template <class Engine>
+Engine load_state(const sycl::queue& queue, const std::string& filename) {
+  return detail::load_engine<Engine>(
+      queue, "failed to load state from the file",
+      [&filename](vqs_stream* stream) { return vqsLoadStreamF_64(stream, filename.c_str()); });
+}
+
+} // namespace kestro::hvl::rng
