@@ -22,6 +22,9 @@ command::command(std::shared_ptr<queue_state> queue, std::shared_ptr<error_sink>
     : kind_(queue ? queue->where.get_backend() : backend::host), profiled_(profiled),
       queue_(std::move(queue)), errors_(std::move(errors)), submit_time_(profiled ? device_clock_ns() : 0) {}
 
+command::command(backend kind, std::shared_ptr<error_sink> errors)
+    : kind_(kind), profiled_(false), errors_(std::move(errors)), submit_time_(0) {}
+
 void command::set_action(std::unique_ptr<work> action) {
   action_ = std::move(action);
 }
@@ -97,6 +100,8 @@ void command::finish() noexcept {
     queue->forget(*this);
   for (command* successor : successors)
     successor->dependency_met();
+  if (native_)
+    native_->completed();
 }
 
 bool command::running_on_this_thread() const noexcept {

@@ -20,12 +20,25 @@ namespace sycl::detail {
 class error_sink;
 class queue_state;
 
+/// Another runtime's event that stands for a command, for as long as someone refers to the command.
+class native_event {
+ public:
+  native_event() = default;
+  native_event(const native_event&) = delete;
+  native_event& operator=(const native_event&) = delete;
+  virtual ~native_event() = default;
+  /// Called once, after everything else that completion does.
+  virtual void completed() noexcept = 0;
+};
+
 class command final : public std::enable_shared_from_this<command> {
  public:
   enum class phase : std::uint32_t { recording, blocked, ready, running, complete };
 
   /// `queue` may be null: a command that belongs to none.
   command(std::shared_ptr<queue_state> queue, std::shared_ptr<error_sink> errors, bool profiled);
+  /// A command of no queue.
+  explicit command(backend kind, std::shared_ptr<error_sink> errors = nullptr);
   command(const command&) = delete;
   command& operator=(const command&) = delete;
 
@@ -35,6 +48,7 @@ class command final : public std::enable_shared_from_this<command> {
   /// An external command has no action: it runs from the moment it is ready until `finish` is called.
   void make_external() noexcept { external_ = true; }
   void add_dependency(const std::shared_ptr<command>& predecessor);
+  void set_native(std::shared_ptr<native_event> native) noexcept { native_ = std::move(native); }
   void keep(std::shared_ptr<const void> resource) { resources_.push_back(std::move(resource)); }
   /// Ends the recording: the command runs once its dependencies are complete.
   void release();
@@ -51,6 +65,7 @@ class command final : public std::enable_shared_from_this<command> {
   std::vector<std::shared_ptr<command>> incomplete_predecessors() const;
 
   backend kind() const noexcept { return kind_; }
+  const native_event* native() const noexcept { return native_.get(); }
   const std::shared_ptr<error_sink>& errors() const noexcept { return errors_; }
   bool profiled() const noexcept { return profiled_; }
   std::uint64_t submit_time() const noexcept { return submit_time_; }
@@ -88,6 +103,7 @@ class command final : public std::enable_shared_from_this<command> {
 
   std::unique_ptr<work> action_;
   std::vector<std::shared_ptr<const void>> resources_;
+  std::shared_ptr<native_event> native_;
   std::shared_ptr<queue_state> queue_;
   const std::shared_ptr<error_sink> errors_;
   std::shared_ptr<command> self_; // keeps an incomplete command alive

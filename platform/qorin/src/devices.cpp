@@ -15,16 +15,6 @@ namespace {
 
 constexpr const char* runtime_version = "0.1.0";
 
-std::vector<aspect> aspects_of(std::initializer_list<aspect> kind) {
-  std::vector<aspect> all = kind;
-  for (aspect common :
-       {aspect::fp64, aspect::atomic64, aspect::queue_profiling, aspect::usm_device_allocations,
-        aspect::usm_host_allocations, aspect::usm_atomic_host_allocations, aspect::usm_shared_allocations,
-        aspect::usm_atomic_shared_allocations, aspect::usm_system_allocations})
-    all.push_back(common);
-  return all;
-}
-
 std::shared_ptr<platform_state> make_platform(backend kind, const char* name, info::device_type type,
                                               const char* device_name, std::vector<aspect> aspects) {
   auto p = std::make_shared<platform_state>();
@@ -33,6 +23,7 @@ std::shared_ptr<platform_state> make_platform(backend kind, const char* name, in
   p->version = std::string("SYCL 2020, runtime ") + runtime_version;
   auto d = std::make_shared<device_state>();
   d->type = type;
+  d->driver_version = p->version;
   d->name = device_name;
   d->aspects = std::move(aspects);
   d->platform = p;
@@ -47,18 +38,28 @@ bool accelerator_wanted() {
 
 } // namespace
 
+std::vector<aspect> host_thread_aspects(std::initializer_list<aspect> kind) {
+  std::vector<aspect> all = kind;
+  for (aspect common :
+       {aspect::fp64, aspect::atomic64, aspect::queue_profiling, aspect::usm_device_allocations,
+        aspect::usm_host_allocations, aspect::usm_atomic_host_allocations, aspect::usm_shared_allocations,
+        aspect::usm_atomic_shared_allocations, aspect::usm_system_allocations})
+    all.push_back(common);
+  return all;
+}
+
 const std::vector<std::shared_ptr<platform_state>>& known_platforms() {
   static const auto& platforms = *new std::vector<std::shared_ptr<platform_state>>([] {
     std::vector<std::shared_ptr<platform_state>> all;
     all.push_back(make_platform(backend::host, "Kestro Host", info::device_type::cpu,
                                 "Kestro CPU (host threads)",
-                                aspects_of({aspect::cpu, aspect::host_debuggable})));
+                                host_thread_aspects({aspect::cpu, aspect::host_debuggable})));
     all.push_back(make_platform(backend::zerlin, "Kestro Zerlin Emulation", info::device_type::gpu,
                                 "Kestro Emulated GPU (host threads)",
-                                aspects_of({aspect::gpu, aspect::emulated})));
+                                host_thread_aspects({aspect::gpu, aspect::emulated})));
     all.push_back(make_platform(backend::host, "Kestro Accelerator Emulation", info::device_type::accelerator,
                                 "Kestro Emulated Accelerator (host threads)",
-                                aspects_of({aspect::accelerator, aspect::emulated})));
+                                host_thread_aspects({aspect::accelerator, aspect::emulated})));
     all.back()->visible = accelerator_wanted;
     return all;
   }());
@@ -145,7 +146,7 @@ std::string platform::get_info<info::platform::name>() const {
 }
 template <>
 std::string platform::get_info<info::platform::vendor>() const {
-  return "Kestro";
+  return state_->vendor;
 }
 template <>
 std::string platform::get_info<info::platform::version>() const {

@@ -1,33 +1,40 @@
 // The states behind the handles: platforms, devices, contexts, queues.
 //
-// `native` holds what a state was made from when it was made from another runtime's objects; null otherwise.
+// `native` holds what a state was made from when it was made from another runtime's objects, retained; null otherwise.
 #pragma once
 
 #include "command.hpp"
 #include "errors.hpp"
+#include "limits.hpp"
 
 #include <sycl/queue.hpp>
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 
 namespace sycl::detail {
 
-class platform_state {
+class platform_state : public std::enable_shared_from_this<platform_state> {
  public:
   backend kind = backend::host;
   std::string name;
+  std::string vendor = "Kestro";
   std::string version;
   std::vector<std::shared_ptr<device_state>> devices;
   std::function<bool()> visible = [] { return true; };
   std::shared_ptr<void> native;
 };
 
-class device_state {
+class device_state : public std::enable_shared_from_this<device_state> {
  public:
   info::device_type type = info::device_type::cpu;
   std::string name;
+  std::string vendor = "Kestro";
+  std::string driver_version;
   std::uint32_t vendor_id = 0;
+  std::uint32_t compute_units = std::max(1u, std::thread::hardware_concurrency());
+  std::size_t work_group_size = largest_work_group;
   std::vector<aspect> aspects;
   std::weak_ptr<platform_state> platform;
   std::shared_ptr<void> native;
@@ -36,10 +43,13 @@ class device_state {
   bool has(aspect asp) const;
 };
 
+/// What every device has because its commands run on the host's threads, and `kind`.
+std::vector<aspect> host_thread_aspects(std::initializer_list<aspect> kind);
+
 /// The platforms of this process, made once, visible or not.
 const std::vector<std::shared_ptr<platform_state>>& known_platforms();
 
-class context_state {
+class context_state : public std::enable_shared_from_this<context_state> {
  public:
   std::vector<device> devices;
   async_handler handler;
@@ -54,6 +64,18 @@ struct recording {
   std::unique_ptr<work> action;
   std::vector<std::shared_ptr<command>> dependencies;
   std::vector<std::pair<std::shared_ptr<buffer_state>, access_mode>> requests;
+};
+
+/// Another runtime's queue that a queue was made from.
+class native_queue {
+ public:
+  native_queue() = default;
+  native_queue(const native_queue&) = delete;
+  native_queue& operator=(const native_queue&) = delete;
+  virtual ~native_queue() = default;
+  /// Enters `c`, which is still recording and waits for nothing yet, into the native queue's order. Calls follow each
+  /// other in the order of submission.
+  virtual void enter(command& c, const std::shared_ptr<error_sink>& errors) = 0;
 };
 
 class queue_state : public std::enable_shared_from_this<queue_state> {
@@ -71,7 +93,7 @@ class queue_state : public std::enable_shared_from_this<queue_state> {
   const bool in_order;
   const bool profiled;
   const std::shared_ptr<error_sink> errors;
-  std::shared_ptr<void> native;
+  std::unique_ptr<native_queue> native; // set before the first submission
 
  private:
   std::mutex mutex_;

@@ -20,22 +20,22 @@ std::shared_ptr<void> retained(Object object, cl_int (*retain)(Object), cl_int (
 }
 
 /// Queries of one fixed-size value and of a list or text.
-template <class Value, class Object, class Key>
-Value query(cl_int (*get)(Object, Key, size_t, void*, size_t*), Object object, Key key) {
+template <class Value, class Object>
+Value query(cl_int (*get)(Object, cl_uint, size_t, void*, size_t*), Object object, cl_uint key) {
   Value value{};
   check(get(object, key, sizeof value, &value, nullptr), "info");
   return value;
 }
-template <class Container, class Object, class Key>
-Container query_all(cl_int (*get)(Object, Key, size_t, void*, size_t*), Object object, Key key) {
+template <class Container, class Object>
+Container query_all(cl_int (*get)(Object, cl_uint, size_t, void*, size_t*), Object object, cl_uint key) {
   size_t bytes = 0;
   check(get(object, key, 0, nullptr, &bytes), "info");
   Container all(bytes / sizeof(typename Container::value_type), typename Container::value_type{});
   check(get(object, key, bytes, all.data(), nullptr), "info");
   return all;
 }
-template <class Object, class Key>
-std::string query_text(cl_int (*get)(Object, Key, size_t, void*, size_t*), Object object, Key key) {
+template <class Object>
+std::string query_text(cl_int (*get)(Object, cl_uint, size_t, void*, size_t*), Object object, cl_uint key) {
   std::string text = query_all<std::string>(get, object, key);
   text.resize(text.find('\0') == std::string::npos ? text.size() : text.find('\0'));
   return text;

@@ -10,7 +10,7 @@ namespace detail::opencl {
 namespace {
 
 class category final : public std::error_category {
-public:
+ public:
   const char* name() const noexcept override { return "opencl"; }
   std::string message(int code) const override { return "OpenCL error " + std::to_string(code); }
 };
@@ -39,14 +39,19 @@ info::device_type type_of(cl_device_id native) {
 
 aspect aspect_of(info::device_type type) {
   switch (type) {
-  case info::device_type::cpu: return aspect::cpu;
-  case info::device_type::gpu: return aspect::gpu;
-  case info::device_type::accelerator: return aspect::accelerator;
-  default: return aspect::custom;
+  case info::device_type::cpu:
+    return aspect::cpu;
+  case info::device_type::gpu:
+    return aspect::gpu;
+  case info::device_type::accelerator:
+    return aspect::accelerator;
+  default:
+    return aspect::custom;
   }
 }
 
-std::shared_ptr<device_state> add_device(cl_device_id native, const std::shared_ptr<platform_state>& platform) {
+std::shared_ptr<device_state> add_device(cl_device_id native,
+                                         const std::shared_ptr<platform_state>& platform) {
   auto& state = known().devices[native];
   if (!state) {
     auto made = std::make_shared<device_state>();
@@ -56,8 +61,8 @@ std::shared_ptr<device_state> add_device(cl_device_id native, const std::shared_
     made->driver_version = query_text(clGetDeviceInfo, native, CL_DRIVER_VERSION);
     made->vendor_id = query<cl_uint>(clGetDeviceInfo, native, CL_DEVICE_VENDOR_ID);
     made->compute_units = query<cl_uint>(clGetDeviceInfo, native, CL_DEVICE_MAX_COMPUTE_UNITS);
-    made->work_group_size =
-        std::min(made->work_group_size, query<size_t>(clGetDeviceInfo, native, CL_DEVICE_MAX_WORK_GROUP_SIZE));
+    made->work_group_size = std::min(made->work_group_size,
+                                     query<size_t>(clGetDeviceInfo, native, CL_DEVICE_MAX_WORK_GROUP_SIZE));
     made->aspects = host_thread_aspects({aspect_of(made->type)});
     made->platform = platform;
     made->native = retained(native, clRetainDevice, clReleaseDevice);
@@ -137,7 +142,8 @@ cl_device_id opencl_interop::get(const device& d) {
 cl_context opencl_interop::get(const context& c) {
   const auto native = static_cast<cl_context>(handle_access::state(c)->native.get());
   if (native == nullptr)
-    throw exception(make_error_code(errc::backend_mismatch), "the context was not made from an OpenCL context");
+    throw exception(make_error_code(errc::backend_mismatch),
+                    "the context was not made from an OpenCL context");
   opencl::check(clRetainContext(native), "clRetainContext");
   return native;
 }

@@ -18,11 +18,13 @@ queue_state::queue_state(device dev, context c, async_handler handler, property_
 std::shared_ptr<command> queue_state::submit(recording&& group) {
   const auto c = std::make_shared<command>(shared_from_this(), errors, profiled);
   c->set_action(std::move(group.action));
-  for (const auto& dependency : group.dependencies)
-    c->add_dependency(dependency);
   {
     // The queue's order and the buffers' order are taken at one moment, so that they never contradict.
     const std::lock_guard lock(mutex_);
+    if (native)
+      native->enter(*c, errors);
+    for (const auto& dependency : group.dependencies)
+      c->add_dependency(dependency);
     if (in_order) {
       c->add_dependency(latest_);
       latest_ = c;

@@ -61,15 +61,15 @@ template <backend Backend>
 const std::error_category& error_category_for() noexcept;
 
 template <backend Backend>
-backend_return_t<Backend, queue> interop_handle::get_native_queue() const {
+typename backend_traits<Backend>::template return_type<queue> interop_handle::get_native_queue() const {
   return get_native<Backend>(detail::handle_access::make<queue>(queue_));
 }
 template <backend Backend>
-backend_return_t<Backend, device> interop_handle::get_native_device() const {
+typename backend_traits<Backend>::template return_type<device> interop_handle::get_native_device() const {
   return get_native<Backend>(detail::handle_access::make<queue>(queue_).get_device());
 }
 template <backend Backend>
-backend_return_t<Backend, context> interop_handle::get_native_context() const {
+typename backend_traits<Backend>::template return_type<context> interop_handle::get_native_context() const {
   return get_native<Backend>(detail::handle_access::make<queue>(queue_).get_context());
 }
 

@@ -5,10 +5,22 @@
 
 namespace sycl {
 
+class queue;
+template <backend Backend>
+class backend_traits;
+
 class interop_handle {
  public:
   interop_handle() = delete;
   backend get_backend() const noexcept;
+
+  /// The native objects behind the queue; for the backends whose headers are included.
+  template <backend Backend>
+  typename backend_traits<Backend>::template return_type<queue> get_native_queue() const;
+  template <backend Backend>
+  typename backend_traits<Backend>::template return_type<device> get_native_device() const;
+  template <backend Backend>
+  typename backend_traits<Backend>::template return_type<context> get_native_context() const;
 
  private:
   friend struct detail::handle_access;

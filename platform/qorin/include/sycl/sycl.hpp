@@ -5,6 +5,7 @@
 #define SYCL_IMPLEMENTATION_QORIN 1
 
 #include <sycl/accessor.hpp>
+#include <sycl/backend.hpp>
 #include <sycl/buffer.hpp>
 #include <sycl/context.hpp>
 #include <sycl/device.hpp>

@@ -59,12 +59,17 @@ TYPED_TEST(atomic_ref_of, reads_and_modifies) {
 TYPED_TEST(atomic_ref_of, loses_no_update_between_threads) {
   using T = TypeParam;
   constexpr int threads = 4;
-  constexpr int rounds = 5000;
+  constexpr int rounds = 100000;
   T sum = T(0);
   T largest = T(0);
+  int arrived = 0;
   std::vector<std::thread> pool;
   for (int t = 0; t < threads; ++t)
     pool.emplace_back([&, t] {
+      const atomic<int, memory_order::acq_rel> gate(arrived);
+      ++gate;
+      while (gate.load() < threads)
+        std::this_thread::yield();
       for (int i = 0; i < rounds; ++i) {
         atomic<T>(sum).fetch_add(T(1));
         atomic<T>(largest).fetch_max(static_cast<T>(i * threads + t));

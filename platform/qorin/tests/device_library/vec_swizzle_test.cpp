@@ -90,6 +90,9 @@ TEST(vec_swizzle, writes_through_to_its_vec) {
   v.zy() = other.zy(); // the same view of another vec copies elements, not the view
   v.w() = other.w();
   expect_elements<4>(v, {2, 32, 33, 34});
+  const auto view = v.xy();
+  view = other.xy();
+  expect_elements<4>(v, {31, 32, 33, 34});
 }
 
 TEST(vec_swizzle, is_a_value_in_expressions) {

@@ -50,7 +50,7 @@ struct opencl_object<event> {
 
 template <>
 class backend_traits<backend::opencl> {
-public:
+ public:
   template <class T>
   using input_type = typename detail::opencl_object<T>::type;
   template <class T>
@@ -76,7 +76,8 @@ struct interop<backend::opencl> {
   static QORIN_EXPORT device make_device(cl_device_id native);
   static QORIN_EXPORT context make_context(cl_context native, const async_handler& handler);
   /// In order and profiled as the native queue is.
-  static QORIN_EXPORT queue make_queue(cl_command_queue native, const context& ctx, const async_handler& handler);
+  static QORIN_EXPORT queue make_queue(cl_command_queue native, const context& ctx,
+                                       const async_handler& handler);
   /// Errors of the native events go to the context's handler.
   static QORIN_EXPORT event make_event(const std::vector<cl_event>& native, const context& ctx);
 };

@@ -63,7 +63,7 @@ struct zerlin_object<event> : zerlin_types<event, zerlin::event_handle, zerlin::
 
 template <>
 class backend_traits<backend::zerlin> {
-public:
+ public:
   template <class T>
   using input_type = typename detail::zerlin_object<T>::input;
   template <class T>
