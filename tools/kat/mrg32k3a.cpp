@@ -1,5 +1,5 @@
-// Prints the generated lines of tests/kat/mrg32k3a.txt: the author's floating-point implementation (figure 1 of the paper
-// that the data file names), stepped one number at a time.
+// Prints the generated lines of tests/kat/mrg32k3a.txt: the author's floating-point implementation (figure 1
+// of the paper that the data file names), stepped one number at a time.
 #include <cmath>
 #include <cstdint>
 #include <cstdio>

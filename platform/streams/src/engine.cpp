@@ -11,12 +11,14 @@ constexpr const engine* engines[] = {
 
 } // namespace
 
-std::span<const engine* const> all_engines() noexcept { return engines; }
+std::span<const engine* const> all_engines() noexcept {
+  return engines;
+}
 
 const engine* find_engine(std::int32_t id) noexcept {
   switch (id) {
-#define HVL_STREAMS_ENGINE(name, identifier)                                                                           \
-  case identifier:                                                                                                     \
+#define HVL_STREAMS_ENGINE(name, identifier)                                                                 \
+  case identifier:                                                                                           \
     return &name##_engine;
 #include "engines.def"
 #undef HVL_STREAMS_ENGINE

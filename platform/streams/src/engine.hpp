@@ -1,4 +1,5 @@
-// An engine as the rest of the library sees it: a record, a few plain functions on it, and the list of all engines.
+// An engine as the rest of the library sees it: a record, a few plain functions on it, and the list of all
+// engines.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +17,9 @@ enum class word_kind : std::uint8_t { signed32, unsigned32, unsigned64 };
 
 inline constexpr std::size_t word_kinds = 3;
 
-constexpr std::size_t word_bytes(word_kind kind) { return kind == word_kind::unsigned64 ? 8 : 4; }
+constexpr std::size_t word_bytes(word_kind kind) {
+  return kind == word_kind::unsigned64 ? 8 : 4;
+}
 
 // One array of words of a record, in saved states written word by word.
 struct record_field {
@@ -25,8 +28,8 @@ struct record_field {
   std::uint32_t words;
 };
 
-// The functions are called with a record of this engine. All but skip are noexcept; skip may run out of memory and
-// then leaves the record as it was.
+// The functions are called with a record of this engine. All but skip are noexcept; skip may run out of
+// memory and then leaves the record as it was.
 struct engine {
   std::int32_t id;
   const char* name;

@@ -1,6 +1,7 @@
 #include "generate.hpp"
 
 #include <unistd.h>
+#include <xmmintrin.h>
 
 #include <oneapi/tbb/parallel_for.h>
 #include <oneapi/tbb/task_arena.h>
@@ -23,7 +24,8 @@ constexpr std::uint64_t part_alignment_words = 624 * 64;
 std::uint64_t streaming_threshold_bytes() noexcept {
   static const std::uint64_t bytes = [] {
     const long cache = sysconf(_SC_LEVEL3_CACHE_SIZE);
-    return std::clamp(static_cast<std::uint64_t>(std::max(cache, 0L)), std::uint64_t{8} << 20, std::uint64_t{32} << 20);
+    return std::clamp(static_cast<std::uint64_t>(std::max(cache, 0L)), std::uint64_t{8} << 20,
+                      std::uint64_t{32} << 20);
   }();
   return bytes;
 }
@@ -38,7 +40,8 @@ std::uint64_t words_of(std::uint64_t values, const transform& t) noexcept {
   return (values + t.values_per_group - 1) / t.values_per_group * t.words_per_group;
 }
 
-void run_words(word_reader& reader, const kernel_set& kernels, part p, std::size_t value_bytes, bool streaming) noexcept {
+void run_words(word_reader& reader, const kernel_set& kernels, part p, std::size_t value_bytes,
+               bool streaming) noexcept {
   while (p.values != 0) {
     std::size_t taken = streaming ? 0 : reader.take_directly(p.out, p.values);
     if (taken == 0) {
@@ -54,7 +57,8 @@ void run_words(word_reader& reader, const kernel_set& kernels, part p, std::size
   }
 }
 
-void run_transform(word_reader& reader, const kernel_set& kernels, part p, const transform& t, bool streaming) noexcept {
+void run_transform(word_reader& reader, const kernel_set& kernels, part p, const transform& t,
+                   bool streaming) noexcept {
   alignas(vector_alignment) std::byte block[max_block_words * 8];
   while (p.values != 0) {
     const std::size_t groups = reader.refill() / t.words_per_group;
@@ -73,21 +77,25 @@ void run_transform(word_reader& reader, const kernel_set& kernels, part p, const
   }
 }
 
-void run_part(const engine& e, const kernel_set& kernels, const part& p, const transform& t, bool streaming) noexcept {
-  word_reader reader(e, kernels.block(static_cast<engine_index>(index_of(e))), p.record, words_of(p.values, t));
+void run_part(const engine& e, const kernel_set& kernels, const part& p, const transform& t,
+              bool streaming) noexcept {
+  word_reader reader(e, kernels.block(static_cast<engine_index>(index_of(e))), p.record,
+                     words_of(p.values, t));
   if (t.apply == nullptr)
     run_words(reader, kernels, p, t.value_bytes, streaming);
   else
     run_transform(reader, kernels, p, t, streaming);
   reader.close();
+  if (streaming)
+    _mm_sfence();
 }
 
 // Records of parts after the first, each skipped to its start.
 class part_records {
-public:
+ public:
   part_records(const engine& e, const void* record, std::size_t count, std::uint64_t words_apart)
       : stride_((e.record_bytes + vector_alignment - 1) / vector_alignment * vector_alignment),
-        bytes_(new(std::align_val_t{vector_alignment}) std::byte[stride_ * count]) {
+        bytes_(new (std::align_val_t{vector_alignment}) std::byte[stride_ * count]) {
     const void* previous = record;
     for (std::size_t i = 0; i < count; ++i) {
       std::memcpy((*this)[i], previous, e.record_bytes);
@@ -98,9 +106,11 @@ public:
 
   void* operator[](std::size_t i) const noexcept { return bytes_.get() + i * stride_; }
 
-private:
+ private:
   struct aligned_delete {
-    void operator()(std::byte* p) const noexcept { ::operator delete[](p, std::align_val_t{vector_alignment}); }
+    void operator()(std::byte* p) const noexcept {
+      ::operator delete[](p, std::align_val_t{vector_alignment});
+    }
   };
   std::size_t stride_;
   std::unique_ptr<std::byte[], aligned_delete> bytes_;
@@ -118,8 +128,7 @@ void generate(const engine& e, const kernel_set& kernels, void* record, std::uin
   const auto threads = static_cast<std::uint64_t>(tbb::this_task_arena::max_concurrency());
   const std::uint64_t parts_wanted = std::min(threads, n / values_per_thread);
   const std::uint64_t unit = part_alignment_words / t.words_per_group * t.values_per_group;
-  const std::uint64_t values_per_part =
-      parts_wanted < 2 ? n : (n / parts_wanted + unit) / unit * unit;
+  const std::uint64_t values_per_part = parts_wanted < 2 ? n : (n / parts_wanted + unit) / unit * unit;
   const auto parts = static_cast<std::size_t>((n + values_per_part - 1) / values_per_part);
   if (parts < 2) {
     run_part(e, kernels, {record, n, bytes}, t, streaming);
@@ -132,7 +141,8 @@ void generate(const engine& e, const kernel_set& kernels, void* record, std::uin
       [&](std::size_t i) {
         const std::uint64_t first = i * values_per_part;
         run_part(e, kernels,
-                 {i == 0 ? record : later[i - 1], std::min(values_per_part, n - first), bytes + first * t.value_bytes},
+                 {i == 0 ? record : later[i - 1], std::min(values_per_part, n - first),
+                  bytes + first * t.value_bytes},
                  t, streaming);
       },
       tbb::simple_partitioner());

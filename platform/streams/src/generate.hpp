@@ -1,5 +1,5 @@
-// The seam between engines and distributions: an engine yields words, a distribution is a transform of words with
-// declared widths, and this function joins any two of them.
+// The seam between engines and distributions: an engine yields words, a distribution is a transform of words
+// with declared widths, and this function joins any two of them.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,8 @@
 
 namespace hvl::streams {
 
-// `values_per_group` values are made of `words_per_group` consecutive words; a last group may be cut, and still
-// consumes all its words. values_per_group <= words_per_group.
+// `values_per_group` values are made of `words_per_group` consecutive words; a last group may be cut, and
+// still consumes all its words. values_per_group <= words_per_group.
 struct transform {
   transform_function apply; // null: the words themselves are the values
   const void* parameters;

@@ -31,7 +31,8 @@ std::size_t payload_bytes(const engine& e) noexcept {
 }
 
 std::uint32_t checksum(std::span<const std::uint8_t> bytes) noexcept {
-  return static_cast<std::uint32_t>(crc32(crc32(0, nullptr, 0), bytes.data(), static_cast<uInt>(bytes.size())));
+  return static_cast<std::uint32_t>(
+      crc32(crc32(0, nullptr, 0), bytes.data(), static_cast<uInt>(bytes.size())));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
-// Saved states as bytes: a header of four little-endian 32-bit words (magic, format version, engine identifier, payload
-// bytes), the record's fields in their order, little-endian, and the CRC-32 of all before it.
+// Saved states as bytes: a header of four little-endian 32-bit words (magic, format version, engine
+// identifier, payload bytes), the record's fields in their order, little-endian, and the CRC-32 of all before
+// it.
 #pragma once
 
 #include <cstddef>

@@ -83,7 +83,9 @@ int vqsDeleteStream_64(vqs_stream* stream) {
   return VQS_STATUS_OK;
 }
 
-int vqsSkipAheadStream_64(vqs_stream stream, uint64_t n) { return vqsSkipAheadStreamEx_64(stream, 1, &n); }
+int vqsSkipAheadStream_64(vqs_stream stream, uint64_t n) {
+  return vqsSkipAheadStreamEx_64(stream, 1, &n);
+}
 
 int vqsSkipAheadStreamEx_64(vqs_stream stream, int64_t count, const uint64_t* words) {
   return guarded([&]() -> int {

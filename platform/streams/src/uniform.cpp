@@ -11,7 +11,8 @@ bool is_method(std::int64_t method) {
 
 // T is the type of computation.
 template <class T, class Value>
-int uniform(int status, uniform_result result, vqs_stream stream, std::int64_t n, Value* r, Value a, Value b) noexcept {
+int uniform(int status, uniform_result result, vqs_stream stream, std::int64_t n, Value* r, Value a,
+            Value b) noexcept {
   uniform_parameters<T> p{{}, static_cast<T>(a), static_cast<T>(b)};
   return vector_call(status, stream, n, r, [&](const engine& e, const kernel_set& kernels) {
     p.affine = uniform_coefficients(e.scale, p.low, p.high);
@@ -20,8 +21,8 @@ int uniform(int status, uniform_result result, vqs_stream stream, std::int64_t n
 }
 
 template <class T>
-int real_uniform(std::int64_t method, uniform_result standard, uniform_result accurate, vqs_stream stream, std::int64_t n,
-                 T* r, T a, T b) noexcept {
+int real_uniform(std::int64_t method, uniform_result standard, uniform_result accurate, vqs_stream stream,
+                 std::int64_t n, T* r, T a, T b) noexcept {
   int status = VQS_STATUS_OK;
   if (!is_method(method))
     status = VQS_STATUS_BAD_METHOD;
@@ -33,12 +34,16 @@ int real_uniform(std::int64_t method, uniform_result standard, uniform_result ac
 template <class Integer>
 int integer_uniform(std::int64_t method, uniform_result standard, uniform_result accurate, vqs_stream stream,
                     std::int64_t n, Integer* r, Integer a, Integer b) noexcept {
-  const int status = !is_method(method) ? VQS_STATUS_BAD_METHOD : a < b ? VQS_STATUS_OK : VQS_STATUS_BAD_PARAMETER;
+  const int status = !is_method(method) ? VQS_STATUS_BAD_METHOD
+                     : a < b            ? VQS_STATUS_OK
+                                        : VQS_STATUS_BAD_PARAMETER;
   return method == VQS_METHOD_UNIFORM_ACCURATE ? uniform<double>(status, accurate, stream, n, r, a, b)
                                                : uniform<float>(status, standard, stream, n, r, a, b);
 }
 
-int bits_status(std::int64_t method) { return method == 0 ? VQS_STATUS_OK : VQS_STATUS_BAD_METHOD; }
+int bits_status(std::int64_t method) {
+  return method == 0 ? VQS_STATUS_OK : VQS_STATUS_BAD_METHOD;
+}
 
 transform bits32(const engine& e, const kernel_set& kernels) {
   if (e.kind == word_kind::unsigned64)
@@ -62,12 +67,13 @@ int vdRngUniform_64(int64_t method, vqs_stream stream, int64_t n, double* r, dou
 }
 
 int viRngUniform_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, int32_t a, int32_t b) {
-  return integer_uniform(method, uniform_result::int32_via_float, uniform_result::int32_via_double, stream, n, r, a, b);
+  return integer_uniform(method, uniform_result::int32_via_float, uniform_result::int32_via_double, stream, n,
+                         r, a, b);
 }
 
 int viRngUniformU_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r, uint32_t a, uint32_t b) {
-  return integer_uniform(method, uniform_result::uint32_via_float, uniform_result::uint32_via_double, stream, n, r, a,
-                         b);
+  return integer_uniform(method, uniform_result::uint32_via_float, uniform_result::uint32_via_double, stream,
+                         n, r, a, b);
 }
 
 int viRngUniformBits_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r) {
@@ -89,7 +95,8 @@ int viRngUniformBits64_64(int64_t method, vqs_stream stream, int64_t n, uint64_t
     return viRngUniformBits_64(method, stream, n < 0 ? n : 2 * n, reinterpret_cast<uint32_t*>(r));
   }
   return vector_call(bits_status(method), stream, n, r, [](const engine& en, const kernel_set& kernels) {
-    return en.has_uniform_bits ? transform{kernels.uniform(en.kind, uniform_result::packed64), nullptr, 2, 1, 8}
-                               : unsupported;
+    return en.has_uniform_bits
+               ? transform{kernels.uniform(en.kind, uniform_result::packed64), nullptr, 2, 1, 8}
+               : unsupported;
   });
 }

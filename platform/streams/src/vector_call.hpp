@@ -1,4 +1,5 @@
-// What every vector generator does around its transform: checks in one order, then the join with the stream's engine.
+// What every vector generator does around its transform: checks in one order, then the join with the stream's
+// engine.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +9,12 @@
 
 namespace hvl::streams {
 
-// `parameters_status` is what the caller found about its own parameters (0: fine). `make` gets the engine and the
-// kernels, and returns the transform; one without words_per_group says that the engine does not serve the distribution.
+// `parameters_status` is what the caller found about its own parameters (0: fine). `make` gets the engine and
+// the kernels, and returns the transform; one without words_per_group says that the engine does not serve the
+// distribution.
 template <class Make>
-int vector_call(int parameters_status, vqs_stream stream, std::int64_t n, void* r, const Make& make) noexcept {
+int vector_call(int parameters_status, vqs_stream stream, std::int64_t n, void* r,
+                const Make& make) noexcept {
   return guarded([&]() -> int {
     if (stream == nullptr || r == nullptr)
       return VQS_STATUS_NULL_POINTER;

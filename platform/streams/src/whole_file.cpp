@@ -17,7 +17,7 @@ namespace hvl::streams {
 namespace {
 
 class descriptor {
-public:
+ public:
   explicit descriptor(int fd) noexcept : fd_(fd) {}
   descriptor(const descriptor&) = delete;
   descriptor& operator=(const descriptor&) = delete;
@@ -30,7 +30,7 @@ public:
     return fd < 0 || ::close(fd) == 0;
   }
 
-private:
+ private:
   int fd_;
 };
 
@@ -88,7 +88,8 @@ int write_whole_file(const char* file_name, std::span<const std::uint8_t> bytes)
   if (file.get() < 0)
     return VQS_STATUS_FILE_OPEN;
   const bool written = write_all(file.get(), bytes) && (!exists || ::fchmod(file.get(), mode) == 0) &&
-                       ::fsync(file.get()) == 0 && file.close() && std::rename(temporary.c_str(), target.c_str()) == 0;
+                       ::fsync(file.get()) == 0 && file.close() &&
+                       std::rename(temporary.c_str(), target.c_str()) == 0;
   if (!written) {
     ::unlink(temporary.c_str());
     return VQS_STATUS_FILE_WRITE;

@@ -8,8 +8,9 @@
 
 namespace hvl::streams {
 
-// Replaces the content of a regular file, or creates it: after a failure, a full disk or a kill the old content is still
-// there. Something that is not a regular file (a pipe, a device) is written to. Returns a status.
+// Replaces the content of a regular file, or creates it: after a failure, a full disk or a kill the old
+// content is still there. Something that is not a regular file (a pipe, a device) is written to. Returns a
+// status.
 int write_whole_file(const char* file_name, std::span<const std::uint8_t> bytes);
 
 // Reads at most `most` bytes and one more, so that a longer file shows. Returns a status.

@@ -11,10 +11,11 @@
 namespace hvl::streams {
 
 class word_reader {
-public:
+ public:
   // `total_words` is what will be taken altogether; close() must follow when all are.
   word_reader(const engine& e, const block_kernel* kernel, void* record, std::uint64_t total_words) noexcept
-      : engine_(e), record_(record), word_bytes_(word_bytes(e.kind)), left_(total_words), total_(total_words) {
+      : engine_(e), record_(record), word_bytes_(word_bytes(e.kind)), left_(total_words),
+        total_(total_words) {
     if (kernel != nullptr && total_words >= kernel->least_words) {
       kernel_ = kernel;
       lead_ = kernel->open(record, workspace_);
@@ -23,8 +24,8 @@ public:
   word_reader(const word_reader&) = delete;
   word_reader& operator=(const word_reader&) = delete;
 
-  // Brings in another block behind the words not yet taken (fewer than 16 of them), and returns how many words now
-  // lie at words(): at most what is left in all.
+  // Brings in another block behind the words not yet taken (fewer than 16 of them), and returns how many
+  // words now lie at words(): at most what is left in all.
   std::size_t refill() noexcept {
     std::byte* const block = buffer_ + carry_bytes;
     std::memmove(block - unread_ * word_bytes_, words(), unread_ * word_bytes_);
@@ -38,7 +39,8 @@ public:
       const std::uint64_t reach = std::min<std::uint64_t>(wanted + lead_, kernel_->block_words);
       const std::size_t granules = granules_for(reach);
       kernel_->run(workspace_, block, granules);
-      fresh = static_cast<std::size_t>(std::min<std::uint64_t>(granules * kernel_->granule_words, reach)) - lead_;
+      fresh =
+          static_cast<std::size_t>(std::min<std::uint64_t>(granules * kernel_->granule_words, reach)) - lead_;
       begin_ += lead_ * word_bytes_;
       lead_ = 0;
     }
@@ -54,8 +56,8 @@ public:
     left_ -= words;
   }
 
-  // Writes words straight to `out`, as many as whole granules allow, at most `words`; returns how many. Only when
-  // nothing is unread.
+  // Writes words straight to `out`, as many as whole granules allow, at most `words`; returns how many. Only
+  // when nothing is unread.
   std::size_t take_directly(void* out, std::uint64_t words) noexcept {
     if (kernel_ == nullptr) {
       engine_.draw(record_, out, words);
@@ -79,7 +81,7 @@ public:
       engine_.skip(record_, std::span(&total_, 1));
   }
 
-private:
+ private:
   static constexpr std::size_t scalar_block_words = 1024;
   static constexpr std::size_t carry_bytes = 128;
 

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t long_request = 300'007;
 
 class engine_properties : public each_engine {
-protected:
+ protected:
   // The sequence, one number at a time by the scalar path.
   std::vector<std::uint32_t> reference(std::size_t n) const {
     const run_mode mode(HVL_ISA_SCALAR, 1);
@@ -44,7 +44,8 @@ TEST_P(engine_properties, any_split_gives_the_same_sequence) {
 TEST_P(engine_properties, skipping_equals_discarding_in_outputs_and_in_state) {
   for_every_mode([&] {
     for (const std::size_t before : {0u, 1u, 2u, 3u, 5u, 623u, 624u}) {
-      for (const std::size_t n : {0u, 1u, 2u, 3u, 4u, 5u, 7u, 8u, 64u, 623u, 624u, 625u, 1248u, 4099u, 262'144u, 290'001u}) {
+      for (const std::size_t n :
+           {0u, 1u, 2u, 3u, 4u, 5u, 7u, 8u, 64u, 623u, 624u, 625u, 1248u, 4099u, 262'144u, 290'001u}) {
         SCOPED_TRACE(std::to_string(before) + " then " + std::to_string(n));
         owned_stream stepped(id());
         stepped.bits(before);
@@ -122,7 +123,8 @@ TEST_P(engine_properties, nothing_is_written_outside_a_misaligned_output) {
         ASSERT_EQ(viRngUniformBits_64(0, stream, static_cast<std::int64_t>(n), out), VQS_STATUS_OK);
         ASSERT_TRUE(std::equal(out, out + n, expected.begin()));
         ASSERT_TRUE(std::all_of(memory.data(), out, [](std::uint32_t w) { return w == 0xA5A5A5A5; }));
-        ASSERT_TRUE(std::all_of(out + n, memory.data() + memory.size(), [](std::uint32_t w) { return w == 0xA5A5A5A5; }));
+        ASSERT_TRUE(std::all_of(out + n, memory.data() + memory.size(),
+                                [](std::uint32_t w) { return w == 0xA5A5A5A5; }));
       }
     }
   });
@@ -139,7 +141,8 @@ TEST_P(engine_properties, different_seeds_and_words_give_different_sequences) {
 }
 
 TEST_P(engine_properties, streaming_output_is_the_same_as_cached_output) {
-  constexpr std::size_t n = (std::size_t{40} << 20) / sizeof(double) + 3; // larger than the last cache of most machines
+  constexpr std::size_t n =
+      (std::size_t{40} << 20) / sizeof(double) + 3; // larger than the last cache of most machines
   const run_mode mode(-1, 2);
   owned_stream stream(id());
   std::vector<double> whole(n + 1, -1.0);
@@ -148,7 +151,8 @@ TEST_P(engine_properties, streaming_output_is_the_same_as_cached_output) {
   for (std::size_t first = 0; first < n; first += 70'001) {
     const std::size_t count = std::min<std::size_t>(70'001, n - first);
     const auto expected = pieces.doubles(count);
-    ASSERT_EQ(std::memcmp(expected.data(), whole.data() + 1 + first, count * sizeof(double)), 0) << "from " << first;
+    ASSERT_EQ(std::memcmp(expected.data(), whole.data() + 1 + first, count * sizeof(double)), 0)
+        << "from " << first;
   }
   EXPECT_EQ(stream.saved(), pieces.saved());
 }
@@ -172,8 +176,9 @@ TEST(philox4x32x10, remaining_words_and_carries) {
           r->c1 = r->c2 = r->c3 = 0;
         r->remaining = remaining;
         for (const std::size_t n : {1u, 6u, 800u, 8000u})
-          expect_equal(owned_stream(stream).bits(n), {expected.begin() + 4 - remaining,
-                                                      expected.begin() + 4 - remaining + static_cast<std::ptrdiff_t>(n)});
+          expect_equal(owned_stream(stream).bits(n),
+                       {expected.begin() + 4 - remaining,
+                        expected.begin() + 4 - remaining + static_cast<std::ptrdiff_t>(n)});
         owned_stream skipped(stream);
         skipped.skip(remaining + 3);
         expect_equal(skipped.bits(10), {expected.begin() + 7, expected.begin() + 17});

@@ -1,4 +1,5 @@
-// The engines against answers of independent origin, kept as data; each file says where its answers come from.
+// The engines against answers of independent origin, kept as data; each file says where its answers come
+// from.
 #include <algorithm>
 #include <fstream>
 #include <sstream>
@@ -60,7 +61,8 @@ TEST_P(known_answers_suite, agree_at_every_offset_and_length) {
     for (const known_answer& answer : answers) {
       SCOPED_TRACE(answer.line.substr(0, 100));
       const auto fresh = [&] {
-        owned_stream stream = answer.one_seed ? owned_stream(id(), answer.seed) : owned_stream(id(), answer.words);
+        owned_stream stream =
+            answer.one_seed ? owned_stream(id(), answer.seed) : owned_stream(id(), answer.words);
         stream.skip_words(answer.skip);
         return stream;
       };

@@ -1,6 +1,6 @@
 // Every misuse has its status and changes nothing.
-#include <cmath>
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "support.hpp"
@@ -67,7 +67,8 @@ TEST_P(misuse, of_a_stream_has_its_status) {
   const std::uint64_t words[] = {1};
   EXPECT_EQ(vqsSkipAheadStreamEx_64(stream, -1, words), VQS_STATUS_BAD_COUNT);
   const bool leaps = id() == VQS_ENGINE_MCG31M1 || id() == VQS_ENGINE_MCG59;
-  EXPECT_EQ(vqsLeapfrogStream_64(stream, 1, 0), leaps ? VQS_STATUS_BAD_PARAMETER : VQS_STATUS_LEAPFROG_UNSUPPORTED);
+  EXPECT_EQ(vqsLeapfrogStream_64(stream, 1, 0),
+            leaps ? VQS_STATUS_BAD_PARAMETER : VQS_STATUS_LEAPFROG_UNSUPPORTED);
   EXPECT_EQ(vqsLeapfrogStream_64(stream, 0, 1), leaps ? VQS_STATUS_OK : VQS_STATUS_LEAPFROG_UNSUPPORTED);
   const std::uint32_t seeds[] = {1};
   vqs_stream out = nullptr;

@@ -1,4 +1,5 @@
-// Saved states: files written whole or not at all, and loaders that refuse everything that was not saved here.
+// Saved states: files written whole or not at all, and loaders that refuse everything that was not saved
+// here.
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
@@ -16,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 class saved_states : public each_engine {
-protected:
+ protected:
   void SetUp() override {
     std::string name = (fs::temp_directory_path() / "saved-state-XXXXXX").string();
     ASSERT_NE(::mkdtemp(name.data()), nullptr);

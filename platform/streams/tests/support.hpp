@@ -20,7 +20,9 @@ struct engine_entry {
   const char* name;
   std::int32_t id;
 };
-inline void PrintTo(const engine_entry& e, std::ostream* out) { *out << e.name; }
+inline void PrintTo(const engine_entry& e, std::ostream* out) {
+  *out << e.name;
+}
 
 inline constexpr engine_entry engines[] = {
 #define HVL_STREAMS_ENGINE(name, id) {#name, id},
@@ -29,14 +31,17 @@ inline constexpr engine_entry engines[] = {
 };
 
 class owned_stream {
-public:
+ public:
   explicit owned_stream(std::int32_t engine, std::uint64_t seed = 12345) {
     EXPECT_EQ(vqsNewStream_64(&handle_, engine, seed), VQS_STATUS_OK);
   }
   owned_stream(std::int32_t engine, std::span<const std::uint32_t> words) {
-    EXPECT_EQ(vqsNewStreamEx_64(&handle_, engine, static_cast<std::int64_t>(words.size()), words.data()), VQS_STATUS_OK);
+    EXPECT_EQ(vqsNewStreamEx_64(&handle_, engine, static_cast<std::int64_t>(words.size()), words.data()),
+              VQS_STATUS_OK);
   }
-  owned_stream(const owned_stream& other) { EXPECT_EQ(vqsCopyStream_64(&handle_, other.handle_), VQS_STATUS_OK); }
+  owned_stream(const owned_stream& other) {
+    EXPECT_EQ(vqsCopyStream_64(&handle_, other.handle_), VQS_STATUS_OK);
+  }
   owned_stream(owned_stream&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
   owned_stream& operator=(owned_stream other) noexcept {
     std::swap(handle_, other.handle_);
@@ -56,7 +61,8 @@ public:
     return *this;
   }
   owned_stream& skip_words(std::vector<std::uint64_t> words) {
-    EXPECT_EQ(vqsSkipAheadStreamEx_64(handle_, static_cast<std::int64_t>(words.size()), words.data()), VQS_STATUS_OK);
+    EXPECT_EQ(vqsSkipAheadStreamEx_64(handle_, static_cast<std::int64_t>(words.size()), words.data()),
+              VQS_STATUS_OK);
     return *this;
   }
   std::vector<std::uint32_t> bits(std::size_t n) {
@@ -67,7 +73,8 @@ public:
   }
   std::vector<double> doubles(std::size_t n) {
     std::vector<double> values(n, -1e300);
-    EXPECT_EQ(vdRngUniform_64(0, handle_, static_cast<std::int64_t>(n), values.data(), 0.0, 1.0), VQS_STATUS_OK);
+    EXPECT_EQ(vdRngUniform_64(0, handle_, static_cast<std::int64_t>(n), values.data(), 0.0, 1.0),
+              VQS_STATUS_OK);
     return values;
   }
   std::vector<unsigned char> saved() const {
@@ -78,7 +85,7 @@ public:
     return state;
   }
 
-private:
+ private:
   struct adopted {};
   owned_stream(adopted, vqs_stream handle) : handle_(handle) {}
   vqs_stream handle_ = nullptr;
@@ -86,7 +93,7 @@ private:
 
 // An instruction set and a number of threads, in force while this lives.
 class run_mode {
-public:
+ public:
   run_mode(int isa, std::size_t threads) : threads_(tbb::global_control::max_allowed_parallelism, threads) {
     EXPECT_EQ(hvl_serv_set_isa(isa), HVL_SERV_OK);
   }
@@ -94,7 +101,7 @@ public:
   run_mode& operator=(const run_mode&) = delete;
   ~run_mode() { hvl_serv_set_isa(-1); }
 
-private:
+ private:
   tbb::global_control threads_;
 };
 
@@ -120,11 +127,12 @@ void expect_equal(const std::vector<T>& actual, const std::vector<T>& expected) 
 }
 
 class each_engine : public ::testing::TestWithParam<engine_entry> {
-protected:
+ protected:
   std::int32_t id() const { return GetParam().id; }
 };
 
-#define HVL_STREAMS_FOR_EACH_ENGINE(suite)                                                                             \
-  INSTANTIATE_TEST_SUITE_P(engines, suite, ::testing::ValuesIn(engines), [](const auto& entry) { return std::string(entry.param.name); })
+#define HVL_STREAMS_FOR_EACH_ENGINE(suite)                                                                   \
+  INSTANTIATE_TEST_SUITE_P(engines, suite, ::testing::ValuesIn(engines),                                     \
+                           [](const auto& entry) { return std::string(entry.param.name); })
 
 } // namespace hvl::streams::test

@@ -17,7 +17,7 @@ struct raw_word {
 };
 
 class uniform_family : public each_engine {
-protected:
+ protected:
   // The raw words, 59-bit ones whole.
   std::vector<raw_word> words(std::size_t n) const {
     const run_mode mode(HVL_ISA_SCALAR, 1);
@@ -25,12 +25,14 @@ protected:
     owned_stream stream(id());
     for (std::size_t i = 0; i < n; ++i) {
       if (id() == VQS_ENGINE_MCG59) {
-        raw.push_back({static_cast<std::int64_t>(static_cast<vqs_mcg59_record*>(static_cast<vqs_stream>(stream))->x)});
+        raw.push_back(
+            {static_cast<std::int64_t>(static_cast<vqs_mcg59_record*>(static_cast<vqs_stream>(stream))->x)});
         stream.skip(1);
       } else {
         const std::uint32_t w = stream.bits(1)[0];
         const bool is_signed = id() == VQS_ENGINE_PHILOX4X32X10 || id() == VQS_ENGINE_MT19937;
-        raw.push_back({is_signed ? static_cast<std::int64_t>(static_cast<std::int32_t>(w)) : static_cast<std::int64_t>(w)});
+        raw.push_back({is_signed ? static_cast<std::int64_t>(static_cast<std::int32_t>(w))
+                                 : static_cast<std::int64_t>(w)});
       }
     }
     return raw;
@@ -61,7 +63,8 @@ protected:
   // floor, then rint, then the nearest representable integer.
   template <class T, class Integer>
   Integer integer(raw_word word, Integer a, Integer b) const {
-    const double v = std::rint(std::floor(static_cast<double>(scaled<T>(word, static_cast<T>(a), static_cast<T>(b)))));
+    const double v =
+        std::rint(std::floor(static_cast<double>(scaled<T>(word, static_cast<T>(a), static_cast<T>(b)))));
     const double least = static_cast<double>(std::numeric_limits<Integer>::min());
     double most = static_cast<double>(std::numeric_limits<Integer>::max());
     if (sizeof(T) == 4)
@@ -73,7 +76,8 @@ protected:
 template <class T>
 void expect_same_bits(const std::vector<T>& actual, const std::vector<T>& expected) {
   for (std::size_t i = 0; i < expected.size(); ++i)
-    ASSERT_EQ(std::memcmp(&actual[i], &expected[i], sizeof(T)), 0) << "at " << i << ": " << actual[i] << " for " << expected[i];
+    ASSERT_EQ(std::memcmp(&actual[i], &expected[i], sizeof(T)), 0)
+        << "at " << i << ": " << actual[i] << " for " << expected[i];
 }
 
 TEST_P(uniform_family, real_values_follow_the_definition_bit_for_bit) {
@@ -95,7 +99,8 @@ TEST_P(uniform_family, real_values_follow_the_definition_bit_for_bit) {
       }
     });
   };
-  for (const auto& [a, b] : {std::pair{0.0, 1.0}, {-1.0, 1.0}, {1e6, 1e6 + 1}, {-3.25, 1e-3}, {1e-30, 3e-30}}) {
+  for (const auto& [a, b] :
+       {std::pair{0.0, 1.0}, {-1.0, 1.0}, {1e6, 1e6 + 1}, {-3.25, 1e-3}, {1e-30, 3e-30}}) {
     check(vsRngUniform_64, static_cast<float>(a), static_cast<float>(b));
     check(vdRngUniform_64, a, b);
   }
@@ -113,9 +118,11 @@ TEST_P(uniform_family, integers_follow_the_definition) {
     }
     for_every_mode([&] {
       std::vector<Integer> values(count, 77);
-      ASSERT_EQ(generate(VQS_METHOD_UNIFORM_STANDARD, owned_stream(id()), count, values.data(), a, b), VQS_STATUS_OK);
+      ASSERT_EQ(generate(VQS_METHOD_UNIFORM_STANDARD, owned_stream(id()), count, values.data(), a, b),
+                VQS_STATUS_OK);
       expect_equal(values, standard);
-      ASSERT_EQ(generate(VQS_METHOD_UNIFORM_ACCURATE, owned_stream(id()), count, values.data(), a, b), VQS_STATUS_OK);
+      ASSERT_EQ(generate(VQS_METHOD_UNIFORM_ACCURATE, owned_stream(id()), count, values.data(), a, b),
+                VQS_STATUS_OK);
       expect_equal(values, accurate);
     });
   };
@@ -135,7 +142,9 @@ TEST_P(uniform_family, bits_of_both_widths_are_made_of_the_words) {
   constexpr std::size_t n = 3001;
   const auto raw = words(2 * n);
   const bool wide = id() == VQS_ENGINE_MCG59;
-  const auto word = [&](std::size_t i) { return static_cast<std::uint32_t>(wide ? raw[i].value >> 27 : raw[i].value); };
+  const auto word = [&](std::size_t i) {
+    return static_cast<std::uint32_t>(wide ? raw[i].value >> 27 : raw[i].value);
+  };
   const bool served = id() != VQS_ENGINE_MCG31M1 && id() != VQS_ENGINE_MRG32K3A;
   std::vector<std::uint32_t> expected32(n);
   std::vector<std::uint64_t> expected64(n);
@@ -165,7 +174,8 @@ TEST_P(uniform_family, pairs_of_words_survive_an_odd_start) {
   for_every_mode([&] {
     for (const std::size_t before : {1u, 2u, 3u}) {
       std::vector<std::uint64_t> values(5000, 1);
-      ASSERT_EQ(viRngUniformBits64_64(0, owned_stream(id()).skip(before), 5000, values.data()), VQS_STATUS_OK);
+      ASSERT_EQ(viRngUniformBits64_64(0, owned_stream(id()).skip(before), 5000, values.data()),
+                VQS_STATUS_OK);
       const auto words = owned_stream(id()).skip(before).bits(10'000);
       for (std::size_t i = 0; i < values.size(); ++i)
         ASSERT_EQ(values[i], words[2 * i] | std::uint64_t{words[2 * i + 1]} << 32);

@@ -2,7 +2,8 @@
  *
  * A stream is one engine at one position of its sequence. Every function returns 0 on success or one of the
  * negative statuses below, never lets an exception escape, and on failure leaves the stream, the output and
- * any existing file as they were. One stream must not be used from two threads at once; different streams may.
+ * any existing file as they were. One stream must not be used from two threads at once; different streams
+ * may.
  *
  * The same call gives the same bits whatever the instruction set and the number of threads, and any split of
  * a request into several calls gives the same numbers. */
@@ -51,8 +52,8 @@ enum {
   VQS_STATUS_STATE_CHECKSUM = -15,      /* a saved state whose checksum does not match */
   VQS_STATUS_STATE_RANGE = -16,         /* a saved state with a field out of its range */
   VQS_STATUS_NO_MEMORY = -17,           /* out of memory */
-  VQS_STATUS_BAD_ISA = -18,             /* HVL_ISA names an instruction set that is unknown or not available */
-  VQS_STATUS_INTERNAL = -19             /* an unexpected failure inside the library */
+  VQS_STATUS_BAD_ISA = -18, /* HVL_ISA names an instruction set that is unknown or not available */
+  VQS_STATUS_INTERNAL = -19 /* an unexpected failure inside the library */
 };
 
 /* Method codes of the uniform distributions. */
@@ -64,10 +65,11 @@ HVL_STREAMS_API const char* vqsStatusText(int status);
 /* The engine identifier of a stream, or a negative status. */
 HVL_STREAMS_API int32_t vqsEngineOfStream(vqs_stream stream);
 
-/* Creates a stream from one seed, or from `count` seed words; count 0 (words may then be null) is the engine's
- * state without any word. */
+/* Creates a stream from one seed, or from `count` seed words; count 0 (words may then be null) is the
+ * engine's state without any word. */
 HVL_STREAMS_API int vqsNewStream_64(vqs_stream* stream, int32_t engine, uint64_t seed);
-HVL_STREAMS_API int vqsNewStreamEx_64(vqs_stream* stream, int32_t engine, int64_t count, const uint32_t* words);
+HVL_STREAMS_API int vqsNewStreamEx_64(vqs_stream* stream, int32_t engine, int64_t count,
+                                      const uint32_t* words);
 
 HVL_STREAMS_API int vqsCopyStream_64(vqs_stream* out, vqs_stream in);
 
@@ -84,8 +86,8 @@ HVL_STREAMS_API int vqsLeapfrogStream_64(vqs_stream stream, uint64_t idx, uint64
 /* Bytes that a saved state takes, or a negative status. */
 HVL_STREAMS_API int64_t vqsGetStreamSize_64(vqs_stream stream);
 
-/* Saving: `memory` has room for vqsGetStreamSize_64 bytes. A file is written whole or not at all: under another
- * name in the same folder, brought to the disk, then renamed. */
+/* Saving: `memory` has room for vqsGetStreamSize_64 bytes. A file is written whole or not at all: under
+ * another name in the same folder, brought to the disk, then renamed. */
 HVL_STREAMS_API int vqsSaveStreamM_64(vqs_stream stream, unsigned char* memory);
 HVL_STREAMS_API int vqsSaveStreamF_64(vqs_stream stream, const char* file_name);
 
@@ -94,18 +96,22 @@ HVL_STREAMS_API int vqsSaveStreamF_64(vqs_stream stream, const char* file_name);
 HVL_STREAMS_API int vqsLoadStreamM_64(vqs_stream* stream, const unsigned char* memory);
 HVL_STREAMS_API int vqsLoadStreamF_64(vqs_stream* stream, const char* file_name);
 
-/* Uniform on [a, b), a < b, both finite, b - a finite. One engine word makes one value. The accurate method clamps real
- * values into [a, b]; for integers it computes in double instead of float. */
+/* Uniform on [a, b), a < b, both finite, b - a finite. One engine word makes one value. The accurate method
+ * clamps real values into [a, b]; for integers it computes in double instead of float. */
 HVL_STREAMS_API int vsRngUniform_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a, float b);
-HVL_STREAMS_API int vdRngUniform_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a, double b);
-HVL_STREAMS_API int viRngUniform_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, int32_t a, int32_t b);
-HVL_STREAMS_API int viRngUniformU_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r, uint32_t a, uint32_t b);
+HVL_STREAMS_API int vdRngUniform_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a,
+                                    double b);
+HVL_STREAMS_API int viRngUniform_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, int32_t a,
+                                    int32_t b);
+HVL_STREAMS_API int viRngUniformU_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r, uint32_t a,
+                                     uint32_t b);
 
-/* The engine's raw output: the 32-bit word; mcg31m1 and mrg32k3a their value, mcg59 its high 32 of 59 bits. Method 0. */
+/* The engine's raw output: the 32-bit word; mcg31m1 and mrg32k3a their value, mcg59 its high 32 of 59 bits.
+ * Method 0. */
 HVL_STREAMS_API int viRngUniformBits_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r);
 
-/* Uniformly distributed bits, for the engines that have them: philox4x32x10, mt19937 and mcg59. A 64-bit value is made
- * of two consecutive 32-bit ones, the first one low. Method 0. */
+/* Uniformly distributed bits, for the engines that have them: philox4x32x10, mt19937 and mcg59. A 64-bit
+ * value is made of two consecutive 32-bit ones, the first one low. Method 0. */
 HVL_STREAMS_API int viRngUniformBits32_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r);
 HVL_STREAMS_API int viRngUniformBits64_64(int64_t method, vqs_stream stream, int64_t n, uint64_t* r);
 

@@ -8,13 +8,13 @@
 extern "C" {
 #endif
 
-/* mt19937: replaces 624 consecutive words of the (untempered) sequence by the 624 words that lie `distance` words
- * further. The polynomials of the last few distances are kept. */
+/* mt19937: replaces 624 consecutive words of the (untempered) sequence by the 624 words that lie `distance`
+ * words further. The polynomials of the last few distances are kept. */
 HVL_STREAMS_API int vqsMt19937Jump(uint32_t* words, uint64_t distance);
 
-/* The jump polynomial of a distance of at least 1, for jumps made elsewhere: 624 words, bit i % 32 of word i / 32 being
- * coefficient i (0 <= i < 19937). Word distance + j of the sequence is the exclusive or of the words 1 + i + j over all i
- * whose bit is set. */
+/* The jump polynomial of a distance of at least 1, for jumps made elsewhere: 624 words, bit i % 32 of word i
+ * / 32 being coefficient i (0 <= i < 19937). Word distance + j of the sequence is the exclusive or of the
+ * words 1 + i + j over all i whose bit is set. */
 HVL_STREAMS_API int vqsMt19937JumpPolynomial(uint64_t distance, uint32_t* polynomial);
 
 #ifdef __cplusplus

@@ -1,5 +1,5 @@
-/* The record behind a stream handle. Its layout is a contract: device code reads the fields of a record, and for
- * mt19937 writes them back. All fields are in the machine's byte order (little-endian). */
+/* The record behind a stream handle. Its layout is a contract: device code reads the fields of a record, and
+ * for mt19937 writes them back. All fields are in the machine's byte order (little-endian). */
 #ifndef HVL_STREAMS_RECORD_H
 #define HVL_STREAMS_RECORD_H
 

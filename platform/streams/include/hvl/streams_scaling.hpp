@@ -1,6 +1,6 @@
 // How an engine's word becomes a value of the uniform family: one definition for the scalar host path and for
-// device kernels, which must give the same bits. Compile with floating-point contraction off: the product and the sum
-// of uniform_value are rounded separately.
+// device kernels, which must give the same bits. Compile with floating-point contraction off: the product and
+// the sum of uniform_value are rounded separately.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,8 @@
 
 namespace hvl::streams {
 
-// What an engine's word is. philox4x32x10 and mt19937: 32 random bits, read as signed. mcg31m1: [1, 2^31 - 1).
-// mrg32k3a: [1, 2^32 - 209]. mcg59: [1, 2^59), in 64 bits.
+// What an engine's word is. philox4x32x10 and mt19937: 32 random bits, read as signed. mcg31m1: [1, 2^31 -
+// 1). mrg32k3a: [1, 2^32 - 209]. mcg59: [1, 2^59), in 64 bits.
 enum class word_scale { signed32, mcg31m1, mrg32k3a, mcg59 };
 
 // value = T(word) * scale + shift
@@ -36,8 +36,8 @@ constexpr coefficients<T> uniform_coefficients(word_scale words, T a, T b) {
   return {(b - a) * static_cast<T>(1.0 / 4294967296.0), (b + a) * static_cast<T>(0.5)};
 }
 
-// Word is std::int32_t for word_scale::signed32, std::uint32_t for mcg31m1 and mrg32k3a, std::uint64_t for mcg59.
-// The conversion rounds once, to nearest even.
+// Word is std::int32_t for word_scale::signed32, std::uint32_t for mcg31m1 and mrg32k3a, std::uint64_t for
+// mcg59. The conversion rounds once, to nearest even.
 template <class T, class Word>
 constexpr T uniform_value(Word word, coefficients<T> c) {
   const T product = static_cast<T>(word) * c.scale;
@@ -56,8 +56,10 @@ template <class Integer, class T>
 inline constexpr T lowest_of = std::is_signed_v<Integer> ? static_cast<T>(-2147483648.0) : static_cast<T>(0);
 template <class Integer, class T>
 inline constexpr T highest_of = std::is_same_v<T, float>
-                                    ? (std::is_signed_v<Integer> ? static_cast<T>(2147483520.0) : static_cast<T>(4294967040.0))
-                                    : (std::is_signed_v<Integer> ? static_cast<T>(2147483647.0) : static_cast<T>(4294967295.0));
+                                    ? (std::is_signed_v<Integer> ? static_cast<T>(2147483520.0)
+                                                                 : static_cast<T>(4294967040.0))
+                                    : (std::is_signed_v<Integer> ? static_cast<T>(2147483647.0)
+                                                                 : static_cast<T>(4294967295.0));
 
 // floor, saturated at lowest_of and highest_of, as an Integer. (A rint after floor changes nothing.)
 template <class Integer, class T>

@@ -1,9 +1,9 @@
-// mcg31m1: P. L'Ecuyer, "Tables of linear congruential generators of different sizes and good lattice structure",
-// Mathematics of Computation 68 (1999). mcg59: modulus 2^59, multiplier 13^13.
-#include "engines/mcg.hpp"
+// mcg31m1: P. L'Ecuyer, "Tables of linear congruential generators of different sizes and good lattice
+// structure", Mathematics of Computation 68 (1999). mcg59: modulus 2^59, multiplier 13^13.
+#include "generators/mcg.hpp"
 
 #include "engine.hpp"
-#include "engines/power.hpp"
+#include "generators/power.hpp"
 
 namespace hvl::streams {
 namespace {
@@ -94,18 +94,10 @@ const engine mcg31m1_engine = {
 };
 
 const engine mcg59_engine = {
-    VQS_ENGINE_MCG59,
-    "mcg59",
-    word_kind::unsigned64,
-    word_scale::mcg59,
-    true,
-    sizeof(vqs_mcg59_record),
-    fields59,
-    mcg59::seed,
-    mcg59::seed_words,
-    in_range59,
-    mcg59::draw,
-    mcg59::skip,
+    VQS_ENGINE_MCG59,  "mcg59",     word_kind::unsigned64,
+    word_scale::mcg59, true,        sizeof(vqs_mcg59_record),
+    fields59,          mcg59::seed, mcg59::seed_words,
+    in_range59,        mcg59::draw, mcg59::skip,
     mcg59::leapfrog,
 };
 

@@ -1,9 +1,9 @@
-// P. L'Ecuyer, "Good parameters and implementations for combined multiple recursive random number generators",
-// Operations Research 47 (1999).
-#include "engines/mrg32k3a.hpp"
+// P. L'Ecuyer, "Good parameters and implementations for combined multiple recursive random number
+// generators", Operations Research 47 (1999).
+#include "generators/mrg32k3a.hpp"
 
 #include "engine.hpp"
-#include "engines/power.hpp"
+#include "generators/power.hpp"
 
 namespace hvl::streams {
 namespace {
@@ -11,10 +11,16 @@ namespace {
 using record_type = vqs_mrg32k3a_record;
 using jump_table = std::uint32_t[147][9];
 
-record_type& as_record(void* record) { return *static_cast<record_type*>(record); }
+record_type& as_record(void* record) {
+  return *static_cast<record_type*>(record);
+}
 
-mrg32k3a_component component_x(const record_type& r) { return {r.x0, r.x1, r.x2}; }
-mrg32k3a_component component_y(const record_type& r) { return {r.y0, r.y1, r.y2}; }
+mrg32k3a_component component_x(const record_type& r) {
+  return {r.x0, r.x1, r.x2};
+}
+mrg32k3a_component component_y(const record_type& r) {
+  return {r.y0, r.y1, r.y2};
+}
 
 void set_components(record_type& r, const mrg32k3a_component& x, const mrg32k3a_component& y) {
   r.x0 = x[0];

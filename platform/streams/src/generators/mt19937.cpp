@@ -1,6 +1,6 @@
-// M. Matsumoto, T. Nishimura, "Mersenne Twister: a 623-dimensionally equidistributed uniform pseudo-random number
-// generator", ACM TOMACS 8 (1998); seeding of 2002.
-#include "engines/mt19937.hpp"
+// M. Matsumoto, T. Nishimura, "Mersenne Twister: a 623-dimensionally equidistributed uniform pseudo-random
+// number generator", ACM TOMACS 8 (1998); seeding of 2002.
+#include "generators/mt19937.hpp"
 
 #include <algorithm>
 #include <vector>
@@ -18,7 +18,9 @@ constexpr std::size_t m = mt19937_middle;
 // Up to here regenerating block after block is faster than a jump whose polynomial is new.
 constexpr std::uint64_t blocks_worth_a_jump = 8192;
 
-record_type& as_record(void* record) { return *static_cast<record_type*>(record); }
+record_type& as_record(void* record) {
+  return *static_cast<record_type*>(record);
+}
 
 std::uint32_t tempered(std::uint32_t y) {
   y ^= y >> 11;
@@ -133,8 +135,8 @@ void multiply_by_block(std::vector<std::uint64_t>& count) {
     count.push_back(carry);
 }
 
-// Leaves the record as drawing `count` words would: a block is regenerated only when a word of the next one is wanted,
-// so the new position lies in 1..624.
+// Leaves the record as drawing `count` words would: a block is regenerated only when a word of the next one
+// is wanted, so the new position lies in 1..624.
 void skip(void* record, std::span<const std::uint64_t> count) {
   record_type& r = as_record(record);
   if (count.empty())

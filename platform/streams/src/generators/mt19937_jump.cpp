@@ -1,6 +1,6 @@
-// H. Haramoto, M. Matsumoto, P. L'Ecuyer, "A fast jump ahead algorithm for linear recurrences in a polynomial space",
-// SETA 2008: with g = x^n modulo the characteristic polynomial, word n + j of the sequence is the exclusive or of the
-// words i + j over the set bits i of g.
+// H. Haramoto, M. Matsumoto, P. L'Ecuyer, "A fast jump ahead algorithm for linear recurrences in a polynomial
+// space", SETA 2008: with g = x^n modulo the characteristic polynomial, word n + j of the sequence is the
+// exclusive or of the words i + j over the set bits i of g.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -10,8 +10,8 @@
 #include <mutex>
 #include <vector>
 
-#include "engines/mt19937.hpp"
-#include "engines/mt19937_polynomial.hpp"
+#include "generators/mt19937.hpp"
+#include "generators/mt19937_polynomial.hpp"
 #include "hvl/core.h"
 #include "hvl/streams_detail.h"
 #include "simd/kernels.hpp"
@@ -50,8 +50,8 @@ polynomial squared(const polynomial& p) {
     square[2 * i] = spread(static_cast<std::uint32_t>(p[i]));
     square[2 * i + 1] = spread(static_cast<std::uint32_t>(p[i] >> 32));
   }
-  // From the top, 64 coefficients at a time: x^(degree + k) is the sum of x^(e + k), all of which lie below the 64
-  // just folded, the greatest exponent being 623 below the degree.
+  // From the top, 64 coefficients at a time: x^(degree + k) is the sum of x^(e + k), all of which lie below
+  // the 64 just folded, the greatest exponent being 623 below the degree.
   static_assert(mt19937_degree - mt19937_exponents[std::size(mt19937_exponents) - 1] >= bits);
   for (std::size_t i = polynomial_words; i-- != 0;) {
     const std::uint64_t high = square[top_word + i] >> top_bit | square[top_word + i + 1] << (bits - top_bit);
@@ -84,7 +84,9 @@ void multiply_by_x(polynomial& p) {
 using big_count = std::vector<std::uint64_t>; // least significant word first, no leading zero
 
 polynomial power_of_x(const big_count& exponent) {
-  std::size_t left = exponent.empty() ? 0 : bits * exponent.size() - static_cast<std::size_t>(std::countl_zero(exponent.back()));
+  std::size_t left =
+      exponent.empty() ? 0
+                       : bits * exponent.size() - static_cast<std::size_t>(std::countl_zero(exponent.back()));
   const auto next_bit = [&] {
     --left;
     return exponent[left / bits] >> left % bits & 1;
@@ -104,7 +106,7 @@ polynomial power_of_x(const big_count& exponent) {
 
 // The powers used last: a split over threads and a repeated skip ask for the same ones again and again.
 class power_cache {
-public:
+ public:
   std::shared_ptr<const polynomial> get(const big_count& exponent) {
     {
       const std::scoped_lock lock(mutex_);
@@ -122,7 +124,7 @@ public:
     return power;
   }
 
-private:
+ private:
   struct entry {
     big_count exponent;
     std::shared_ptr<const polynomial> power;
@@ -153,8 +155,8 @@ big_count decremented(std::span<const std::uint64_t> count) {
 
 } // namespace
 
-// The low 31 bits of the first word are no part of the state and do not follow from the words behind it. So the power is
-// one less than the distance, and the windows start at the second word.
+// The low 31 bits of the first word are no part of the state and do not follow from the words behind it. So
+// the power is one less than the distance, and the windows start at the second word.
 void mt19937_jump(std::uint32_t* words, std::span<const std::uint64_t> distance) {
   if (is_zero(distance))
     return;

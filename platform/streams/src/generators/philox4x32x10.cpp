@@ -1,5 +1,5 @@
 // J. K. Salmon, M. A. Moraes, R. O. Dror, D. E. Shaw, "Parallel random numbers: as easy as 1, 2, 3", SC 2011.
-#include "engines/philox4x32x10.hpp"
+#include "generators/philox4x32x10.hpp"
 
 #include <array>
 
@@ -10,7 +10,9 @@ namespace {
 
 using record_type = vqs_philox4x32x10_record;
 
-record_type& as_record(void* record) { return *static_cast<record_type*>(record); }
+record_type& as_record(void* record) {
+  return *static_cast<record_type*>(record);
+}
 
 std::array<std::uint32_t, 4> block(const record_type& r, philox_counter counter) {
   std::uint32_t x0 = static_cast<std::uint32_t>(counter.low);
@@ -49,7 +51,9 @@ void seed(void* record, std::uint64_t value) noexcept {
   seed_words(record, words);
 }
 
-bool in_range(const void* record) noexcept { return static_cast<const record_type*>(record)->remaining <= 4; }
+bool in_range(const void* record) noexcept {
+  return static_cast<const record_type*>(record)->remaining <= 4;
+}
 
 void set_counter(record_type& r, philox_counter counter) {
   r.c0 = static_cast<std::uint32_t>(counter.low);

@@ -1,5 +1,5 @@
-// First include of every source that is compiled once per instruction set. HVL_STREAMS_ISA names the namespace:
-// scalar has no vectors, avx2 and avx512 use Highway's static target for the unit's flags.
+// First include of every source that is compiled once per instruction set. HVL_STREAMS_ISA names the
+// namespace: scalar has no vectors, avx2 and avx512 use Highway's static target for the unit's flags.
 #pragma once
 
 #ifndef HVL_STREAMS_ISA

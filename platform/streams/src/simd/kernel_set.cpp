@@ -5,8 +5,8 @@ namespace hvl::streams::HVL_STREAMS_ISA {
 const block_kernel* block_kernel_of([[maybe_unused]] engine_index e) noexcept {
 #ifndef HVL_STREAMS_ISA_IS_SCALAR
   switch (e) {
-#define HVL_STREAMS_ENGINE(name, id)                                                                                   \
-  case engine_index::name:                                                                                             \
+#define HVL_STREAMS_ENGINE(name, id)                                                                         \
+  case engine_index::name:                                                                                   \
     return &name##_blocks;
 #include "engines.def"
 #undef HVL_STREAMS_ENGINE

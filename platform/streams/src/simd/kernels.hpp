@@ -1,6 +1,7 @@
-// What the instruction-set units offer to the rest of the library. The sources of src/simd and src/distributions are
-// compiled once per instruction set, each time into the namespace HVL_STREAMS_ISA; nothing inline that is shared with
-// other units may be defined there, or the linker could pick its AVX-512 form for a machine without.
+// What the instruction-set units offer to the rest of the library. The sources of src/simd and
+// src/distributions are compiled once per instruction set, each time into the namespace HVL_STREAMS_ISA;
+// nothing inline that is shared with other units may be defined there, or the linker could pick its AVX-512
+// form for a machine without.
 #pragma once
 
 #include <cstddef>
@@ -10,10 +11,10 @@
 
 namespace hvl::streams {
 
-// An engine's words at full speed, in whole granules. `open` reads a record into a workspace and returns how many
-// leading words of the first granule lie before the record's position. Each `run` writes the next granules.
-// `close` brings a record from where `open` read it to `words_taken` words further; null means that the engine's
-// skip does it.
+// An engine's words at full speed, in whole granules. `open` reads a record into a workspace and returns how
+// many leading words of the first granule lie before the record's position. Each `run` writes the next
+// granules. `close` brings a record from where `open` read it to `words_taken` words further; null means that
+// the engine's skip does it.
 struct block_kernel {
   std::uint32_t granule_words;
   std::uint32_t block_words; // a multiple of granule_words that keeps words and values in L1
@@ -27,8 +28,8 @@ inline constexpr std::size_t max_block_words = 2048;
 inline constexpr std::size_t workspace_bytes = 4096;
 inline constexpr std::size_t vector_alignment = 64;
 
-// Turns words into `values` values. After the last word at least 64 readable bytes follow; nothing is written past the
-// last value.
+// Turns words into `values` values. After the last word at least 64 readable bytes follow; nothing is written
+// past the last value.
 using transform_function = void (*)(const void* parameters, const void* words, void* values,
                                     std::size_t values_count) noexcept;
 
@@ -57,7 +58,7 @@ struct kernel_set {
   const block_kernel* (*block)(engine_index e) noexcept;
   // Parameters are uniform_parameters<float or double>, by the type of computation.
   transform_function (*uniform)(word_kind kind, uniform_result result) noexcept;
-  // Copies past the caches and orders the stores before whatever follows.
+  // Copies past the caches; the stores need a fence before another thread may rely on them.
   void (*stream_copy)(void* out, const void* in, std::size_t bytes) noexcept;
   // sum[j] = the exclusive or of sequence[i + j] over the set bits i of the polynomial, for 624 words.
   void (*xor_windows)(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,

@@ -1,6 +1,6 @@
-// Lane i of the vectors in flight holds the output at position i; a step multiplies all of them by the power of the
-// multiplier that carries each to the next granule. So outputs leave in order.
-#include "engines/mcg.hpp"
+// Lane i of the vectors in flight holds the output at position i; a step multiplies all of them by the power
+// of the multiplier that carries each to the next granule. So outputs leave in order.
+#include "generators/mcg.hpp"
 
 #include "simd/isa.hpp"
 
@@ -14,10 +14,10 @@ const hn::ScalableTag<std::uint64_t> d64;
 using vec32 = hn::Vec<decltype(d32)>;
 using vec64 = hn::Vec<decltype(d64)>;
 
-// Products by one factor modulo 2^31 - 1. With the factor doubled, the high half of a lane's product is p >> 31 and
-// its low half 2 (p & (2^31 - 1)).
+// Products by one factor modulo 2^31 - 1. With the factor doubled, the high half of a lane's product is p >>
+// 31 and its low half 2 (p & (2^31 - 1)).
 class product31 {
-public:
+ public:
   using vec = vec32;
 
   HWY_INLINE explicit product31(std::uint32_t factor)
@@ -35,14 +35,14 @@ public:
 
   static HWY_INLINE vec32 output(vec32 x) { return x; }
 
-private:
+ private:
   vec32 doubled_;
   vec32 modulus_;
 };
 
 // Products by one factor modulo 2^64; the output keeps the low 59 bits.
 class product59 {
-public:
+ public:
   using vec = vec64;
 
   HWY_INLINE explicit product59(std::uint64_t factor) : factor_(hn::Set(d64, factor)) {
@@ -55,15 +55,19 @@ public:
 #if HWY_TARGET <= HWY_AVX3
     return hn::Mul(x, factor_);
 #else
-    const auto low_halves = [](vec64 a, vec64 b) { return hn::MulEven(hn::BitCast(d32, a), hn::BitCast(d32, b)); };
+    const auto low_halves = [](vec64 a, vec64 b) {
+      return hn::MulEven(hn::BitCast(d32, a), hn::BitCast(d32, b));
+    };
     const vec64 cross = hn::Add(low_halves(hn::ShiftRight<32>(x), factor_), low_halves(x, factor_high_));
     return hn::Add(low_halves(x, factor_), hn::ShiftLeft<32>(cross));
 #endif
   }
 
-  static HWY_INLINE vec64 output(vec64 x) { return hn::And(x, hn::Set(d64, mcg59_arithmetic::mask)); }
+  static HWY_INLINE vec64 output(vec64 x) {
+    return hn::And(x, hn::Set(d64, mcg59_arithmetic::mask));
+  }
 
-private:
+ private:
   vec64 factor_;
 #if HWY_TARGET > HWY_AVX3
   vec64 factor_high_;
@@ -119,7 +123,7 @@ struct blocks {
       hn::StoreU(x[v], d, w.position + v * lanes);
   }
 
-  static constexpr block_kernel kernel = {granule, 1536 / granule * granule, granule, open, run, nullptr};
+  static constexpr block_kernel kernel = {granule, 1536 / granule* granule, granule, open, run, nullptr};
 };
 
 } // namespace

@@ -1,7 +1,8 @@
-// Every lane steps a stretch of the sequence of its own, the stretches lying side by side; a granule is transposed on its
-// way out. Residues are signed and held in doubles: |x| < 2^31 and the multipliers are below 2^21, so a step's products
-// and their sum stay below 2^53 and are exact, and subtracting the nearest multiple of the modulus is exact too.
-#include "engines/mrg32k3a.hpp"
+// Every lane steps a stretch of the sequence of its own, the stretches lying side by side; a granule is
+// transposed on its way out. Residues are signed and held in doubles: |x| < 2^31 and the multipliers are
+// below 2^21, so a step's products and their sum stay below 2^53 and are exact, and subtracting the nearest
+// multiple of the modulus is exact too.
+#include "generators/mrg32k3a.hpp"
 
 #include "simd/isa.hpp"
 #include "simd/transpose.hpp"
@@ -38,8 +39,8 @@ HWY_INLINE vec reduced(vec t, modulus m) {
   return hn::NegMulAdd(quotient, hn::Set(dd, m.m), t);
 }
 
-// A number congruent to a * b with magnitude near m / 2, for |a| <= 2^31 and |b| <= 2^32: the product as a double
-// and its error, the double then reduced exactly.
+// A number congruent to a * b with magnitude near m / 2, for |a| <= 2^31 and |b| <= 2^32: the product as a
+// double and its error, the double then reduced exactly.
 HWY_INLINE vec product_residue(vec a, vec b, modulus m) {
   const vec high = hn::Mul(a, b);
   const vec low = hn::MulSub(a, b, high);
@@ -60,7 +61,8 @@ struct jump_matrices {
 };
 
 double centred(std::uint32_t residue, std::uint32_t m) {
-  return residue > m / 2 ? static_cast<double>(residue) - static_cast<double>(m) : static_cast<double>(residue);
+  return residue > m / 2 ? static_cast<double>(residue) - static_cast<double>(m)
+                         : static_cast<double>(residue);
 }
 
 void set_matrix(row_matrices& to, std::size_t row, std::uint64_t steps) {
@@ -99,7 +101,8 @@ struct workspace {
 
 HWY_INLINE void multiply(component& c, const double (&matrix)[9][rows], modulus m) {
   for (std::size_t r = 0; r < rows; r += lanes) {
-    const vec v[3] = {hn::Load(dd, c.value[0] + r), hn::Load(dd, c.value[1] + r), hn::Load(dd, c.value[2] + r)};
+    const vec v[3] = {hn::Load(dd, c.value[0] + r), hn::Load(dd, c.value[1] + r),
+                      hn::Load(dd, c.value[2] + r)};
     for (std::size_t i = 0; i < 3; ++i) {
       vec sum = product_residue(hn::Load(dd, matrix[3 * i] + r), v[0], m);
       sum = hn::Add(sum, product_residue(hn::Load(dd, matrix[3 * i + 1] + r), v[1], m));

@@ -1,5 +1,5 @@
 // The recurrence in vectors over the block, in place, each new vector tempered while it is in a register.
-#include "engines/mt19937.hpp"
+#include "generators/mt19937.hpp"
 
 #include <cstring>
 
@@ -38,8 +38,8 @@ HWY_INLINE vec twisted(vec first, vec second, vec middle) {
   return hn::Xor3(middle, hn::ShiftRight<1>(y), hn::And(odd, hn::Set(d, mt19937_matrix)));
 }
 
-// The next block, written over x; tempered to out. The first vector is also stored behind the block, where the vector
-// that straddles word 227 and the last one read it: the words before a vector are new by then.
+// The next block, written over x; tempered to out. The first vector is also stored behind the block, where
+// the vector that straddles word 227 and the last one read it: the words before a vector are new by then.
 void next_block(std::uint32_t* HWY_RESTRICT x, std::uint32_t* HWY_RESTRICT out) {
   const auto step = [&](std::size_t i, std::size_t middle) __attribute__((always_inline)) {
     const vec y = twisted(hn::Load(d, x + i), hn::LoadU(d, x + i + 1), hn::LoadU(d, x + middle));

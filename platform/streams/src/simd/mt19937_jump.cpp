@@ -1,5 +1,5 @@
 // The summation of a jump of mt19937: windows of the sequence at the polynomial's set bits.
-#include "engines/mt19937.hpp"
+#include "generators/mt19937.hpp"
 
 #include "simd/isa.hpp"
 

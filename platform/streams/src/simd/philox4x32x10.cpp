@@ -1,6 +1,6 @@
-// Eight (four) blocks to a vector, one counter word of a block in each 64-bit lane: the 32 x 32 multiply reads only the
-// low half of a lane, so the products' other halves need no masking until a block is complete.
-#include "engines/philox4x32x10.hpp"
+// Eight (four) blocks to a vector, one counter word of a block in each 64-bit lane: the 32 x 32 multiply
+// reads only the low half of a lane, so the products' other halves need no masking until a block is complete.
+#include "generators/philox4x32x10.hpp"
 
 #include "simd/isa.hpp"
 
@@ -34,7 +34,8 @@ HWY_INLINE vec64 interleave_low_halves(vec64 even, vec64 odd) {
 
 // Writes granule_blocks blocks, in order, for counters low + lane_block and the given high halves.
 template <class HighOf>
-HWY_INLINE void granule(const workspace& w, vec64 lane_block, HighOf high_of, std::uint32_t* HWY_RESTRICT out) {
+HWY_INLINE void granule(const workspace& w, vec64 lane_block, HighOf high_of,
+                        std::uint32_t* HWY_RESTRICT out) {
   const vec64 m0 = hn::Set(d64, philox_multiplier0);
   const vec64 m1 = hn::Set(d64, philox_multiplier1);
   vec64 x0[in_flight], x1[in_flight], x2[in_flight], x3[in_flight];
@@ -73,8 +74,8 @@ HWY_INLINE void granule(const workspace& w, vec64 lane_block, HighOf high_of, st
   }
 }
 
-// InterleaveLower takes the even lanes of its operands and InterleaveUpper the odd ones; this numbering of a vector's
-// blocks makes both come out in order.
+// InterleaveLower takes the even lanes of its operands and InterleaveUpper the odd ones; this numbering of a
+// vector's blocks makes both come out in order.
 HWY_INLINE vec64 lane_blocks() {
   alignas(64) std::uint64_t number[lanes];
   for (std::size_t i = 0; i < lanes; ++i)
@@ -102,7 +103,8 @@ void run(void* workspace_memory, void* words, std::size_t granules) noexcept {
     const vec64 base = hn::Set(d64, w.counter.low);
     const vec64 high = hn::Set(d64, w.counter.high);
     if (w.counter.low <= ~std::uint64_t{0} - granule_blocks) [[likely]]
-      granule(w, lane_block, [&](vec64) { return high; }, out);
+      granule(
+          w, lane_block, [&](vec64) { return high; }, out);
     else
       granule(
           w, lane_block,
@@ -118,7 +120,12 @@ void run(void* workspace_memory, void* words, std::size_t granules) noexcept {
 } // namespace
 
 const block_kernel philox4x32x10_blocks = {
-    4 * granule_blocks, 4 * granule_blocks * (1536 / (4 * granule_blocks)), 4 * granule_blocks, open, run, nullptr,
+    4 * granule_blocks,
+    4 * granule_blocks*(1536 / (4 * granule_blocks)),
+    4 * granule_blocks,
+    open,
+    run,
+    nullptr,
 };
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -1,5 +1,3 @@
-#include <hwy/cache_control.h>
-
 #include <cstring>
 
 #include "simd/isa.hpp"
@@ -8,7 +6,9 @@ namespace hvl::streams::HVL_STREAMS_ISA {
 
 #ifdef HVL_STREAMS_ISA_IS_SCALAR
 
-void stream_copy(void* out, const void* in, std::size_t bytes) noexcept { std::memcpy(out, in, bytes); }
+void stream_copy(void* out, const void* in, std::size_t bytes) noexcept {
+  std::memcpy(out, in, bytes);
+}
 
 #else
 
@@ -18,7 +18,8 @@ void stream_copy(void* out, const void* in, std::size_t bytes) noexcept {
   constexpr std::size_t step = hn::MaxLanes(hn::ScalableTag<std::uint8_t>());
   auto* to = static_cast<std::uint8_t*>(out);
   const auto* from = static_cast<const std::uint8_t*>(in);
-  std::size_t head = (vector_alignment - reinterpret_cast<std::uintptr_t>(to) % vector_alignment) % vector_alignment;
+  std::size_t head =
+      (vector_alignment - reinterpret_cast<std::uintptr_t>(to) % vector_alignment) % vector_alignment;
   if (head > bytes)
     head = bytes;
   std::memcpy(to, from, head);
@@ -26,7 +27,6 @@ void stream_copy(void* out, const void* in, std::size_t bytes) noexcept {
   for (; i + step <= bytes; i += step)
     hn::Stream(hn::LoadU(d, from + i), d, to + i);
   std::memcpy(to + i, from + i, bytes - i);
-  hwy::FlushStream();
 }
 
 #endif

@@ -21,7 +21,8 @@ template <word_kind Kind, class T, class Integer>
 void integer_values(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
   const auto& p = *static_cast<const uniform_parameters<T>*>(parameters);
   const word_loader<Kind, T> load(words, p.affine);
-  for_each_vector<T>(static_cast<Integer*>(values), count, [&](std::size_t i) { return floor_vector<Integer>(load(i)); });
+  for_each_vector<T>(static_cast<Integer*>(values), count,
+                     [&](std::size_t i) { return floor_vector<Integer>(load(i)); });
 }
 
 void high_words(const void*, const void* words, void* values, std::size_t count) noexcept {

@@ -1,5 +1,5 @@
-// Words of every kind as vectors of scaled uniforms, and loops over blocks of values: what a distribution's transform is
-// written with. In the scalar instance a vector is one number.
+// Words of every kind as vectors of scaled uniforms, and loops over blocks of values: what a distribution's
+// transform is written with. In the scalar instance a vector is one number.
 #pragma once
 
 #include <cstring>
@@ -30,12 +30,12 @@ inline constexpr std::size_t vector_values = 1;
 // Uniforms from words: operator()(i) is the vector that starts at word i.
 template <word_kind Kind, class T>
 class word_loader {
-public:
+ public:
   word_loader(const void* words, coefficients<T> affine)
       : words_(static_cast<const typename word_of<Kind>::type*>(words)), affine_(affine) {}
   T operator()(std::size_t i) const { return uniform_value<T>(words_[i], affine_); }
 
-private:
+ private:
   const typename word_of<Kind>::type* words_;
   coefficients<T> affine_;
 };
@@ -96,8 +96,8 @@ HWY_INLINE vector<double> to_double(vector<std::uint64_t> w) {
   const vector_tag<double> dd;
   // 2^84 + high * 2^32 and 2^52 + low, written as bits; only the last sum rounds
   const auto high = hn::BitCast(dd, hn::Or(hn::ShiftRight<32>(w), hn::Set(d, 0x4530000000000000u)));
-  const auto low = hn::BitCast(
-      dd, hn::Or(hn::And(w, hn::Set(d, 0xFFFFFFFFu)), hn::Set(d, 0x4330000000000000u)));
+  const auto low =
+      hn::BitCast(dd, hn::Or(hn::And(w, hn::Set(d, 0xFFFFFFFFu)), hn::Set(d, 0x4330000000000000u)));
   return hn::Add(hn::Sub(high, hn::Set(dd, 19342813118337666422669312.0)), low);
 #endif
 }
@@ -113,8 +113,8 @@ HWY_INLINE vector<float> to_float_unsigned64(const std::uint64_t* words) {
   return hn::Combine(df, hn::Vec256<float>{high}, hn::Vec256<float>{low});
 #else
   const hn::Half<vector_tag<float>> dh;
-  // A word of more than 53 bits keeps the upper 53 of 59, the lowest of which also says whether one below it was set: that
-  // is exact in double, and the step to float rounds it as it would the whole word.
+  // A word of more than 53 bits keeps the upper 53 of 59, the lowest of which also says whether one below it
+  // was set: that is exact in double, and the step to float rounds it as it would the whole word.
   const auto low_bits = hn::Set(d, std::uint64_t{0x3F});
   const auto narrowed = [&](vector<std::uint64_t> w) {
     const auto carried = hn::Add(hn::And(w, low_bits), low_bits); // bit 6 set unless the low bits were all 0
@@ -135,21 +135,23 @@ HWY_INLINE vector<double> to_double_unsigned32(const std::uint32_t* words) {
   const vector_tag<std::uint64_t> d;
   const vector_tag<double> dd;
   const auto w = hn::PromoteTo(d, hn::LoadU(hn::Half<vector_tag<std::uint32_t>>(), words));
-  return hn::Sub(hn::BitCast(dd, hn::Or(w, hn::Set(d, 0x4330000000000000u))), hn::Set(dd, 4503599627370496.0));
+  return hn::Sub(hn::BitCast(dd, hn::Or(w, hn::Set(d, 0x4330000000000000u))),
+                 hn::Set(dd, 4503599627370496.0));
 }
 
 // Uniforms from words: operator()(i) is the vector that starts at word i.
 template <word_kind Kind, class T>
 class word_loader {
-public:
+ public:
   HWY_INLINE word_loader(const void* words, coefficients<T> affine)
-      : words_(words), scale_(hn::Set(vector_tag<T>(), affine.scale)), shift_(hn::Set(vector_tag<T>(), affine.shift)) {}
+      : words_(words), scale_(hn::Set(vector_tag<T>(), affine.scale)),
+        shift_(hn::Set(vector_tag<T>(), affine.shift)) {}
 
   HWY_INLINE vector<T> operator()(std::size_t i) const {
     return hn::Add(hn::Mul(converted(i), scale_), shift_);
   }
 
-private:
+ private:
   HWY_INLINE vector<T> converted(std::size_t i) const {
     constexpr bool single = sizeof(T) == 4;
     if constexpr (Kind == word_kind::signed32) {
@@ -201,7 +203,8 @@ HWY_INLINE auto floor_vector(V v) {
   if constexpr (std::is_signed_v<Integer>) {
     return narrow(floored);
   } else {
-    // the upper half of the range is brought below 2^31, which is exact there, and its bit put back afterwards
+    // the upper half of the range is brought below 2^31, which is exact there, and its bit put back
+    // afterwards
     const auto half = hn::Set(d, static_cast<T>(2147483648.0));
     if constexpr (sizeof(T) == 8) {
       return hn::Xor(hn::BitCast(dr, narrow(hn::Sub(floored, half))), hn::Set(dr, 0x80000000u));
