@@ -144,11 +144,9 @@ int run(std::int64_t total) {
   for (const auto& one : owned)
     lanes.push_back(one.get());
 
-  const bool same_uniform =
+  const bool same =
       show("Uniform on [0, 1)", rng::uniform<float>(0.0f, 1.0f), 0.5, 1.0 / 12.0, 0.0, 1.0, total, lanes);
-  const bool same_gaussian = show("Normal, mean 0, deviation 1", rng::gaussian<float>(0.0f, 1.0f), 0.0, 1.0,
-                                  -4.0, 4.0, total, lanes);
-  return same_uniform && same_gaussian ? EXIT_SUCCESS : EXIT_FAILURE;
+  return same ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 } // namespace

@@ -156,7 +156,7 @@ class Lists(unittest.TestCase):
         engines = re.findall(r"^  (\w+)", text.split("\n\n")[0], re.MULTILINE)
         distributions = re.findall(r"^  (\w+)", text.split("\n\n")[1], re.MULTILINE)
         self.assertGreaterEqual(len(engines), 5)
-        self.assertIn("gaussian", distributions)
+        self.assertIn("uniform_bits", distributions)
         self.assertEqual(len(set(distributions)), len(distributions))
         for name in engines:
             self.assertIn(run("generate", "-n", "2", "-e", name).returncode, (0, UNSUPPORTED), name)
