@@ -1,59 +1,17 @@
 // Work cut into chunks for the threads of oneTBB.
+#include "run_adaptively.hpp"
+
 #include <sycl/handler.hpp>
 
-#include <hvl/core.h>
-
-#include <oneapi/tbb/blocked_range.h>
-#include <oneapi/tbb/parallel_for.h>
-
-#include <algorithm>
-#include <chrono>
 #include <cstring>
 
 namespace sycl::detail {
 
-namespace {
-
-chunk_function choose(const chunk_functions& functions) {
-  switch (hvl_serv_isa()) {
-  case HVL_ISA_AVX512:
-    return functions.avx512;
-  case HVL_ISA_AVX2:
-    return functions.avx2;
-  case HVL_ISA_SCALAR:
-    return functions.baseline;
-  default:
-    throw exception(make_error_code(errc::runtime), "HVL_ISA names no instruction set of this processor");
-  }
-}
-
-// Below this a launch stays on its thread: other threads take longer to wake.
-constexpr auto alone_for = std::chrono::microseconds(10);
-// Chunks begin at multiples of this many items, so that the vectors of neighbours do not share cache lines.
-constexpr std::ptrdiff_t granule = 64;
-
-} // namespace
-
 void run_chunks(const chunk_functions& functions, const void* launch, std::ptrdiff_t items) {
-  const chunk_function run = choose(functions);
-  // The cost of an item is unknown. Doubling blocks keep the first items on this thread until it is clear that
-  // the launch is long, whether it has many cheap items or a few dear ones.
-  const auto begin = std::chrono::steady_clock::now();
-  std::ptrdiff_t done = 0;
-  for (std::ptrdiff_t block = 1; done < items; block = done) {
-    const std::ptrdiff_t end = done + std::min(block, items - done);
-    run(launch, done, end);
-    done = end;
-    if (std::chrono::steady_clock::now() - begin > alone_for)
-      break;
-  }
-  if (done == items)
-    return;
-  const std::ptrdiff_t grain = done < granule ? 1 : granule;
-  using granules = oneapi::tbb::blocked_range<std::ptrdiff_t>;
-  oneapi::tbb::parallel_for(granules(done / grain, (items + grain - 1) / grain), [&](const granules& part) {
-    run(launch, std::max(done, part.begin() * grain), std::min(items, part.end() * grain));
-  });
+  // Chunks begin at multiples of this many items, so that the vectors of neighbours do not share cache lines.
+  constexpr std::ptrdiff_t granule = 64;
+  const chunk_function run = chosen(functions);
+  run_adaptively(items, granule, [=](std::ptrdiff_t begin, std::ptrdiff_t end) { run(launch, begin, end); });
 }
 
 namespace {

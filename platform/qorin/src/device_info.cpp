@@ -2,6 +2,8 @@
 #include "limits.hpp"
 #include "objects.hpp"
 
+#include <sycl/group.hpp>
+
 #include <hvl/core.h>
 
 #include <algorithm>

@@ -1,4 +1,7 @@
+#include "limits.hpp"
 #include "objects.hpp"
+
+#include <sycl/local_accessor.hpp>
 
 namespace sycl {
 
@@ -6,6 +9,15 @@ namespace detail {
 
 void request(handler& commands, buffer_state& memory, access_mode mode) {
   commands.group_->requests.emplace_back(memory.shared_from_this(), mode);
+}
+
+std::size_t reserve_local_memory(handler& commands, std::size_t bytes, std::size_t alignment) {
+  std::size_t& used = commands.group_->local_bytes;
+  const std::size_t offset = (used + alignment - 1) / alignment * alignment;
+  if (bytes > local_memory_bytes || offset > local_memory_bytes - bytes)
+    throw exception(make_error_code(errc::memory_allocation), "local accessors beyond local_mem_size");
+  used = offset + bytes;
+  return offset;
 }
 
 } // namespace detail
@@ -32,6 +44,10 @@ void handler::set_work(std::unique_ptr<detail::work> action) {
   if (group_->action)
     throw exception(make_error_code(errc::invalid), "a command group has one action");
   group_->action = std::move(action);
+}
+
+std::size_t handler::local_bytes() const {
+  return group_->local_bytes;
 }
 
 void handler::memcpy(void* to, const void* from, std::size_t bytes) {

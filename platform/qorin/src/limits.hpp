@@ -6,7 +6,6 @@
 namespace sycl::detail {
 
 inline constexpr std::size_t largest_work_group = 4096;
-inline constexpr std::size_t sub_group_size = 16;
 inline constexpr std::size_t local_memory_bytes = std::size_t{256} << 10;
 
 } // namespace sycl::detail

@@ -64,6 +64,7 @@ struct recording {
   std::unique_ptr<work> action;
   std::vector<std::shared_ptr<command>> dependencies;
   std::vector<std::pair<std::shared_ptr<buffer_state>, access_mode>> requests;
+  std::size_t local_bytes = 0;
 };
 
 /// Another runtime's queue that a queue was made from.

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <sycl/accessor.hpp>
-#include <sycl/detail/range_kernel.hpp>
+#include <sycl/detail/group_kernel.hpp>
 #include <sycl/detail/work.hpp>
 #include <sycl/event.hpp>
 #include <sycl/interop_handle.hpp>
+#include <sycl/local_accessor.hpp>
+#include <sycl/reduction.hpp>
 
 #include <tuple>
 
@@ -33,6 +35,11 @@ struct box_copy {
   range<3> from_memory;
 };
 QORIN_EXPORT void copy_box(const box_copy& what);
+
+template <class First, class... Rest>
+const First& first_of(const First& first, const Rest&...) {
+  return first;
+}
 
 template <int Dimensions>
 range<3> padded(const range<Dimensions>& r) {
@@ -74,16 +81,39 @@ class QORIN_EXPORT handler {
     set_work(detail::make_work([kernel] { kernel(); }));
   }
 
-  template <class KernelName = detail::unnamed_kernel, int Dimensions, class Kernel>
-  void parallel_for(range<Dimensions> extent, const Kernel& kernel) {
-    static_assert(std::is_invocable_v<const Kernel&, item<Dimensions, false>>,
-                  "a range kernel takes an item, an id or, in one dimension, an integer");
-    set_work(detail::make_work([extent, kernel] { detail::run_range(extent, kernel); }));
+  /// `rest` are reductions, if any, and the kernel. The kernel takes an item, an id or, in one dimension, an
+  /// integer, and then the reducers.
+  template <class KernelName = detail::unnamed_kernel, int Dimensions, class... Rest>
+  void parallel_for(range<Dimensions> extent, const Rest&... rest) {
+    static_assert(sizeof...(Rest) > 0, "parallel_for needs a kernel");
+    if constexpr (sizeof...(Rest) == 1)
+      set_work(detail::make_work(
+          [extent, kernel = detail::first_of(rest...)] { detail::run_range(extent, kernel); }));
+    else
+      set_work(detail::make_work([extent, all = std::make_tuple(rest...)] {
+        std::apply([&](const auto&... each) { detail::run_range_reduction(extent, each...); }, all);
+      }));
   }
   /// For sizes written as plain integers.
-  template <class KernelName = detail::unnamed_kernel, class Kernel>
-  void parallel_for(range<1> extent, const Kernel& kernel) {
-    parallel_for<KernelName, 1, Kernel>(extent, kernel);
+  template <class KernelName = detail::unnamed_kernel, class... Rest>
+  void parallel_for(range<1> extent, const Rest&... rest) {
+    parallel_for<KernelName, 1, Rest...>(extent, rest...);
+  }
+  /// The kernel takes an nd_item and then the reducers. Throws errc::nd_range for groups that are too large or do
+  /// not fill the range.
+  template <class KernelName = detail::unnamed_kernel, int Dimensions, class... Rest>
+  void parallel_for(nd_range<Dimensions> extent, const Rest&... rest) {
+    static_assert(sizeof...(Rest) > 0, "parallel_for needs a kernel");
+    detail::check_groups(detail::padded(extent.get_global_range()), detail::padded(extent.get_local_range()));
+    if constexpr (sizeof...(Rest) == 1)
+      set_work(detail::make_work([extent, local_bytes = local_bytes(), kernel = detail::first_of(rest...)] {
+        detail::run_nd_range(extent, local_bytes, kernel);
+      }));
+    else
+      set_work(detail::make_work([extent, local_bytes = local_bytes(), all = std::make_tuple(rest...)] {
+        std::apply([&](const auto&... each) { detail::run_nd_range_reduction(extent, local_bytes, each...); },
+                   all);
+      }));
   }
 
   void memcpy(void* to, const void* from, std::size_t bytes);
@@ -156,6 +186,7 @@ class QORIN_EXPORT handler {
  private:
   friend class queue;
   friend void detail::request(handler&, detail::buffer_state&, access_mode);
+  friend std::size_t detail::reserve_local_memory(handler&, std::size_t, std::size_t);
 
   explicit handler(const queue& q);
   ~handler();
@@ -165,6 +196,7 @@ class QORIN_EXPORT handler {
   void set_work(std::unique_ptr<detail::work> action);
   void copy_box(const detail::box_copy& what, std::shared_ptr<const void> keep);
   interop_handle interop() const;
+  std::size_t local_bytes() const;
   template <class Accessor>
   static const void* from_data(const Accessor& a) {
     return a.data_;

@@ -77,13 +77,17 @@ class QORIN_EXPORT queue : public detail::handle<queue, detail::queue_state>,
     QORIN_SHORTCUT(template single_task<KernelName>(kernel));
   }
 
-  /// `extent` is a range or nd_range; `rest` are reductions, if any, and the kernel.
+  /// `rest` are one event or a vector of events to depend on, reductions, if any, and the kernel.
   template <class KernelName = detail::unnamed_kernel, int Dimensions, class... Rest>
   event parallel_for(range<Dimensions> extent, Rest&&... rest) {
     return launch<KernelName>(extent, std::forward<Rest>(rest)...);
   }
   template <class KernelName = detail::unnamed_kernel, class... Rest>
   event parallel_for(range<1> extent, Rest&&... rest) {
+    return launch<KernelName>(extent, std::forward<Rest>(rest)...);
+  }
+  template <class KernelName = detail::unnamed_kernel, int Dimensions, class... Rest>
+  event parallel_for(nd_range<Dimensions> extent, Rest&&... rest) {
     return launch<KernelName>(extent, std::forward<Rest>(rest)...);
   }
 

@@ -1,0 +1,57 @@
+// Loops over work of unknown cost, and the choice of instruction set.
+#pragma once
+
+#include <sycl/exception.hpp>
+
+#include <hvl/core.h>
+
+#include <oneapi/tbb/blocked_range.h>
+#include <oneapi/tbb/parallel_for.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+
+namespace sycl::detail {
+
+/// The member of `functions` for the instruction set in force.
+template <class Functions>
+auto chosen(const Functions& functions) {
+  switch (hvl_serv_isa()) {
+  case HVL_ISA_AVX512:
+    return functions.avx512;
+  case HVL_ISA_AVX2:
+    return functions.avx2;
+  case HVL_ISA_SCALAR:
+    return functions.baseline;
+  default:
+    throw exception(make_error_code(errc::runtime), "HVL_ISA names no instruction set of this processor");
+  }
+}
+
+/// Calls `run(begin, end)` for pieces of [0, count): item 0 first and alone, some more on this thread, and the rest on
+/// all threads, cut at multiples of `granule`, when the work turns out to be long.
+template <class Run>
+void run_adaptively(std::ptrdiff_t count, std::ptrdiff_t granule, const Run& run) {
+  // Below this a launch stays on its thread: other threads take longer to wake.
+  constexpr auto alone_for = std::chrono::microseconds(10);
+  // Doubling pieces make it clear soon that a loop is long, whether it has many cheap items or a few dear ones.
+  const auto start = std::chrono::steady_clock::now();
+  std::ptrdiff_t done = 0;
+  for (std::ptrdiff_t piece = 1; done < count; piece = done) {
+    const std::ptrdiff_t end = done + std::min(piece, count - done);
+    run(done, end);
+    done = end;
+    if (std::chrono::steady_clock::now() - start > alone_for)
+      break;
+  }
+  if (done == count)
+    return;
+  const std::ptrdiff_t grain = done < granule ? 1 : granule;
+  using grains = oneapi::tbb::blocked_range<std::ptrdiff_t>;
+  oneapi::tbb::parallel_for(grains(done / grain, (count + grain - 1) / grain), [&](const grains& part) {
+    run(std::max(done, part.begin() * grain), std::min(count, part.end() * grain));
+  });
+}
+
+} // namespace sycl::detail
