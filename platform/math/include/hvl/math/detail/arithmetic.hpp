@@ -1,0 +1,132 @@
+// Pieces that several functions share.
+#pragma once
+
+#include <utility>
+
+#include "../ops.hpp"
+
+namespace hvl::math::detail {
+
+// The layout of a floating-point type, and numbers of it that depend on the layout only.
+template <class T>
+struct layout;
+
+template <>
+struct layout<float> {
+  static constexpr int mantissa_bits = 23;
+  static constexpr std::uint32_t bias = 127;
+  static constexpr std::uint32_t mantissa_mask = 0x007fffff;
+  static constexpr std::uint32_t sign_mask = 0x80000000;
+  static constexpr std::uint32_t one = 0x3f800000;
+};
+
+template <>
+struct layout<double> {
+  static constexpr int mantissa_bits = 52;
+  static constexpr std::uint64_t bias = 1023;
+  static constexpr std::uint64_t mantissa_mask = 0x000fffffffffffff;
+  static constexpr std::uint64_t sign_mask = 0x8000000000000000;
+  static constexpr std::uint64_t one = 0x3ff0000000000000;
+};
+
+template <class O, std::size_t N, std::size_t... I>
+HVL_MATH_INLINE typename O::value horner(typename O::value x, const typename O::scalar (&c)[N],
+                                         std::index_sequence<I...>) {
+  typename O::value sum = O::set(c[N - 1]);
+  ((sum = O::fma(sum, x, O::set(c[N - 2 - I]))), ...);
+  return sum;
+}
+
+// c[0] + c[1] x + c[2] x^2 + ...
+template <class O, std::size_t N>
+HVL_MATH_INLINE typename O::value polynomial(typename O::value x, const typename O::scalar (&c)[N]) {
+  return horner<O>(x, c, std::make_index_sequence<N - 1>());
+}
+
+template <class O>
+HVL_MATH_INLINE typename O::value negated(typename O::value a) {
+  return O::from_bits(O::bits(a) ^ O::set_word(layout<typename O::scalar>::sign_mask));
+}
+
+template <class O>
+HVL_MATH_INLINE typename O::value magnitude(typename O::value a) {
+  return O::from_bits(O::bits(a) & O::set_word(layout<typename O::scalar>::sign_mask - 1));
+}
+
+// The greater of the two; a when they are equal or one is NaN.
+template <class O>
+HVL_MATH_INLINE typename O::value greater(typename O::value a, typename O::value b) {
+  return O::select(O::lt(a, b), b, a);
+}
+
+template <class O>
+HVL_MATH_INLINE typename O::value lesser(typename O::value a, typename O::value b) {
+  return O::select(O::lt(b, a), b, a);
+}
+
+// A value and a word that belongs to it.
+template <class O>
+struct rounded {
+  typename O::value value;
+  typename O::word word;
+};
+
+// The integer nearest to x * scale, which is below 2^(mantissa_bits - 2) in magnitude. The bits above the integer in
+// `word` are those of 1.5 * 2^mantissa_bits, rounding_word.
+template <class T>
+inline constexpr T rounding_value = T(3) * static_cast<T>(std::uint64_t{1} << (layout<T>::mantissa_bits - 1));
+
+template <class O>
+HVL_MATH_INLINE rounded<O> round_product(typename O::value x, typename O::scalar scale) {
+  const auto shift = O::set(rounding_value<typename O::scalar>);
+  const auto sum = O::fma(x, O::set(scale), shift);
+  return {sum - shift, O::bits(sum)};
+}
+
+template <class T>
+inline constexpr auto rounding_word = (layout<T>::bias + static_cast<unsigned>(layout<T>::mantissa_bits))
+                                          << layout<T>::mantissa_bits
+                                      | (layout<T>::mantissa_mask + 1) >> 1;
+
+// x = 2^exponent * mantissa for a positive normal x, mantissa in [sqrt(1/2), sqrt(2)).
+template <class O>
+struct split {
+  typename O::value exponent;
+  typename O::value mantissa;
+};
+
+template <class T>
+inline constexpr auto sqrt_half_bits = 0x3f3504f3u;
+template <>
+inline constexpr auto sqrt_half_bits<double> = std::uint64_t{0x3fe6a09e667f3bcd};
+
+template <class O>
+HVL_MATH_INLINE split<O> split_exponent(typename O::value x) {
+  using L = layout<typename O::scalar>;
+  constexpr auto sqrt_half = sqrt_half_bits<typename O::scalar>;
+  constexpr auto integer_unit = (L::bias + static_cast<unsigned>(L::mantissa_bits))
+                                << L::mantissa_bits; // 2^mantissa_bits
+  constexpr auto unbias = static_cast<typename O::scalar>((std::uint64_t{1} << L::mantissa_bits) + L::bias);
+  const auto moved = O::bits(x) + O::set_word(L::one - sqrt_half);
+  const auto biased = O::template shift_right<L::mantissa_bits>(moved);
+  return {O::from_bits(biased | O::set_word(integer_unit)) - O::set(unbias),
+          O::from_bits((moved & O::set_word(L::mantissa_mask)) + O::set_word(sqrt_half))};
+}
+
+// ln 2 in two pieces: any exponent times the first is exact.
+template <class T>
+struct ln2;
+
+template <>
+struct ln2<float> {
+  static constexpr float high = 0x1.62e4p-1f;
+  static constexpr float low = 0x1.7f7d1cp-20f;
+};
+
+template <>
+struct ln2<double> {
+  static constexpr double high = 0x1.62e42fefa38p-1;
+  static constexpr double low = 0x1.ef35793c7673p-45;
+};
+
+} // namespace hvl::math::detail

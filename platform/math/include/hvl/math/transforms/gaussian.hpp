@@ -1,0 +1,57 @@
+// The normal distribution.
+#pragma once
+
+#include "../log.hpp"
+#include "../sincos.hpp"
+
+namespace hvl::math {
+namespace detail {
+
+template <class T>
+inline constexpr T two_pi = T(6.2831855f);
+template <>
+inline constexpr double two_pi<double> = 6.283185307179586;
+
+template <class O>
+HVL_MATH_INLINE typename O::value box_muller_radius(typename O::value u1) {
+  using T = typename O::scalar;
+  return O::sqrt(O::set(T(-2)) * log_guarded<O>(u1));
+}
+
+// Normal values of mean 0 and deviation 1, at a right angle to each other.
+template <class O>
+struct normal_pair {
+  typename O::value sine;
+  typename O::value cosine;
+};
+
+template <class O>
+HVL_MATH_INLINE normal_pair<O> box_muller_pair(typename O::value u1, typename O::value u2) {
+  const auto radius = box_muller_radius<O>(u1);
+  typename O::value sine, cosine;
+  sincos<O>(O::set(two_pi<typename O::scalar>) * u2, sine, cosine);
+  return {radius * sine, radius * cosine};
+}
+
+} // namespace detail
+
+// One value of two uniforms on [0, 1] (G. E. P. Box and M. E. Muller, A note on the generation of random normal
+// deviates, 1958).
+template <class O>
+HVL_MATH_INLINE typename O::value gaussian_box_muller(typename O::value u1, typename O::value u2,
+                                                      typename O::scalar mean, typename O::scalar stddev) {
+  const auto sine = sin<O>(O::set(detail::two_pi<typename O::scalar>) * u2);
+  return O::fma(O::set(stddev), detail::box_muller_radius<O>(u1) * sine, O::set(mean));
+}
+
+// Two values of two uniforms; the first is that of gaussian_box_muller.
+template <class O>
+HVL_MATH_INLINE void gaussian_box_muller2(typename O::value u1, typename O::value u2, typename O::scalar mean,
+                                          typename O::scalar stddev, typename O::value& first,
+                                          typename O::value& second) {
+  const auto pair = detail::box_muller_pair<O>(u1, u2);
+  first = O::fma(O::set(stddev), pair.sine, O::set(mean));
+  second = O::fma(O::set(stddev), pair.cosine, O::set(mean));
+}
+
+} // namespace hvl::math

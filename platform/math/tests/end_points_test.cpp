@@ -1,0 +1,115 @@
+// The ends of the uniforms, and the parameters' extremes: every result is the formula's, never NaN, and infinite only
+// where the exact value is too great.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "hvl/math/transforms.hpp"
+
+namespace hvl::math {
+namespace {
+
+template <class T>
+class end_points : public ::testing::Test {};
+using result_types = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(end_points, result_types);
+
+template <class T>
+constexpr T greatest = std::numeric_limits<T>::max();
+
+TYPED_TEST(end_points, logarithm) {
+  using T = TypeParam;
+  using O = scalar_ops<T>;
+  EXPECT_EQ(log_guarded<O>(T(0)), log_of_zero<T>);
+  EXPECT_EQ(log_guarded<O>(-T(0)), log_of_zero<T>);
+  EXPECT_EQ(log_guarded<O>(T(1)), T(0));
+  EXPECT_TRUE(std::isnan(log_guarded<O>(std::numeric_limits<T>::quiet_NaN())));
+}
+
+TYPED_TEST(end_points, exponential_function) {
+  using T = TypeParam;
+  using O = scalar_ops<T>;
+  constexpr T infinity = std::numeric_limits<T>::infinity();
+  EXPECT_EQ(exp<O>(T(0)), T(1));
+  EXPECT_EQ(exp<O>(infinity), infinity);
+  EXPECT_EQ(exp<O>(greatest<T>), infinity);
+  EXPECT_EQ(exp<O>(-infinity), T(0));
+  EXPECT_TRUE(std::isnan(exp<O>(std::numeric_limits<T>::quiet_NaN())));
+  const T log_of_greatest = sizeof(T) == 4 ? T(88.72283f) : T(709.782712893384);
+  EXPECT_LT(exp<O>(log_of_greatest), infinity);
+  EXPECT_EQ(exp<O>(std::nextafter(log_of_greatest, infinity)), infinity);
+  // exp overflows, the product does not
+  const T x = log_of_greatest + 5;
+  const T scale = std::ldexp(T(1), -40);
+  EXPECT_NEAR(std::log(exp_affine<O>(x, scale, T(0))) + 40 * std::log(T(2)), x, x * T(1e-6));
+}
+
+TYPED_TEST(end_points, gaussian) {
+  using T = TypeParam;
+  using O = scalar_ops<T>;
+  const T radius = std::sqrt(-2 * log_of_zero<T>);
+  T first = -99, second = -99;
+  gaussian_box_muller2<O>(T(0), T(0), T(3), T(2), first, second);
+  EXPECT_EQ(first, T(3));
+  EXPECT_EQ(second, std::fma(T(2), radius, T(3)));
+  gaussian_box_muller2<O>(T(1), T(0.3), T(3), T(2), first, second);
+  EXPECT_EQ(first, T(3));
+  EXPECT_EQ(second, T(3));
+  gaussian_box_muller2<O>(T(0.25), T(0.7), T(3), T(2), first, second);
+  EXPECT_EQ(first, gaussian_box_muller<O>(T(0.25), T(0.7), T(3), T(2)));
+  // the greatest deviation whose result is still a number
+  gaussian_box_muller2<O>(T(0), T(1) / 16, T(0), greatest<T> / 64, first, second);
+  EXPECT_TRUE(std::isfinite(first));
+  EXPECT_TRUE(std::isfinite(second));
+}
+
+TYPED_TEST(end_points, inverse_cdf_members) {
+  using T = TypeParam;
+  using O = scalar_ops<T>;
+  EXPECT_EQ(exponential_icdf<O>(T(0), T(1), T(2)), std::fma(T(-2), log_of_zero<T>, T(1)));
+  EXPECT_EQ(exponential_icdf<O>(T(1), T(1), T(2)), T(1));
+  const T half = T(0.5);
+  const T above = laplace_icdf<O>(T(0.25), half, T(1), T(2));
+  EXPECT_EQ(above, std::fma(T(-2), log<O>(T(0.25)), T(1)));
+  EXPECT_EQ(laplace_icdf<O>(T(0.25), std::nextafter(half, T(1)), T(1), T(2)),
+            std::fma(T(2), log<O>(T(0.25)), T(1)));
+  EXPECT_EQ(rayleigh_icdf<O>(T(0), T(1), T(2)), std::fma(T(2), std::sqrt(-log_of_zero<T>), T(1)));
+  EXPECT_EQ(rayleigh_icdf<O>(T(1), T(1), T(2)), T(1));
+  EXPECT_NEAR(rayleigh_icdf<O>(std::exp(T(-1)), T(5), T(1)), T(6), 4 * std::numeric_limits<T>::epsilon());
+  EXPECT_EQ(gumbel_icdf<O>(T(0), T(0), T(1)), log<O>(-log_of_zero<T>));
+  EXPECT_EQ(gumbel_icdf<O>(T(1), T(0), T(1)), log_of_zero<T>);
+  EXPECT_EQ(raised_to<O>(T(0.5), T(1)), T(1));
+  EXPECT_EQ(raised_to<O>(T(1.5), T(1)), T(1.5));
+}
+
+TYPED_TEST(end_points, weibull_at_extreme_shapes) {
+  using T = TypeParam;
+  using O = scalar_ops<T>;
+  const T least = std::numeric_limits<T>::denorm_min();
+  for (const T alpha : {least, T(1), greatest<T>}) {
+    const double exponent = weibull_exponent(alpha);
+    ASSERT_TRUE(std::isfinite(exponent));
+    EXPECT_EQ(weibull_icdf<O>(T(1), exponent, T(7), T(2)), T(7));
+    for (const T u : {T(0), T(0.25), T(0.5), 1 - std::numeric_limits<T>::epsilon()})
+      EXPECT_FALSE(std::isnan(weibull_icdf<O>(u, exponent, T(7), T(2)))) << alpha << ' ' << u;
+  }
+  EXPECT_EQ(weibull_icdf<O>(T(0), weibull_exponent(T(1)), T(0), T(1)), -log_of_zero<T>);
+  // the power alone would overflow
+  const double exponent = sizeof(T) == 4 ? 20 : 110;
+  const T small = sizeof(T) == 4 ? T(1e-20) : T(1e-100);
+  EXPECT_TRUE(std::isfinite(weibull_icdf<O>(T(0), exponent, T(0), small)));
+  EXPECT_FALSE(std::isfinite(weibull_icdf<O>(T(0), exponent, T(0), T(1e20) * T(1e10))));
+}
+
+TEST(cauchy, stays_finite_and_ordered_at_both_ends) {
+  using O = scalar_ops<double>;
+  EXPECT_EQ(cauchy_icdf<O>(0.0, 3.0, 2.0), 3.0);
+  const double top = cauchy_icdf<O>(cauchy_high, 0.0, 1.0);
+  EXPECT_GT(top, 1.6e16);
+  EXPECT_LT(top, 1.7e16);
+  EXPECT_EQ(cauchy_icdf<O>(cauchy_low, 0.0, 1.0), -top);
+}
+
+} // namespace
+} // namespace hvl::math
