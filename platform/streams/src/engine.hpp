@@ -37,6 +37,7 @@ struct engine {
   word_scale scale;
   bool has_uniform_bits;
   std::uint32_t record_bytes;
+  std::uint32_t words_per_thread; // a smaller share of a call does not repay the skip to its start
   std::span<const record_field> fields;
 
   void (*seed)(void* record, std::uint64_t seed) noexcept;

@@ -14,9 +14,6 @@
 namespace hvl::streams {
 namespace {
 
-// Below this many values per thread, handing work over costs more than it saves.
-constexpr std::uint64_t values_per_thread = 1 << 16;
-
 // Every part starts at a multiple of this many words, so that no SIMD block straddles two parts.
 constexpr std::uint64_t part_alignment_words = 624 * 64;
 
@@ -126,7 +123,7 @@ void generate(const engine& e, const kernel_set& kernels, void* record, std::uin
   auto* const bytes = static_cast<std::byte*>(out);
 
   const auto threads = static_cast<std::uint64_t>(tbb::this_task_arena::max_concurrency());
-  const std::uint64_t parts_wanted = std::min(threads, n / values_per_thread);
+  const std::uint64_t parts_wanted = std::min(threads, words_of(n, t) / e.words_per_thread);
   const std::uint64_t unit = part_alignment_words / t.words_per_group * t.values_per_group;
   const std::uint64_t values_per_part = parts_wanted < 2 ? n : (n / parts_wanted + unit) / unit * unit;
   const auto parts = static_cast<std::size_t>((n + values_per_part - 1) / values_per_part);

@@ -133,6 +133,7 @@ const engine mrg32k3a_engine = {
     word_scale::mrg32k3a,
     false,
     sizeof(record_type),
+    1 << 16,
     fields,
     seed,
     seed_words,

@@ -16,7 +16,7 @@ constexpr std::size_t n = mt19937_words;
 constexpr std::size_t m = mt19937_middle;
 
 // Up to here regenerating block after block is faster than a jump whose polynomial is new.
-constexpr std::uint64_t blocks_worth_a_jump = 8192;
+constexpr std::uint64_t blocks_worth_a_jump = 2048;
 
 record_type& as_record(void* record) {
   return *static_cast<record_type*>(record);
@@ -181,6 +181,7 @@ const engine mt19937_engine = {
     word_scale::signed32,
     true,
     sizeof(record_type),
+    1 << 22,
     fields,
     seed,
     seed_words,

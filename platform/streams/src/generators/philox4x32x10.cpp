@@ -122,6 +122,7 @@ const engine philox4x32x10_engine = {
     word_scale::signed32,
     true,
     sizeof(record_type),
+    1 << 16,
     fields,
     seed,
     seed_words,

@@ -14,7 +14,7 @@ const hn::ScalableTag<std::uint32_t> d32;
 using vec64 = hn::Vec<decltype(d64)>;
 
 constexpr std::size_t lanes = hn::MaxLanes(hn::ScalableTag<std::uint64_t>());
-constexpr std::size_t in_flight = lanes == 8 ? 6 : 3;
+constexpr std::size_t in_flight = 6;
 constexpr std::size_t granule_blocks = lanes * in_flight;
 
 struct workspace {

@@ -1,0 +1,75 @@
+// Every engine through the stream library: cached output on one thread, and output beyond the caches on all.
+#include <oneapi/tbb/global_control.h>
+
+#include <memory>
+#include <stdexcept>
+
+#include "hvl/core.h"
+#include "hvl/streams.h"
+#include "sizes.hpp"
+
+namespace bench {
+namespace {
+
+struct engine {
+  const char* name;
+  std::int32_t id;
+};
+constexpr engine engines[] = {{"philox4x32x10", VQS_ENGINE_PHILOX4X32X10},
+                              {"mrg32k3a", VQS_ENGINE_MRG32K3A},
+                              {"mcg31m1", VQS_ENGINE_MCG31M1},
+                              {"mcg59", VQS_ENGINE_MCG59},
+                              {"mt19937", VQS_ENGINE_MT19937}};
+
+void check(int status) {
+  if (status != VQS_STATUS_OK)
+    throw std::runtime_error(vqsStatusText(status));
+}
+
+int generate(vqs_stream stream, std::span<std::uint32_t> r) {
+  return viRngUniformBits_64(0, stream, static_cast<std::int64_t>(r.size()), r.data());
+}
+int generate(vqs_stream stream, std::span<float> r) {
+  return vsRngUniform_64(0, stream, static_cast<std::int64_t>(r.size()), r.data(), 0.0f, 1.0f);
+}
+int generate(vqs_stream stream, std::span<double> r) {
+  return vdRngUniform_64(0, stream, static_cast<std::int64_t>(r.size()), r.data(), 0.0, 1.0);
+}
+
+// A stream that lives as long as a benchmark's function.
+std::shared_ptr<void> new_stream(std::int32_t id) {
+  vqs_stream stream = nullptr;
+  check(vqsNewStream_64(&stream, id, 20211113));
+  return {stream, [](void* s) { vqsDeleteStream_64(&s); }};
+}
+
+template <class T>
+void register_kind(const std::string& name, std::int32_t id) {
+  for (const int isa : {HVL_ISA_SCALAR, HVL_ISA_AVX2, HVL_ISA_AVX512}) {
+    if (!hvl_serv_isa_supported(isa))
+      continue;
+    register_fill<T>("ours/" + name + "/" + hvl_serv_isa_name(isa), cached_bytes,
+                     [isa, stream = new_stream(id)](std::span<T> out) {
+                       hvl_serv_set_isa(isa);
+                       check(generate(stream.get(), out));
+                       hvl_serv_set_isa(-1);
+                     });
+  }
+  const auto best = [stream = new_stream(id)](std::span<T> out) { check(generate(stream.get(), out)); };
+  register_fill<T>("ours/" + name, cached_bytes, best);
+  register_fill<T>("ours/" + name + "/memory", memory_bytes, best);
+  register_fill<T>("ours/" + name + "/1000", 1000 * sizeof(T), best);
+}
+
+} // namespace
+
+void register_ours() {
+  for (const auto [name, id] : engines) {
+    const std::string prefix = std::string(name) + "/";
+    register_kind<std::uint32_t>(prefix + "bits", id);
+    register_kind<float>(prefix + "float", id);
+    register_kind<double>(prefix + "double", id);
+  }
+}
+
+} // namespace bench

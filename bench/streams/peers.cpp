@@ -1,0 +1,139 @@
+// What a user would otherwise take, compiled for this machine's processor.
+#include <Random123/philox.h>
+#include <dSFMT.h>
+#include <gsl/gsl_rng.h>
+
+#include <boost/random/mersenne_twister.hpp>
+#include <cmath>
+#include <random>
+
+#include "sizes.hpp"
+
+namespace bench {
+namespace {
+
+template <class Engine>
+struct from_engine {
+  Engine engine{20211113u};
+
+  void operator()(std::span<std::uint32_t> out) {
+    for (std::uint32_t& word : out)
+      word = static_cast<std::uint32_t>(engine());
+  }
+  void operator()(std::span<float> out) {
+    for (float& value : out)
+      value = static_cast<float>(static_cast<std::int32_t>(engine())) * 0x1p-32f + 0.5f;
+  }
+  void operator()(std::span<double> out) {
+    for (double& value : out)
+      value = static_cast<double>(static_cast<std::int32_t>(engine())) * 0x1p-32 + 0.5;
+  }
+};
+
+struct random123_philox {
+  std::uint64_t block = 0;
+
+  template <class T, class Convert>
+  void blocks(std::span<T> out, const Convert& convert) {
+    const r123::Philox4x32 philox;
+    const r123::Philox4x32::key_type key = {{20211113u, 0u}};
+    for (std::size_t i = 0; i + 4 <= out.size(); i += 4, ++block) {
+      const r123::Philox4x32::ctr_type words =
+          philox({{static_cast<std::uint32_t>(block), static_cast<std::uint32_t>(block >> 32), 0u, 0u}}, key);
+      for (std::size_t w = 0; w < 4; ++w)
+        out[i + w] = convert(words[w]);
+    }
+  }
+  void operator()(std::span<std::uint32_t> out) {
+    blocks(out, [](std::uint32_t word) { return word; });
+  }
+  void operator()(std::span<float> out) {
+    blocks(out, [](std::uint32_t word) {
+      return static_cast<float>(static_cast<std::int32_t>(word)) * 0x1p-32f + 0.5f;
+    });
+  }
+};
+
+// The implementation in floating point that the engine's author published.
+struct textbook_mrg32k3a {
+  double s10 = 12345, s11 = 12345, s12 = 12345, s20 = 12345, s21 = 12345, s22 = 12345;
+
+  double operator()() {
+    constexpr double m1 = 4294967087.0;
+    constexpr double m2 = 4294944443.0;
+    double p1 = 1403580.0 * s11 - 810728.0 * s10;
+    p1 -= std::trunc(p1 / m1) * m1;
+    if (p1 < 0.0)
+      p1 += m1;
+    s10 = s11;
+    s11 = s12;
+    s12 = p1;
+    double p2 = 527612.0 * s22 - 1370589.0 * s20;
+    p2 -= std::trunc(p2 / m2) * m2;
+    if (p2 < 0.0)
+      p2 += m2;
+    s20 = s21;
+    s21 = s22;
+    s22 = p2;
+    return p1 <= p2 ? p1 - p2 + m1 : p1 - p2;
+  }
+  void operator()(std::span<std::uint32_t> out) {
+    for (std::uint32_t& word : out)
+      word = static_cast<std::uint32_t>((*this)());
+  }
+  void operator()(std::span<float> out) {
+    for (float& value : out)
+      value = static_cast<float>((*this)() * 2.328306549295728e-10);
+  }
+  void operator()(std::span<double> out) {
+    for (double& value : out)
+      value = (*this)() * 2.328306549295728e-10;
+  }
+};
+
+struct gsl_mt19937 {
+  std::shared_ptr<gsl_rng> rng{gsl_rng_alloc(gsl_rng_mt19937), gsl_rng_free};
+
+  void operator()(std::span<double> out) {
+    for (double& value : out)
+      value = gsl_rng_uniform(rng.get());
+  }
+};
+
+struct dsfmt_fill {
+  std::shared_ptr<dsfmt_t> state;
+
+  dsfmt_fill() : state(std::make_shared<dsfmt_t>()) { dsfmt_init_gen_rand(state.get(), 20211113); }
+  void operator()(std::span<double> out) {
+    dsfmt_fill_array_close_open(state.get(), out.data(), static_cast<int>(out.size()));
+  }
+};
+
+template <class T, class Peer>
+void register_peer(const std::string& name, Peer peer) {
+  register_fill<T>("peer/" + name, cached_bytes, peer);
+}
+
+template <class Peer>
+void register_words_and_reals(const std::string& name, Peer peer) {
+  register_peer<std::uint32_t>(name + "/bits", peer);
+  register_peer<float>(name + "/float", peer);
+  register_peer<double>(name + "/double", peer);
+}
+
+} // namespace
+
+void register_peers() {
+  register_words_and_reals("std_mt19937", from_engine<std::mt19937>());
+  register_words_and_reals("boost_mt19937", from_engine<boost::random::mt19937>());
+  register_words_and_reals(
+      "std_mcg31m1",
+      from_engine<std::linear_congruential_engine<std::uint32_t, 1132489760, 0, 2147483647>>());
+  register_words_and_reals("textbook_mrg32k3a", textbook_mrg32k3a());
+  register_peer<std::uint32_t>("random123_philox/bits", random123_philox());
+  register_peer<float>("random123_philox/float", random123_philox());
+  register_peer<double>("gsl_mt19937/double", gsl_mt19937());
+  register_peer<double>("dsfmt/double", dsfmt_fill());
+}
+
+} // namespace bench
