@@ -1,7 +1,5 @@
 // Queues and events shared with OpenCL.
-#include "opencl_native.hpp"
-
-#include <atomic>
+#include "opencl_completion.hpp"
 
 namespace sycl::detail {
 
@@ -44,44 +42,6 @@ class opencl_event final : public native_event {
   bool is_user_event_ = false;
 };
 
-/// An external command on its way to completion.
-struct completion {
-  std::atomic<std::size_t> events_left;
-  std::shared_ptr<command> ends;
-
-  void one_less() {
-    if (events_left.fetch_sub(1, std::memory_order_acq_rel) == 1)
-      ends->finish();
-  }
-};
-
-void CL_CALLBACK on_end(cl_event, cl_int status, void* data) {
-  const std::unique_ptr<std::shared_ptr<completion>> pending(static_cast<std::shared_ptr<completion>*>(data));
-  if (status < 0)
-    (*pending)->ends->errors()->add(error(status, "a command that was to be waited for failed"));
-  (*pending)->one_less();
-}
-
-/// Ends `ends`, an external command, when the events have ended, which may leave it their errors.
-void end_after(const std::vector<cl_event>& events, std::shared_ptr<command> ends) {
-  const std::size_t count = events.size();
-  const auto pending = std::make_shared<completion>();
-  pending->events_left = count + 1;
-  pending->ends = std::move(ends);
-  pending->ends->release();
-  for (cl_event e : events) {
-    auto data = std::make_unique<std::shared_ptr<completion>>(pending);
-    const cl_int status = clSetEventCallback(e, CL_COMPLETE, on_end, data.get());
-    if (status == CL_SUCCESS) {
-      data.release();
-    } else {
-      pending->ends->errors()->add(error(status, "clSetEventCallback"));
-      pending->one_less();
-    }
-  }
-  pending->one_less();
-}
-
 std::shared_ptr<command> external_command(std::shared_ptr<error_sink> errors) {
   auto c = std::make_shared<command>(backend::opencl, std::move(errors));
   c->make_external();
@@ -90,16 +50,16 @@ std::shared_ptr<command> external_command(std::shared_ptr<error_sink> errors) {
 
 class opencl_queue final : public native_queue {
  public:
-  opencl_queue(cl_command_queue native, bool in_order)
-      : queue_(retained(native, clRetainCommandQueue, clReleaseCommandQueue)), in_order_(in_order) {}
+  opencl_queue(cl_command_queue native, cl_context ctx, bool in_order)
+      : queue_(retained(native, clRetainCommandQueue, clReleaseCommandQueue)), context_(ctx),
+        in_order_(in_order) {}
 
   cl_command_queue get() const { return static_cast<cl_command_queue>(queue_.get()); }
 
   /// An in-order queue gets a marker, which ends when what was enqueued before has ended and for which the command
   /// waits, and a barrier, at which what is enqueued later waits for the command.
   void enter(command& c, const std::shared_ptr<error_sink>& errors) override {
-    const auto here =
-        std::make_shared<opencl_event>(query<cl_context>(clGetCommandQueueInfo, get(), CL_QUEUE_CONTEXT));
+    const auto here = std::make_shared<opencl_event>(context_);
     if (in_order_) {
       try {
         enter_in_order(c, here->front(), errors);
@@ -127,6 +87,7 @@ class opencl_queue final : public native_queue {
   }
 
   const std::shared_ptr<void> queue_;
+  const cl_context context_; // which the native queue keeps
   const bool in_order_;
 };
 
@@ -153,8 +114,8 @@ std::vector<cl_event> opencl_interop::get(const event& e) {
 
 queue opencl_interop::make_queue(cl_command_queue native, const context& ctx, const async_handler& handler) {
   using namespace opencl;
-  if (query<cl_context>(clGetCommandQueueInfo, native, CL_QUEUE_CONTEXT) !=
-      handle_access::state(ctx)->native.get())
+  const auto native_context = query<cl_context>(clGetCommandQueueInfo, native, CL_QUEUE_CONTEXT);
+  if (native_context != handle_access::state(ctx)->native.get())
     throw exception(ctx, make_error_code(errc::invalid),
                     "make_queue: the native queue is not one of the context");
   const auto features =
@@ -169,7 +130,7 @@ queue opencl_interop::make_queue(cl_command_queue native, const context& ctx, co
                                               : property_list();
   const device where = make_device(query<cl_device_id>(clGetCommandQueueInfo, native, CL_QUEUE_DEVICE));
   auto state = std::make_shared<queue_state>(where, ctx, handler, properties);
-  state->native = std::make_unique<opencl_queue>(native, in_order);
+  state->native = std::make_unique<opencl_queue>(native, native_context, in_order);
   return handle_access::make<queue>(std::move(state));
 }
 

@@ -9,7 +9,7 @@ class queue;
 template <backend Backend>
 class backend_traits;
 
-class interop_handle {
+class QORIN_EXPORT interop_handle {
  public:
   interop_handle() = delete;
   backend get_backend() const noexcept;
