@@ -64,6 +64,22 @@ TYPED_TEST(end_points, gaussian) {
   EXPECT_TRUE(std::isfinite(second));
 }
 
+TYPED_TEST(end_points, inverse_error_function) {
+  using T = TypeParam;
+  using O = scalar_ops<T>;
+  const T last = std::nextafter(T(1), T(0));
+  EXPECT_EQ(erfinv<O>(T(1)), erfinv<O>(last));
+  EXPECT_EQ(erfinv<O>(T(-1)), -erfinv<O>(last));
+  EXPECT_EQ(erfinv<O>(T(0)), T(0));
+  if constexpr (sizeof(T) == 4) {
+    EXPECT_EQ(erfinv<O>(T(1)), 3.832507f);
+  }
+  EXPECT_EQ(gaussian_icdf<O>(T(-1), T(1), icdf_scale(T(2))),
+            std::fma(-icdf_scale(T(2)), erfinv<O>(last), T(1)));
+  EXPECT_EQ(icdf_scale(T(2)), T(2) * T(1.4142135623730951));
+  EXPECT_EQ(gaussian_icdf<O>(T(0), T(1), icdf_scale(greatest<T>)), T(1));
+}
+
 TYPED_TEST(end_points, inverse_cdf_members) {
   using T = TypeParam;
   using O = scalar_ops<T>;

@@ -43,6 +43,16 @@ HVL_MATH_INLINE typename O::value polynomial(typename O::value x, const typename
   return horner<O>(x, c, std::make_index_sequence<N - 1>());
 }
 
+// The polynomial whose coefficients are c[First], c[First + 1], ..., each at `index` of its row.
+template <class O, std::size_t First, std::size_t Rows, std::size_t N, std::size_t... I>
+HVL_MATH_INLINE typename O::value looked_up_polynomial(typename O::value x,
+                                                       const typename O::scalar (&c)[Rows][N],
+                                                       typename O::word index, std::index_sequence<I...>) {
+  typename O::value sum = O::lookup(c[Rows - 1], index);
+  ((sum = O::fma(sum, x, O::lookup(c[Rows - 2 - I], index))), ...);
+  return sum;
+}
+
 template <class O>
 HVL_MATH_INLINE typename O::value negated(typename O::value a) {
   return O::from_bits(O::bits(a) ^ O::set_word(layout<typename O::scalar>::sign_mask));

@@ -1,6 +1,7 @@
 // The normal distribution.
 #pragma once
 
+#include "../erfinv.hpp"
 #include "../log.hpp"
 #include "../sincos.hpp"
 
@@ -52,6 +53,21 @@ HVL_MATH_INLINE void gaussian_box_muller2(typename O::value u1, typename O::valu
   const auto pair = detail::box_muller_pair<O>(u1, u2);
   first = O::fma(O::set(stddev), pair.sine, O::set(mean));
   second = O::fma(O::set(stddev), pair.cosine, O::set(mean));
+}
+
+// What the host forms once for gaussian_icdf: stddev sqrt(2), kept finite.
+template <class T>
+constexpr T icdf_scale(T stddev) {
+  constexpr T root = T(1.4142135623730951);
+  constexpr T greatest = sizeof(T) == 4 ? T(0x1.fffffep+127) : T(0x1.fffffffffffffp+1023);
+  return stddev < greatest / root ? stddev * root : greatest;
+}
+
+// mean + scale erfinv(v), scale = icdf_scale(stddev), v uniform on [-1, 1], both ends included.
+template <class O>
+HVL_MATH_INLINE typename O::value gaussian_icdf(typename O::value v, typename O::scalar mean,
+                                                typename O::scalar scale) {
+  return O::fma(O::set(scale), erfinv<O>(v), O::set(mean));
 }
 
 } // namespace hvl::math

@@ -16,4 +16,12 @@ HVL_MATH_INLINE void lognormal_box_muller2(typename O::value u1, typename O::val
   second = exp_affine<O>(second, scale, displacement);
 }
 
+// s_scale = icdf_scale(s); v as for gaussian_icdf.
+template <class O>
+HVL_MATH_INLINE typename O::value lognormal_icdf(typename O::value v, typename O::scalar m,
+                                                 typename O::scalar s_scale, typename O::scalar displacement,
+                                                 typename O::scalar scale) {
+  return exp_affine<O>(gaussian_icdf<O>(v, m, s_scale), scale, displacement);
+}
+
 } // namespace hvl::math
