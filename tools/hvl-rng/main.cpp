@@ -49,13 +49,20 @@ void add_parameters(CLI::App& verb, parameter_values& values) {
         ->group("Parameters (hvl-rng list tells whose, and the defaults)");
 }
 
-void add_generate(CLI::App& app, generate_options& options, std::string& count) {
-  CLI::App* verb = app.add_subcommand("generate", "Write random numbers to a file or a pipe");
-  const std::map<std::string, output_format> formats{
-      {"raw", output_format::raw}, {"text", output_format::text}, {"npy", output_format::npy}};
+output_format format_of(const std::string& name) {
+  return name == "raw" ? output_format::raw : name == "npy" ? output_format::npy : output_format::text;
+}
 
+// What the command line says in a form of its own.
+struct raw_options {
+  std::string count;
+  std::string format = "text";
+};
+
+void add_generate(CLI::App& app, generate_options& options, raw_options& given) {
+  CLI::App* verb = app.add_subcommand("generate", "Write random numbers to a file or a pipe");
   auto* count_option =
-      verb->add_option("-n,--count", count, "how many numbers; 500k, 20M, 3G are understood");
+      verb->add_option("-n,--count", given.count, "how many numbers; 500k, 20M, 3G are understood");
   auto* forever = verb->add_flag("--forever", options.forever, "go on until the reader closes");
   count_option->excludes(forever);
   verb->add_option("-e,--engine", options.engine, "the engine")->capture_default_str();
@@ -69,18 +76,18 @@ void add_generate(CLI::App& app, generate_options& options, std::string& count) 
   verb->add_option("-m,--method", options.method, "the distribution's method");
   verb->add_option("--device", options.device, "cpu, gpu, or a number of hvl-rng devices")
       ->capture_default_str();
-  verb->add_option("-f,--format", options.format, "raw, text (one a line) or npy")
-      ->transform(CLI::Transformer(formats))
-      ->check(CLI::IsMember(formats))
-      ->type_name("FORMAT")
-      ->default_str("text");
+  verb->add_option("-f,--format", given.format, "raw, text (one a line) or npy")
+      ->check(CLI::IsMember({"raw", "text", "npy"}))
+      ->type_name("")
+      ->capture_default_str();
   verb->add_option("-o,--output", options.output, "a file; standard output otherwise");
   add_parameters(*verb, options.parameters);
-  verb->callback([&options, &count] {
-    if (count.empty() && !options.forever)
+  verb->callback([&options, &given] {
+    if (given.count.empty() && !options.forever)
       throw failure(exit_status::usage, "--count or --forever is needed");
     if (!options.forever)
-      options.count = read_count(count);
+      options.count = read_count(given.count);
+    options.format = format_of(given.format);
     generate_numbers(options);
   });
 }
@@ -92,8 +99,9 @@ int run(int count, char** words) {
   app.footer(footer);
 
   generate_options options;
-  std::string how_many, trace;
-  add_generate(app, options, how_many);
+  raw_options given;
+  std::string trace;
+  add_generate(app, options, given);
   app.add_subcommand("devices", "List the devices")->callback(list_devices);
   app.add_subcommand("list", "List the engines and distributions")->callback(list_catalogue);
   CLI::App* summary =
