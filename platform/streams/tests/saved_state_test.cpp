@@ -1,9 +1,11 @@
 // Saved states: files written whole or not at all, and loaders that refuse everything that was not saved
 // here.
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -80,6 +82,25 @@ TEST_P(saved_states, a_failed_save_keeps_the_old_file) {
   EXPECT_NE(content(name), before);
   EXPECT_TRUE(fs::is_symlink(path("link"))) << "saving through a link replaced the link";
   EXPECT_EQ(fs::status(name).permissions(), fs::perms(0640));
+}
+
+TEST_P(saved_states, a_disk_that_fills_up_leaves_the_old_file) {
+  owned_stream stream(id());
+  const std::string name = path("state");
+  ASSERT_EQ(vqsSaveStreamF_64(stream, name.c_str()), VQS_STATUS_OK);
+  const auto before = content(name);
+  stream.bits(1);
+  rlimit limit{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+  const rlimit small{20, limit.rlim_max};
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  const int status = vqsSaveStreamF_64(stream, name.c_str());
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(status, VQS_STATUS_FILE_WRITE);
+  EXPECT_EQ(content(name), before);
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1) << "a temporary file was left behind";
 }
 
 TEST_P(saved_states, every_flipped_bit_is_refused) {

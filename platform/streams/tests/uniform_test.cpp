@@ -185,5 +185,28 @@ TEST_P(uniform_family, pairs_of_words_survive_an_odd_start) {
 
 HVL_STREAMS_FOR_EACH_ENGINE(uniform_family);
 
+// Words just beside the middle between two floats, where a rounding on the way to float would show.
+TEST(mcg59_to_float, rounds_once) {
+  for_every_mode([&] {
+    for (const std::uint64_t m : {0x800000u, 0x800001u, 0xFFFFFEu, 0xFFFFFFu}) {
+      for (int shift = 1; shift <= 35; ++shift) {
+        for (const std::int64_t beside : {-1, 0, 1}) {
+          const std::uint64_t middle = m << shift | std::uint64_t{1} << (shift - 1);
+          owned_stream stream(VQS_ENGINE_MCG59);
+          auto* record = static_cast<vqs_mcg59_record*>(static_cast<vqs_stream>(stream));
+          record->x = middle + static_cast<std::uint64_t>(beside);
+          float value = -1;
+          ASSERT_EQ(vsRngUniform_64(0, stream, 1, &value, 0.0f, 0x1p59f), VQS_STATUS_OK);
+          const std::uint64_t low = m << shift;
+          const std::uint64_t high = (m + 1) << shift;
+          const bool up = beside > 0 || (beside == 0 && m % 2 == 1);
+          ASSERT_EQ(value, static_cast<float>(up ? high : low))
+              << "m " << m << ", shift " << shift << ", " << beside;
+        }
+      }
+    }
+  });
+}
+
 } // namespace
 } // namespace hvl::streams::test

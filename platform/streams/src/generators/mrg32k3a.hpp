@@ -1,7 +1,6 @@
 // The arithmetic of mrg32k3a, for its scalar and its SIMD form.
 #pragma once
 
-#include <array>
 #include <cstdint>
 
 #include "hvl/mrg32k3a_tables.h"
@@ -13,14 +12,7 @@ inline constexpr std::uint32_t mrg32k3a_a13 = 810728; // subtracted
 inline constexpr std::uint32_t mrg32k3a_a21 = 527612;
 inline constexpr std::uint32_t mrg32k3a_a23 = 1370589; // subtracted
 
-// The three last values of a component, oldest first.
-using mrg32k3a_component = std::array<std::uint32_t, 3>;
-
-// Row by row.
-using mrg32k3a_matrix = std::array<std::uint32_t, 9>;
-
-// A component `count` steps further; `jump` is its jump table.
-mrg32k3a_component mrg32k3a_jump(const std::uint32_t (&jump)[147][9], std::uint32_t modulus,
-                                 mrg32k3a_component values, std::uint64_t count);
+// The matrices of `steps` steps (below 2^63) of both components, row by row, as residues of least magnitude.
+void mrg32k3a_centred_matrices(std::uint64_t steps, double (&x)[9], double (&y)[9]);
 
 } // namespace hvl::streams

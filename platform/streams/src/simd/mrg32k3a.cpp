@@ -54,27 +54,18 @@ struct row_matrices {
   alignas(vector_alignment) double y[9][rows];
 };
 
-// Row r: the matrix of r * columns + offset(r) steps.
 struct jump_matrices {
   row_matrices to_row;     // from the start of a granule to the start of row r
   row_matrices to_granule; // from the end of row r to its start in the next granule
 };
 
-double centred(std::uint32_t residue, std::uint32_t m) {
-  return residue > m / 2 ? static_cast<double>(residue) - static_cast<double>(m)
-                         : static_cast<double>(residue);
-}
-
 void set_matrix(row_matrices& to, std::size_t row, std::uint64_t steps) {
-  for (std::size_t column = 0; column < 3; ++column) {
-    mrg32k3a_component unit{};
-    unit[column] = 1;
-    const auto x = mrg32k3a_jump(mrg32k3a_jump_x, mrg32k3a_m1, unit, steps);
-    const auto y = mrg32k3a_jump(mrg32k3a_jump_y, mrg32k3a_m2, unit, steps);
-    for (std::size_t i = 0; i < 3; ++i) {
-      to.x[3 * i + column][row] = centred(x[i], mrg32k3a_m1);
-      to.y[3 * i + column][row] = centred(y[i], mrg32k3a_m2);
-    }
+  double x[9];
+  double y[9];
+  mrg32k3a_centred_matrices(steps, x, y);
+  for (std::size_t entry = 0; entry < 9; ++entry) {
+    to.x[entry][row] = x[entry];
+    to.y[entry][row] = y[entry];
   }
 }
 
