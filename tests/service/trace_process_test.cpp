@@ -1,0 +1,184 @@
+// Whole traces of whole programs; only times, pointers and this machine's facts are masked.
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+const std::string probe = TRACE_PROBE;
+
+const std::string header = "HVL_VERBOSE Kestro HVL RNG VERSION instruction set:ISA interface:0\n";
+const std::string gpus = "HVL_VERBOSE Detected GPU0 Unknown_GPU Backend:Zerlin VE:# Stack:1 maxWGsize:#\n\n";
+const std::string no_gpus = "\n";
+const std::string warning = "HVL_VERBOSE WARNING: unable to open output file. Print to STDOUT\n";
+const std::string generate = "HVL_VERBOSE kestro::hvl::rng::generate ";
+
+std::string usm_line(const std::string& times) {
+  return generate +
+         "USM call with parameters distribution = kestro::hvl::rng::uniform<float, "
+         "kestro::hvl::rng::uniform_method::standard>, engine = kestro::hvl::rng::philox4x32x10, n = "
+         "1234567, r = POINTER " +
+         times + "\n";
+}
+
+std::string buffer_line(const std::string& times) {
+  return generate +
+         "Buffer call with parameters distribution = kestro::hvl::rng::uniform<int, "
+         "kestro::hvl::rng::uniform_method::standard>, engine = kestro::hvl::rng::mcg59, n = 1234567 " +
+         times + "\n";
+}
+
+std::string masked(std::string text) {
+  const std::pair<const char*, const char*> masks[] = {
+      {"r = 0x[0-9a-f]+", "r = POINTER"},
+      {"(host|device):[0-9]+(\\.[0-9][0-9](s|ms|us)|ns)", "$1:TIME"},
+      {"RNG [0-9.]+ instruction set:[a-z0-9]+", "RNG VERSION instruction set:ISA"},
+      {"VE:[0-9]+", "VE:#"},
+      {"maxWGsize:[0-9]+", "maxWGsize:#"}};
+  for (const auto& [pattern, mask] : masks)
+    text = std::regex_replace(text, std::regex(pattern), mask);
+  return text;
+}
+
+class scratch_file {
+ public:
+  explicit scratch_file(const std::string& name)
+      : path_(std::filesystem::temp_directory_path() /
+              ("hvl_service_" + name + "_" + std::to_string(::getpid()))) {
+    std::filesystem::remove(path_);
+  }
+  ~scratch_file() { std::filesystem::remove(path_); }
+
+  std::string name() const { return path_.string(); }
+  std::string text() const {
+    std::ifstream file(path_);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+ private:
+  std::filesystem::path path_;
+};
+
+struct outcome {
+  std::string output; // standard output, masked
+  std::string errors; // standard error
+};
+
+outcome run(const std::string& environment, const std::string& verbs) {
+  const scratch_file output("output"), errors("errors");
+  const std::string command = "env -u HVL_VERBOSE -u HVL_VERBOSE_OUTPUT_FILE " + environment + " " + probe +
+                              " " + verbs + " > " + output.name() + " 2> " + errors.name();
+  EXPECT_EQ(std::system(command.c_str()), 0) << command << "\n" << errors.text();
+  return {masked(output.text()), errors.text()};
+}
+
+TEST(Trace, IsSilentInMode0) {
+  EXPECT_EQ(run("", "gpu usm buffer cpu usm buffer").output, "");
+}
+
+TEST(Trace, NamesEveryCallInMode1) {
+  EXPECT_EQ(run("HVL_VERBOSE=1", "gpu usm buffer").output,
+            header + gpus + usm_line("host:nan device:nan GPU0") + buffer_line("host:nan device:nan GPU0"));
+}
+
+TEST(Trace, TimesEveryCallInMode2) {
+  EXPECT_EQ(run("HVL_VERBOSE=2", "gpu usm buffer").output, header + gpus +
+                                                               usm_line("host:TIME device:TIME GPU0") +
+                                                               buffer_line("host:TIME device:TIME GPU0"));
+  EXPECT_EQ(run("HVL_VERBOSE=2", "untimed-gpu usm buffer").output,
+            header + gpus + usm_line("host:TIME device:nan GPU0") + buffer_line("host:TIME device:nan GPU0"));
+}
+
+// The listing is of the backend that is traced first, once and for all.
+TEST(Trace, KnowsOnlyTheGpusOfTheFirstBackend) {
+  EXPECT_EQ(run("HVL_VERBOSE=1", "gpu usm cpu buffer gpu buffer").output,
+            header + gpus + usm_line("host:nan device:nan GPU0") + buffer_line("host:nan device:nan") +
+                buffer_line("host:nan device:nan GPU0"));
+  EXPECT_EQ(run("HVL_VERBOSE=1", "cpu usm gpu buffer").output,
+            header + no_gpus + usm_line("host:nan device:nan") + buffer_line("host:nan device:nan"));
+}
+
+TEST(Trace, LeavesTheProgramTheSame) {
+  for (const char* device : {"gpu", "cpu"}) {
+    const std::string verbs = std::string(device) + " usm buffer refused usm";
+    const std::string plain = run("", verbs).errors;
+    EXPECT_THAT(plain, HasSubstr("kestro::hvl::rng::generate: invalid argument: r\n"));
+    EXPECT_THAT(plain, HasSubstr("uniform_bits distribution and mcg31m1 engine combination"));
+    for (const char* mode : {"HVL_VERBOSE=1", "HVL_VERBOSE=2"})
+      EXPECT_EQ(run(mode, verbs).errors, plain) << mode << " on " << device;
+  }
+}
+
+TEST(Trace, HasNoLineForACallThatThrows) {
+  for (const char* mode : {"1", "2"}) {
+    const std::string output = run(std::string("HVL_VERBOSE=") + mode, "refused usm").output;
+    EXPECT_THAT(output, HasSubstr(header + gpus + generate + "USM call"));
+    EXPECT_THAT(output, HasSubstr("n = 1234567"));
+    for (const char* refused : {"n = -1", "n = 1,", "n = 2 ", "mcg31m1"})
+      EXPECT_THAT(output, Not(HasSubstr(refused)));
+  }
+}
+
+TEST(Trace, WritesCountsInPlainDigitsWhateverTheLocale) {
+  EXPECT_EQ(run("HVL_VERBOSE=1", "grouped-digits buffer").output,
+            header + gpus + buffer_line("host:nan device:nan GPU0"));
+}
+
+TEST(Trace, GoesToTheFile) {
+  const scratch_file trace("trace");
+  EXPECT_EQ(run("HVL_VERBOSE=1 HVL_VERBOSE_OUTPUT_FILE=" + trace.name(), "usm").output, "");
+  EXPECT_EQ(masked(trace.text()), header + gpus + usm_line("host:nan device:nan GPU0"));
+}
+
+TEST(Trace, WarnsPerPieceAndFallsBackWhenTheFileCannotBeOpened) {
+  const outcome traced = run("HVL_VERBOSE=1 HVL_VERBOSE_OUTPUT_FILE=/no/such/folder/trace", "usm buffer");
+  EXPECT_EQ(traced.output,
+            header + gpus + usm_line("host:nan device:nan GPU0") + buffer_line("host:nan device:nan GPU0"));
+  std::size_t warnings = 0;
+  for (std::size_t at = 0; (at = traced.errors.find(warning, at)) != std::string::npos; ++at)
+    ++warnings;
+  EXPECT_EQ(warnings, 4u) << traced.errors; // header, listing, two calls
+}
+
+// The lines of the verb "threads" in `text`, whole; everything else must be headers and listings.
+int whole_lines(const std::string& text, int processes) {
+  const std::string call = generate +
+                           "USM call with parameters distribution = kestro::hvl::rng::uniform<float, "
+                           "kestro::hvl::rng::uniform_method::standard>, engine = "
+                           "kestro::hvl::rng::philox4x32x10, n = 8, r = POINTER host:nan device:nan GPU0\n";
+  std::string rest = masked(text);
+  int calls = 0;
+  for (std::size_t at; (at = rest.find(call)) != std::string::npos; ++calls)
+    rest.erase(at, call.size());
+  for (const std::string& once : {header, gpus})
+    for (int process = 0; process != processes; ++process) {
+      const std::size_t at = rest.find(once);
+      EXPECT_NE(at, std::string::npos) << rest;
+      if (at != std::string::npos)
+        rest.erase(at, once.size());
+    }
+  EXPECT_EQ(rest, "");
+  return calls;
+}
+
+TEST(Trace, KeepsLinesWholeBetweenThreads) {
+  EXPECT_EQ(whole_lines(run("HVL_VERBOSE=1", "threads").output, 1), 200);
+}
+
+TEST(Trace, KeepsLinesWholeBetweenProcesses) {
+  const scratch_file trace("trace");
+  const std::string one =
+      "HVL_VERBOSE=1 HVL_VERBOSE_OUTPUT_FILE=" + trace.name() + " " + probe + " threads & ";
+  ASSERT_EQ(std::system((one + one + one + "wait").c_str()), 0);
+  EXPECT_EQ(whole_lines(trace.text(), 3), 600);
+}
+
+} // namespace
