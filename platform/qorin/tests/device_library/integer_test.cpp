@@ -122,6 +122,9 @@ TEST(integer, works_on_vecs_swizzles_and_marrays) {
   EXPECT_EQ(sycl::clamp(v, sycl::int4(0), sycl::int4(1, 2, 3, 4))[2], 3);
   EXPECT_EQ(sycl::popcount(v.swizzle<1, 0>())[0], 2);
   EXPECT_EQ(sycl::max(v.lo(), v.hi())[0], 16);
+  static_assert(std::is_same_v<decltype(sycl::max(v.x(), v.y())), int>);
+  EXPECT_EQ(sycl::max(v.x(), v.y()), 5);
+  EXPECT_EQ(sycl::clamp(v.z(), 0, 7) + sycl::popcount(v.y()), 9);
   EXPECT_EQ(sycl::mul_hi(sycl::muint2(1u << 31), sycl::muint2(6u))[1], 3u);
   EXPECT_EQ(sycl::mad_sat(sycl::char2(100), sycl::char2(2), sycl::char2(1))[1], 127);
   EXPECT_EQ(sycl::rotate(sycl::uchar2(0x81), sycl::uchar2(1))[0], 3);

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
@@ -207,6 +208,17 @@ TYPED_TEST(math_of, splits_numbers_into_parts) {
   EXPECT_EQ(sycl::ldexp(vec(T(3)), sycl::int2(1, 2))[1], T(12));
   EXPECT_EQ(sycl::ldexp(vec(T(3)), 3)[0], T(24));
   EXPECT_EQ(sycl::ilogb(vec(T(1), T(0.25)))[1], -2);
+}
+
+TEST(math, takes_single_elements_of_vecs_for_numbers) {
+  sycl::float4 v(0.25f, 2.0f, -3.0f, 9.0f);
+  static_assert(std::is_same_v<decltype(sycl::sqrt(v.w())), float>);
+  EXPECT_EQ(sycl::sqrt(v.w()), 3.0f);
+  EXPECT_EQ(sycl::fma(v.x(), v.y(), v.z()), -2.5f);
+  EXPECT_EQ(sycl::fmax(v.x(), 1.0f) + sycl::pown(v.y(), 3), 9.0f);
+  EXPECT_EQ(sycl::clamp(v.z(), v.x(), v.y()), 0.25f);
+  static_assert(std::is_same_v<decltype(sycl::isless(v.x(), v.y())), bool>);
+  EXPECT_TRUE(sycl::isless(v.x(), v.y()) && sycl::isfinite(v.x()));
 }
 
 TEST(math, makes_quiet_nans) {

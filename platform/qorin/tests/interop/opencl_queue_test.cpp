@@ -299,25 +299,33 @@ TEST_F(opencl_queue, serves_many_threads_and_both_sides_at_once) {
     std::this_thread::yield();
 }
 
-TEST_F(opencl_queue, releases_the_native_queue) {
+TEST_F(opencl_queue, releases_native_queues_and_events) {
   const cl_command_queue native = make_native_queue();
-  const auto references = [&] {
+  const auto queue_references = [&] {
     cl_uint held = 0;
     expect_success(clGetCommandQueueInfo(native, CL_QUEUE_REFERENCE_COUNT, sizeof held, &held, nullptr));
     return held;
   };
-  sycl::event last;
+  cl_event last = nullptr;
+  const auto event_references = [&] {
+    cl_uint held = 0;
+    expect_success(clGetEventInfo(last, CL_EVENT_REFERENCE_COUNT, sizeof held, &held, nullptr));
+    return held;
+  };
   {
     sycl::queue q = wrap(native);
-    EXPECT_GE(references(), 2u);
-    last = q.single_task([] {});
+    EXPECT_GE(queue_references(), 2u);
+    last = sycl::get_native<backend::opencl>(q.single_task([] {})).at(0);
+    EXPECT_GE(event_references(), 2u);
     q.wait();
   }
   expect_success(clFinish(native));
-  last.wait();
-  last = sycl::event();
-  while (references() != 1) // OpenCL's own threads let go of the last commands when they get to it
-    std::this_thread::yield();
+  // OpenCL's own threads let go of the last commands when they get to it.
+  for (int looks = 0; (queue_references() != 1 || event_references() != 1) && looks < 1000; ++looks)
+    let_others_run();
+  EXPECT_EQ(queue_references(), 1u);
+  EXPECT_EQ(event_references(), 1u);
+  clReleaseEvent(last);
 }
 
 } // namespace

@@ -28,6 +28,17 @@ struct sequence<vec<T, N>> {
 };
 template <typename Result, typename Source, int... Indices>
 struct sequence<vec_swizzle<Result, Source, Indices...>> : sequence<Result> {};
+/// A view of one element counts as its value.
+template <typename T>
+struct sequence<vec_element<T>> {
+  static constexpr bool value = true;
+  static constexpr bool is_vec = false;
+  static constexpr int count = 1;
+  using plain = std::remove_const_t<T>;
+  using element = plain;
+  template <typename U>
+  using of = U;
+};
 template <typename T, std::size_t N>
 struct sequence<marray<T, N>> {
   static constexpr bool value = true;
@@ -80,21 +91,26 @@ using if_floating_scalar = std::enable_if_t<is_floating_v<T>, int>;
 template <typename T>
 using if_integer = std::enable_if_t<is_integer_v<T>, int>;
 
+template <typename A>
+constexpr auto element_at(const A& argument, int index) {
+  if constexpr (sequence<A>::value)
+    return static_cast<element_t<A>>(argument[index]);
+  else
+    return argument;
+}
+
 /// Result of f on the first elements, on the second ones, and so on.
 template <typename Result, typename F, typename... A>
 constexpr Result elementwise(F f, const A&... arguments) {
-  Result result{};
-  for (int i = 0; i < sequence<Result>::count; ++i)
-    result[i] = f(arguments[i]...);
-  return result;
+  if constexpr (sequence<Result>::value) {
+    Result result{};
+    for (int i = 0; i < sequence<Result>::count; ++i)
+      result[i] = f(element_at(arguments, i)...);
+    return result;
+  } else {
+    return f(element_at(arguments, 0)...);
+  }
 }
-
-/// A value that looks the same at every index.
-template <typename T>
-struct repeated {
-  T value;
-  constexpr T operator[](int) const { return value; }
-};
 
 } // namespace sycl::detail
 
