@@ -44,7 +44,7 @@ std::vector<number> fit(int piece, int pieces_per_binade, int terms) {
 }
 
 template <class T>
-void write(const char* type, const char* suffix, int pieces, int pieces_per_binade, int terms,
+void write(const char* type, const char* suffix, int pieces, int columns, int pieces_per_binade, int terms,
            bool low_part) {
   std::vector<std::vector<T>> rows(static_cast<std::size_t>(terms) + (low_part ? 1 : 0));
   for (int i = 0; i < pieces; ++i) {
@@ -59,7 +59,7 @@ void write(const char* type, const char* suffix, int pieces, int pieces_per_bina
   }
   std::printf("template <>\nstruct erfinv_table<%s> {\n  static constexpr int pieces_per_binade = %d;\n",
               type, pieces_per_binade);
-  std::printf("  static constexpr %s c[%zu][%d] = {\n", type, rows.size(), pieces);
+  std::printf("  static constexpr %s c[%zu][%d] = {\n", type, rows.size(), columns);
   for (const auto& row : rows) {
     std::printf("    {");
     for (std::size_t i = 0; i < row.size(); ++i)
@@ -74,13 +74,14 @@ void write(const char* type, const char* suffix, int pieces, int pieces_per_bina
 } // namespace
 
 int main() {
-  std::printf(
-      "// Written by tools/math/erfinv_tables.cpp.\n// clang-format off\n#pragma once\n\n"
-      "namespace hvl::math::detail {\n\n"
-      "// c[j][i]: coefficient j of piece i. In float c[0] + c[1] is the constant term, in double c[0] is.\n"
-      "template <class T>\nstruct erfinv_table;\n\n");
-  write<float>("float", "f", 25, 1, 9, true);
+  std::printf("// Written by tools/math/erfinv_tables.cpp.\n// clang-format off\n#pragma once\n\n"
+              "namespace hvl::math::detail {\n\n"
+              "// c[j][i]: coefficient j of piece i. In float c[0] + c[1] is the constant term, in double "
+              "c[0] is. Rows of\n"
+              "// 32 floats, the last ones unused, fill whole registers.\n"
+              "template <class T>\nstruct erfinv_table;\n\n");
+  write<float>("float", "f", 25, 32, 1, 9, true);
   std::printf("\n");
-  write<double>("double", "", 213, 4, 12, false);
+  write<double>("double", "", 213, 213, 4, 12, false);
   std::printf("\n} // namespace hvl::math::detail\n");
 }

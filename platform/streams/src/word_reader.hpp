@@ -84,6 +84,7 @@ class word_reader {
  private:
   static constexpr std::size_t scalar_block_words = 1024;
   static constexpr std::size_t carry_bytes = 128;
+  static constexpr std::size_t readable_bytes_behind = 128;
 
   std::size_t granules_for(std::uint64_t words) const noexcept {
     return static_cast<std::size_t>((words + kernel_->granule_words - 1) / kernel_->granule_words);
@@ -98,7 +99,7 @@ class word_reader {
   std::uint32_t lead_ = 0;
   std::size_t unread_ = 0;
   alignas(vector_alignment) std::byte workspace_[workspace_bytes];
-  alignas(vector_alignment) std::byte buffer_[carry_bytes + max_block_words * 8 + vector_alignment];
+  alignas(vector_alignment) std::byte buffer_[carry_bytes + max_block_words * 8 + readable_bytes_behind];
   std::byte* begin_ = buffer_ + carry_bytes;
 };
 

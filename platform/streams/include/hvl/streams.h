@@ -56,8 +56,16 @@ enum {
   VQS_STATUS_INTERNAL = -19 /* an unexpected failure inside the library */
 };
 
-/* Method codes of the uniform distributions. */
-enum { VQS_METHOD_UNIFORM_STANDARD = 0, VQS_METHOD_UNIFORM_ACCURATE = 1073741824 };
+/* Method codes. Where a distribution has an accurate method, its code is that of the plain one, 0 when there is no
+ * choice, with VQS_METHOD_ACCURATE added. */
+enum { VQS_METHOD_ACCURATE = 1073741824 };
+enum { VQS_METHOD_UNIFORM_STANDARD = 0, VQS_METHOD_UNIFORM_ACCURATE = VQS_METHOD_ACCURATE };
+enum {
+  VQS_METHOD_GAUSSIAN_BOX_MULLER = 0,
+  VQS_METHOD_GAUSSIAN_BOX_MULLER2 = 1,
+  VQS_METHOD_GAUSSIAN_ICDF = 2
+};
+enum { VQS_METHOD_LOGNORMAL_BOX_MULLER2 = 0, VQS_METHOD_LOGNORMAL_ICDF = 1 };
 
 /* A constant text for a status; "unknown status" for a number that is none. */
 HVL_STREAMS_API const char* vqsStatusText(int status);
@@ -114,6 +122,56 @@ HVL_STREAMS_API int viRngUniformBits_64(int64_t method, vqs_stream stream, int64
  * value is made of two consecutive 32-bit ones, the first one low. Method 0. */
 HVL_STREAMS_API int viRngUniformBits32_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r);
 HVL_STREAMS_API int viRngUniformBits64_64(int64_t method, vqs_stream stream, int64_t n, uint64_t* r);
+
+/* The continuous distributions. Deviations, scales and shapes are positive, all parameters finite. Words consumed are
+ * one per value; two per value by box_muller and laplace; by box_muller2 two per pair of values, so a call for an odd
+ * number of values consumes one word more than it has values. */
+
+/* Normal with mean a and deviation sigma. */
+HVL_STREAMS_API int vsRngGaussian_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a,
+                                     float sigma);
+HVL_STREAMS_API int vdRngGaussian_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a,
+                                     double sigma);
+
+/* beta exp(z) + b, z normal with mean a and deviation sigma. Accurate methods: no value below b. */
+HVL_STREAMS_API int vsRngLognormal_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a,
+                                      float sigma, float b, float beta);
+HVL_STREAMS_API int vdRngLognormal_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a,
+                                      double sigma, double b, double beta);
+
+/* a - beta ln u. Accurate method: no value below a. */
+HVL_STREAMS_API int vsRngExponential_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a,
+                                        float beta);
+HVL_STREAMS_API int vdRngExponential_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a,
+                                        double beta);
+
+/* a - b ln u1 or, for u2 above 1/2, a + b ln u1. Method 0. */
+HVL_STREAMS_API int vsRngLaplace_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a, float b);
+HVL_STREAMS_API int vdRngLaplace_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a,
+                                    double b);
+
+/* a + beta (-ln u)^(1/alpha). Accurate method: no value below a. */
+HVL_STREAMS_API int vsRngWeibull_64(int64_t method, vqs_stream stream, int64_t n, float* r, float alpha,
+                                    float a, float beta);
+HVL_STREAMS_API int vdRngWeibull_64(int64_t method, vqs_stream stream, int64_t n, double* r, double alpha,
+                                    double a, double beta);
+
+/* a + beta sqrt(-ln u). Accurate method: no value below a. */
+HVL_STREAMS_API int vsRngRayleigh_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a,
+                                     float beta);
+HVL_STREAMS_API int vdRngRayleigh_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a,
+                                     double beta);
+
+/* a + beta ln(-ln u). Method 0. */
+HVL_STREAMS_API int vsRngGumbel_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a,
+                                   float beta);
+HVL_STREAMS_API int vdRngGumbel_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a,
+                                   double beta);
+
+/* a + b tan(pi (u - 1/2)), in double for both result types. Method 0. */
+HVL_STREAMS_API int vsRngCauchy_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a, float b);
+HVL_STREAMS_API int vdRngCauchy_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a,
+                                   double b);
 
 #ifdef __cplusplus
 }

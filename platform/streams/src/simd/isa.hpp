@@ -16,6 +16,11 @@ namespace hvl::streams::HVL_STREAMS_ISA {
 
 const block_kernel* block_kernel_of(engine_index e) noexcept;
 transform_function uniform_transform(word_kind kind, uniform_result result) noexcept;
+transform_function gaussian_transform(word_kind kind, gaussian_method method, precision p) noexcept;
+transform_function lognormal_transform(word_kind kind, lognormal_method method, bool accurate,
+                                       precision p) noexcept;
+transform_function inverse_cdf_transform(word_kind kind, inverse_cdf_family family, bool accurate,
+                                         precision p) noexcept;
 void stream_copy(void* out, const void* in, std::size_t bytes) noexcept;
 void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
                  std::size_t degree) noexcept;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "continuous.hpp"
 #include "engine.hpp"
 
 namespace hvl::streams {
@@ -28,7 +29,7 @@ inline constexpr std::size_t max_block_words = 2048;
 inline constexpr std::size_t workspace_bytes = 4096;
 inline constexpr std::size_t vector_alignment = 64;
 
-// Turns words into `values` values. After the last word at least 64 readable bytes follow; nothing is written
+// Turns words into `values` values. After the last word at least 128 readable bytes follow; nothing is written
 // past the last value.
 using transform_function = void (*)(const void* parameters, const void* words, void* values,
                                     std::size_t values_count) noexcept;
@@ -58,6 +59,12 @@ struct kernel_set {
   const block_kernel* (*block)(engine_index e) noexcept;
   // Parameters are uniform_parameters<float or double>, by the type of computation.
   transform_function (*uniform)(word_kind kind, uniform_result result) noexcept;
+  // Parameters are those of continuous.hpp for the family and the precision.
+  transform_function (*gaussian)(word_kind kind, gaussian_method method, precision p) noexcept;
+  transform_function (*lognormal)(word_kind kind, lognormal_method method, bool accurate,
+                                  precision p) noexcept;
+  transform_function (*inverse_cdf)(word_kind kind, inverse_cdf_family family, bool accurate,
+                                    precision p) noexcept;
   // Copies past the caches; the stores need a fence before another thread may rely on them.
   void (*stream_copy)(void* out, const void* in, std::size_t bytes) noexcept;
   // sum[j] = the exclusive or of sequence[i + j] over the set bits i of the polynomial, for 624 words.

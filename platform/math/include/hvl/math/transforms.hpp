@@ -4,3 +4,4 @@
 #include "transforms/gaussian.hpp"
 #include "transforms/inverse_cdf.hpp"
 #include "transforms/lognormal.hpp"
+#include "transforms/words.hpp"

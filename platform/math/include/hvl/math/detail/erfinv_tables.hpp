@@ -4,14 +4,15 @@
 
 namespace hvl::math::detail {
 
-// c[j][i]: coefficient j of piece i. In float c[0] + c[1] is the constant term, in double c[0] is.
+// c[j][i]: coefficient j of piece i. In float c[0] + c[1] is the constant term, in double c[0] is. Rows of
+// 32 floats, the last ones unused, fill whole registers.
 template <class T>
 struct erfinv_table;
 
 template <>
 struct erfinv_table<float> {
   static constexpr int pieces_per_binade = 1;
-  static constexpr float c[10][25] = {
+  static constexpr float c[10][32] = {
     {0x1.cd7068p-1f, 0x1.00f1f2p+0f, 0x1.dd2bc2p-1f, 0x1.2f60a4p+0f, 0x1.67c34cp+0f, 0x1.9a3b1ap+0f,
      0x1.c84278p+0f, 0x1.f2cecp+0f, 0x1.0d44a4p+1f, 0x1.1ff64p+1f, 0x1.31aa14p+1f, 0x1.428388p+1f,
      0x1.529e98p+1f, 0x1.6211dp+1f, 0x1.70efa4p+1f, 0x1.7f4772p+1f, 0x1.8d2624p+1f, 0x1.9a96bap+1f,

@@ -1,0 +1,27 @@
+// How many uniforms, each of one engine word, every method takes: the one declaration that callers of the transforms
+// read.
+#pragma once
+
+#include <cstdint>
+
+namespace hvl::math {
+
+// `values` values are made of `words` consecutive words. A last group may be cut, and still consumes all its words.
+struct word_use {
+  std::uint32_t words;
+  std::uint32_t values;
+};
+
+inline constexpr word_use gaussian_box_muller_words{2, 1};
+inline constexpr word_use gaussian_box_muller2_words{2, 2};
+inline constexpr word_use gaussian_icdf_words{1, 1};
+inline constexpr word_use lognormal_box_muller2_words{2, 2};
+inline constexpr word_use lognormal_icdf_words{1, 1};
+inline constexpr word_use exponential_icdf_words{1, 1};
+inline constexpr word_use laplace_icdf_words{2, 1};
+inline constexpr word_use weibull_icdf_words{1, 1};
+inline constexpr word_use rayleigh_icdf_words{1, 1};
+inline constexpr word_use gumbel_icdf_words{1, 1};
+inline constexpr word_use cauchy_icdf_words{1, 1};
+
+} // namespace hvl::math

@@ -1,0 +1,61 @@
+// The normal distribution.
+#include <hvl/math/transforms/gaussian.hpp>
+
+#include "simd/pairs.hpp"
+#include "simd/vector_ops.hpp"
+
+namespace hvl::streams::HVL_STREAMS_ISA {
+namespace {
+
+template <word_kind Kind, class T>
+struct gaussian {
+  using ops = vector_ops<T>;
+  using value = typename ops::value;
+
+  static void box_muller(const void* parameters, const void* words, void* values,
+                         std::size_t count) noexcept {
+    const auto& p = *static_cast<const gaussian_parameters<T>*>(parameters);
+    for_each_of_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+                        [&](value u1, value u2) HVL_STREAMS_INLINE_LAMBDA {
+                          return math::gaussian_box_muller<ops>(u1, u2, p.mean, p.scale);
+                        });
+  }
+
+  static void box_muller2(const void* parameters, const void* words, void* values,
+                          std::size_t count) noexcept {
+    const auto& p = *static_cast<const gaussian_parameters<T>*>(parameters);
+    for_each_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+                     [&](value u1, value u2, value& first, value& second) HVL_STREAMS_INLINE_LAMBDA {
+                       math::gaussian_box_muller2<ops>(u1, u2, p.mean, p.scale, first, second);
+                     });
+  }
+
+  static void icdf(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
+    const auto& p = *static_cast<const gaussian_parameters<T>*>(parameters);
+    const word_loader<Kind, T> load(words, p.affine);
+    for_each_vector<T>(static_cast<T*>(values), count, [&](std::size_t i) HVL_STREAMS_INLINE_LAMBDA {
+      return math::gaussian_icdf<ops>(load(i), p.mean, p.scale);
+    });
+  }
+
+  static transform_function of(gaussian_method method) noexcept {
+    switch (method) {
+    case gaussian_method::box_muller:
+      return box_muller;
+    case gaussian_method::box_muller2:
+      return box_muller2;
+    case gaussian_method::icdf:
+      return icdf;
+    }
+    return nullptr;
+  }
+};
+
+} // namespace
+
+transform_function gaussian_transform(word_kind kind, gaussian_method method, precision p) noexcept {
+  return for_kind_and_precision(kind, p,
+                                [&]<word_kind Kind, class T>() { return gaussian<Kind, T>::of(method); });
+}
+
+} // namespace hvl::streams::HVL_STREAMS_ISA

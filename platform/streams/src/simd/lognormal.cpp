@@ -1,0 +1,56 @@
+// The log-normal distribution.
+#include <hvl/math/transforms/inverse_cdf.hpp>
+#include <hvl/math/transforms/lognormal.hpp>
+
+#include "simd/pairs.hpp"
+#include "simd/vector_ops.hpp"
+
+namespace hvl::streams::HVL_STREAMS_ISA {
+namespace {
+
+template <word_kind Kind, class T, bool Accurate>
+struct lognormal {
+  using ops = vector_ops<T>;
+  using value = typename ops::value;
+
+  static void box_muller2(const void* parameters, const void* words, void* values,
+                          std::size_t count) noexcept {
+    const auto& p = *static_cast<const lognormal_parameters<T>*>(parameters);
+    for_each_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+                     [&](value u1, value u2, value& first, value& second) HVL_STREAMS_INLINE_LAMBDA {
+                       math::lognormal_box_muller2<ops>(u1, u2, p.m, p.s, p.displacement, p.scale, first,
+                                                        second);
+                       if constexpr (Accurate) {
+                         first = math::raised_to<ops>(first, p.displacement);
+                         second = math::raised_to<ops>(second, p.displacement);
+                       }
+                     });
+  }
+
+  static void icdf(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
+    const auto& p = *static_cast<const lognormal_parameters<T>*>(parameters);
+    const word_loader<Kind, T> load(words, p.affine);
+    for_each_vector<T>(static_cast<T*>(values), count, [&](std::size_t i) HVL_STREAMS_INLINE_LAMBDA {
+      const auto result = math::lognormal_icdf<ops>(load(i), p.m, p.s, p.displacement, p.scale);
+      if constexpr (Accurate)
+        return math::raised_to<ops>(result, p.displacement);
+      else
+        return result;
+    });
+  }
+
+  static transform_function of(lognormal_method method) noexcept {
+    return method == lognormal_method::icdf ? icdf : box_muller2;
+  }
+};
+
+} // namespace
+
+transform_function lognormal_transform(word_kind kind, lognormal_method method, bool accurate,
+                                       precision p) noexcept {
+  return for_kind_and_precision(kind, p, [&]<word_kind Kind, class T>() {
+    return accurate ? lognormal<Kind, T, true>::of(method) : lognormal<Kind, T, false>::of(method);
+  });
+}
+
+} // namespace hvl::streams::HVL_STREAMS_ISA

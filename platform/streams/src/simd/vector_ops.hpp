@@ -1,0 +1,126 @@
+// The policy by which the functions of hvl/math run over this instruction set's vectors.
+#pragma once
+
+#include <hvl/math/ops.hpp>
+
+#include "simd/uniform.hpp"
+
+// Bodies of loops are inlined into them, as the functions that they call are.
+#define HVL_STREAMS_INLINE_LAMBDA __attribute__((always_inline))
+
+namespace hvl::streams::HVL_STREAMS_ISA {
+namespace {
+
+#ifdef HVL_STREAMS_ISA_IS_SCALAR
+
+template <class T>
+using vector_ops = math::scalar_ops<T>;
+
+#else
+
+static_assert(HWY_TARGET <= HWY_AVX2, "MulAdd is fused from AVX2 on only");
+
+template <class T>
+struct vector_ops;
+
+template <class T, class Bits>
+struct vector_basics {
+  using scalar = T;
+  using bits_type = Bits;
+  using value = vector<T>;
+  using word = vector<Bits>;
+  using mask = hn::Mask<vector_tag<T>>;
+
+  static HWY_INLINE value set(T a) { return hn::Set(vector_tag<T>(), a); }
+  static HWY_INLINE word set_word(Bits a) { return hn::Set(vector_tag<Bits>(), a); }
+  static HWY_INLINE word bits(value a) { return hn::BitCast(vector_tag<Bits>(), a); }
+  static HWY_INLINE value from_bits(word a) { return hn::BitCast(vector_tag<T>(), a); }
+  template <int N>
+  static HWY_INLINE word shift_left(word a) {
+    return hn::ShiftLeft<N>(a);
+  }
+  template <int N>
+  static HWY_INLINE word shift_right(word a) {
+    return hn::ShiftRight<N>(a);
+  }
+  static HWY_INLINE value fma(value a, value b, value c) { return hn::MulAdd(a, b, c); }
+  static HWY_INLINE value sqrt(value a) { return hn::Sqrt(a); }
+  static HWY_INLINE mask lt(value a, value b) { return hn::Lt(a, b); }
+  static HWY_INLINE mask odd(word a) { return hn::RebindMask(vector_tag<T>(), hn::TestBit(a, set_word(1))); }
+  static HWY_INLINE value select(mask m, value a, value b) { return hn::IfThenElse(m, a, b); }
+};
+
+template <>
+struct vector_ops<double> : vector_basics<double, std::uint64_t> {
+  template <std::size_t N>
+  static HWY_INLINE value lookup(const double (&table)[N], word index) {
+    return hn::GatherIndex(vector_tag<double>(), table, hn::BitCast(vector_tag<std::int64_t>(), index));
+  }
+};
+
+template <>
+struct vector_ops<float> : vector_basics<float, std::uint32_t> {
+  // a table of 32 fits registers, which is faster than a gather
+  static HWY_INLINE value lookup(const float (&table)[32], word index) {
+#if HWY_TARGET <= HWY_AVX3
+    return value{_mm512_permutex2var_ps(_mm512_loadu_ps(table), index.raw, _mm512_loadu_ps(table + 16))};
+#else
+    const auto quarter = [&](int i) {
+      return _mm256_permutevar8x32_ps(_mm256_loadu_ps(table + 8 * i), index.raw);
+    };
+    const __m256 bit3 = _mm256_castsi256_ps(_mm256_slli_epi32(index.raw, 28));
+    const __m256 bit4 = _mm256_castsi256_ps(_mm256_slli_epi32(index.raw, 27));
+    return value{_mm256_blendv_ps(_mm256_blendv_ps(quarter(0), quarter(1), bit3),
+                                  _mm256_blendv_ps(quarter(2), quarter(3), bit3), bit4)};
+#endif
+  }
+
+  template <class F>
+  static HWY_INLINE value widened(const F& f, value a) {
+    const vector_tag<float> d;
+    const hn::Half<vector_tag<float>> dh;
+    const vector_tag<double> dd;
+    using wide = vector_ops<double>;
+    const auto low = f(wide{}, hn::PromoteTo(dd, hn::LowerHalf(dh, a)));
+    const auto high = f(wide{}, hn::PromoteTo(dd, hn::UpperHalf(dh, a)));
+    return hn::Combine(d, hn::DemoteTo(dh, high), hn::DemoteTo(dh, low));
+  }
+};
+
+#endif
+
+// Doubles to the result type, each rounded once.
+template <class T>
+HVL_MATH_INLINE auto narrowed(typename vector_ops<double>::value v) {
+#ifdef HVL_STREAMS_ISA_IS_SCALAR
+  return static_cast<T>(v);
+#else
+  if constexpr (sizeof(T) == 4)
+    return hn::DemoteTo(hn::Half<vector_tag<float>>(), v);
+  else
+    return v;
+#endif
+}
+
+template <word_kind Kind, class Choose>
+transform_function for_precision(precision p, const Choose& choose) {
+  return p == precision::single ? choose.template operator()<Kind, float>()
+                                : choose.template operator()<Kind, double>();
+}
+
+// choose.operator()<Kind, T>() for a kind of words and a result type.
+template <class Choose>
+transform_function for_kind_and_precision(word_kind kind, precision p, const Choose& choose) {
+  switch (kind) {
+  case word_kind::signed32:
+    return for_precision<word_kind::signed32>(p, choose);
+  case word_kind::unsigned32:
+    return for_precision<word_kind::unsigned32>(p, choose);
+  case word_kind::unsigned64:
+    return for_precision<word_kind::unsigned64>(p, choose);
+  }
+  return nullptr;
+}
+
+} // namespace
+} // namespace hvl::streams::HVL_STREAMS_ISA

@@ -1,0 +1,139 @@
+// The continuous distributions: vectors, threads and splits give the numbers that the transforms make one by one.
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "continuous_members.hpp"
+
+namespace hvl::streams::test {
+namespace {
+
+class continuous : public each_engine {};
+
+template <class T>
+constexpr T poison = T(-12345.5);
+
+template <class T>
+void expect_same_bits(const T* actual, const std::vector<T>& expected, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i)
+    ASSERT_EQ(std::memcmp(&actual[i], &expected[i], sizeof(T)), 0)
+        << "at " << i << ": " << actual[i] << " for " << expected[i];
+}
+
+// Lengths around the vectors' widths, out of alignment, at positions within an engine's block; nothing is written
+// behind the end, and the stream has advanced by the words consumed.
+template <class T>
+void check_vectors(std::int32_t engine, const member<T>& m) {
+  SCOPED_TRACE(m.name);
+  constexpr std::size_t longest = 2100;
+  owned_stream origin(engine);
+  origin.skip(3);
+  std::vector<T> expected(longest + 1);
+  {
+    const run_mode scalar(HVL_ISA_SCALAR, 1);
+    m.one_by_one(owned_stream(origin), expected);
+  }
+  for_every_mode([&] {
+    for (const std::size_t n :
+         {std::size_t{1}, std::size_t{2}, std::size_t{3}, std::size_t{7}, std::size_t{8}, std::size_t{15},
+          std::size_t{17}, std::size_t{31}, std::size_t{33}, longest - 1, longest}) {
+      std::vector<T> out(n + 9, poison<T>);
+      owned_stream stream(origin);
+      ASSERT_EQ(m.generate(stream, static_cast<std::int64_t>(n), out.data() + 1), VQS_STATUS_OK);
+      expect_same_bits(out.data() + 1, expected, n);
+      EXPECT_EQ(out[0], poison<T>);
+      for (std::size_t i = n + 1; i < out.size(); ++i)
+        ASSERT_EQ(out[i], poison<T>) << "behind the end";
+      ASSERT_EQ(stream.saved(), owned_stream(origin).skip(m.words_for(n)).saved()) << n;
+    }
+  });
+}
+
+TEST_P(continuous, has_the_bits_of_its_transforms) {
+  for (const auto& m : continuous_members<float>())
+    check_vectors(id(), m);
+  for (const auto& m : continuous_members<double>())
+    check_vectors(id(), m);
+}
+
+// One call over two threads is what two calls are, where the split leaves no group cut.
+template <class T>
+void check_split(std::int32_t engine, const member<T>& m) {
+  SCOPED_TRACE(m.name);
+  constexpr std::size_t n = 1'000'001;
+  constexpr std::size_t first = 400'006;
+  std::vector<T> whole(n, poison<T>), parts(n, poison<T>);
+  {
+    const run_mode one_thread(-1, 1);
+    owned_stream stream(engine);
+    ASSERT_EQ(m.generate(stream, first, parts.data()), VQS_STATUS_OK);
+    ASSERT_EQ(m.generate(stream, n - first, parts.data() + first), VQS_STATUS_OK);
+  }
+  const run_mode two_threads(-1, 2);
+  ASSERT_EQ(m.generate(owned_stream(engine), n, whole.data()), VQS_STATUS_OK);
+  expect_same_bits(whole.data(), parts, n);
+}
+
+TEST_P(continuous, threads_and_splits_change_nothing) {
+  for (const auto& m : continuous_members<float>())
+    check_split(id(), m);
+  for (const auto& m : continuous_members<double>())
+    check_split(id(), m);
+}
+
+TEST_P(continuous, box_muller2_wastes_one_word_of_an_odd_count) {
+  owned_stream stream(id());
+  float values[5];
+  ASSERT_EQ(vsRngGaussian_64(VQS_METHOD_GAUSSIAN_BOX_MULLER2, stream, 5, values, 0, 1), VQS_STATUS_OK);
+  EXPECT_EQ(stream.saved(), owned_stream(id()).skip(6).saved());
+}
+
+template <class T>
+void check_misuse(std::int32_t engine) {
+  const auto gaussian = host_function<T>(vsRngGaussian_64, vdRngGaussian_64);
+  const auto lognormal = host_function<T>(vsRngLognormal_64, vdRngLognormal_64);
+  const auto exponential = host_function<T>(vsRngExponential_64, vdRngExponential_64);
+  const auto weibull = host_function<T>(vsRngWeibull_64, vdRngWeibull_64);
+  const auto cauchy = host_function<T>(vsRngCauchy_64, vdRngCauchy_64);
+  const T nan = std::numeric_limits<T>::quiet_NaN();
+  const T infinity = std::numeric_limits<T>::infinity();
+  const owned_stream stream(engine);
+  const auto before = stream.saved();
+  T r[2] = {poison<T>, poison<T>};
+  EXPECT_EQ(gaussian(3, stream, 1, r, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(gaussian(-1, stream, 1, r, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(gaussian(VQS_METHOD_ACCURATE, stream, 1, r, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(lognormal(2, stream, 1, r, 0, 1, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(lognormal(VQS_METHOD_ACCURATE | 2, stream, 1, r, 0, 1, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(exponential(1, stream, 1, r, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(cauchy(VQS_METHOD_ACCURATE, stream, 1, r, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(gaussian(0, nullptr, 1, r, 0, 1), VQS_STATUS_NULL_POINTER);
+  EXPECT_EQ(gaussian(0, stream, 1, nullptr, 0, 1), VQS_STATUS_NULL_POINTER);
+  EXPECT_EQ(weibull(0, stream, -1, r, 1, 0, 1), VQS_STATUS_BAD_COUNT);
+  for (const T bad : {nan, infinity, -infinity, T(0), T(-1)}) {
+    EXPECT_EQ(gaussian(2, stream, 1, r, 0, bad), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(lognormal(0, stream, 1, r, 0, bad, 0, 1), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(lognormal(0, stream, 1, r, 0, 1, 0, bad), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(weibull(0, stream, 1, r, bad, 0, 1), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(weibull(0, stream, 1, r, 1, 0, bad), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(cauchy(0, stream, 1, r, 0, bad), VQS_STATUS_BAD_PARAMETER);
+    if (!(bad <= 0 && bad > -infinity)) {
+      EXPECT_EQ(gaussian(0, stream, 1, r, bad, 1), VQS_STATUS_BAD_PARAMETER);
+      EXPECT_EQ(lognormal(0, stream, 1, r, bad, 1, 0, 1), VQS_STATUS_BAD_PARAMETER);
+      EXPECT_EQ(lognormal(0, stream, 1, r, 0, 1, bad, 1), VQS_STATUS_BAD_PARAMETER);
+      EXPECT_EQ(exponential(0, stream, 1, r, bad, 1), VQS_STATUS_BAD_PARAMETER);
+    }
+  }
+  EXPECT_EQ(r[0], poison<T>);
+  EXPECT_EQ(stream.saved(), before);
+}
+
+TEST_P(continuous, misuse_changes_nothing) {
+  check_misuse<float>(id());
+  check_misuse<double>(id());
+}
+
+HVL_STREAMS_FOR_EACH_ENGINE(continuous);
+
+} // namespace
+} // namespace hvl::streams::test
