@@ -4,10 +4,11 @@
 Absolute speeds drift from machine to machine and from hour to hour; a ratio of two measurements of one run does not.
 The ratios are listed in files `ratios.txt` below the --ratios folder, a line each:
 
-    label = NUMERATOR / DENOMINATOR [>= AIM]
+    label = NUMERATOR / DENOMINATOR [in items|bytes|runs] [>= AIM]
 
 where both sides are full benchmark names, separated by " / ". A ratio is of items per second where both sides count
-items, otherwise of bytes per second, otherwise of the inverse times. With repetitions the medians count.
+items, otherwise of bytes per second, otherwise of the inverse times ("runs"), or of what the line says. With repetitions
+the medians count.
 """
 import argparse
 import datetime
@@ -19,7 +20,7 @@ import subprocess
 import sys
 import tempfile
 
-RATIO = re.compile(r"^(?P<label>[^=]+?)\s*=\s*(?P<top>\S.*?)\s+/\s+(?P<bottom>\S.*?)(?:\s*>=\s*(?P<aim>[\d.]+))?$")
+RATIO = re.compile(r"^(?P<label>[^=]+?)\s*=\s*(?P<top>\S.*?)\s+/\s+(?P<bottom>\S.*?)(?:\s+in\s+(?P<unit>items|bytes|runs))?(?:\s*>=\s*(?P<aim>[\d.]+))?$")
 SECONDS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
 
 
@@ -65,7 +66,8 @@ def ratios_below(folder):
 def evaluate(ratios, table):
     for ratio in ratios:
         top, bottom = table.get(ratio["top"], {}), table.get(ratio["bottom"], {})
-        kind = next((kind for kind in ("items", "bytes", "runs") if kind in top and kind in bottom), None)
+        kinds = [ratio["unit"]] if ratio["unit"] else ("items", "bytes", "runs")
+        kind = next((kind for kind in kinds if kind in top and kind in bottom), None)
         value = top[kind] / bottom[kind] if kind else None
         yield {"label": ratio["label"], "ratio": value, "of": kind, "aim": ratio["aim"] and float(ratio["aim"])}
 

@@ -30,6 +30,13 @@ class Report(unittest.TestCase):
         self.assertAlmostEqual(ratios[2]["ratio"], 4.0)
         self.assertIsNone(ratios[3]["ratio"])
 
+    def test_a_line_may_say_what_it_compares(self):
+        benchmarks = [result("a", items_per_second=6.0, bytes_per_second=8.0),
+                      result("b", items_per_second=2.0, bytes_per_second=16.0)]
+        ratios = self.evaluate("x = a / b in bytes >= 0.4\ny = a / b\n", benchmarks)
+        self.assertEqual([(one["ratio"], one["of"], one["aim"]) for one in ratios],
+                         [(0.5, "bytes", 0.4), (3.0, "items", None)])
+
     def test_medians_replace_single_runs_and_failures_are_left_out(self):
         benchmarks = [result("a", items_per_second=9.0), result("b", items_per_second=1.0),
                       result("a_median", items_per_second=4.0) | {"run_name": "a", "aggregate_name": "median"},

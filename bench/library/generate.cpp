@@ -1,0 +1,42 @@
+// The public generate on every device: output beyond the caches, all threads, submission to completion.
+#include <kestro/hvl/rng.hpp>
+
+#include "library_bench.hpp"
+#include "sizes.hpp"
+
+namespace bench {
+namespace {
+
+namespace rng = kestro::hvl::rng;
+
+template <class Distribution, class Engine>
+void register_pair(const std::string& name, const sycl::queue& queue, const Distribution& distribution) {
+  using T = typename Distribution::result_type;
+  register_fill<T>(
+      name, memory_bytes, [distribution, engine = Engine(queue, 20211113)](std::span<T> out) mutable {
+        rng::generate(distribution, engine, static_cast<std::int64_t>(out.size()), out.data()).wait();
+      });
+}
+
+template <class Engine>
+void register_engine(const std::string& engine, const std::string& device, const sycl::queue& queue) {
+  const std::string prefix = "generate/" + device + "/" + engine + "/";
+  register_pair<rng::bits<>, Engine>(prefix + "bits", queue, {});
+  register_pair<rng::uniform<float>, Engine>(prefix + "float", queue, {});
+  register_pair<rng::uniform<double>, Engine>(prefix + "double", queue, {});
+}
+
+void register_device(const std::string& device, const sycl::queue& queue) {
+#define KESTRO_HVL_ENGINE(name) register_engine<rng::name>(#name, device, queue);
+#include <kestro/hvl/rng/detail/engines.def>
+#undef KESTRO_HVL_ENGINE
+}
+
+} // namespace
+
+void register_generate() {
+  register_device("CPU", sycl::queue(sycl::cpu_selector_v));
+  register_device("GPU", sycl::queue(sycl::gpu_selector_v));
+}
+
+} // namespace bench

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace bench {
+
+void register_generate();
+void register_latency();
+
+} // namespace bench
