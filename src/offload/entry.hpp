@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+
+#include <kestro/hvl/exceptions.hpp>
+#include <kestro/hvl/offload.h>
+
+#include "offload/missing.hpp"
+#include "offload/omp_driver.hpp"
+
+namespace kestro::hvl::rng::detail::openmp {
+
+/// What an entry point does with the parameters of its distribution before the driver has a say.
+template <class Distribution>
+struct entry {
+  template <class... Parameters>
+  static bool accepts(const Parameters&...) {
+    return true;
+  }
+
+  /// May throw; at the boundary that ends the process.
+  template <class... Parameters>
+  static Distribution make(std::int64_t, const Parameters&... parameters) {
+    return Distribution(parameters...);
+  }
+};
+
+template <>
+struct entry<missing<"multinomial", std::int32_t>> {
+  using distribution = missing<"multinomial", std::int32_t>;
+
+  static bool accepts(std::int32_t trials, std::int32_t outcomes, const double*) {
+    return trials >= 0 && outcomes >= 1;
+  }
+  static distribution make(std::int64_t, std::int32_t, std::int32_t, const double*) { return distribution(); }
+};
+
+/// `lambda` has n means.
+template <>
+struct entry<missing<"poisson_v", std::int32_t>> {
+  using distribution = missing<"poisson_v", std::int32_t>;
+
+  static bool accepts(const double*) { return true; }
+  static distribution make(std::int64_t n, const double*) {
+    if (n < 1)
+      throw invalid_argument("rng", "poisson_v", "size of lambda < 0");
+    return distribution();
+  }
+};
+
+/// The body of every entry point. Not to throw is the boundary's promise to C: what leaves the building of the
+/// distribution ends the process.
+template <class Distribution, class... Parameters>
+std::int32_t offload(std::int64_t method, void* stream, std::int64_t n, typename Distribution::result_type* r,
+                     void* interop, const Parameters&... parameters) noexcept {
+  if (method != 0 || !entry<Distribution>::accepts(parameters...))
+    return KESTRO_HVL_OFFLOAD_BAD_ARGUMENT;
+  return omp_driver(entry<Distribution>::make(n, parameters...), stream, n, r, interop);
+}
+
+} // namespace kestro::hvl::rng::detail::openmp

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <kestro/hvl/rng/functions.hpp>
+
+#include "engines/mcg.hpp"
+#include "engines/mrg32k3a.hpp"
+#include "engines/mt19937.hpp"
+#include "engines/philox4x32x10.hpp"
+#include "framework/distribution_impl.hpp"
+#include "offload/create_engine.hpp"
+
+namespace kestro::hvl::rng::detail::openmp {
+
+/// Generates values of one distribution from a stream of the host-side interface, on a device, and keeps that
+/// stream where the device stops. The stream itself is only touched during the calls below.
+template <class Distribution>
+class generator {
+ public:
+  using result_type = typename Distribution::result_type;
+
+  /// Submits the generation behind the events collected and advances the stream. When it throws nothing is in
+  /// flight.
+  virtual sycl::event generate(std::int64_t n, result_type* r) = 0;
+
+  /// Brings the stream to where the engine stands behind `n` more values.
+  virtual void skip_ahead(std::int64_t n) = 0;
+
+  /// Engine words in a value.
+  virtual std::int64_t get_scale() const = 0;
+
+  virtual ~generator() = default;
+
+  void depends_on(sycl::event event) { dependencies_.push_back(std::move(event)); }
+
+ protected:
+  std::vector<sycl::event> dependencies_;
+};
+
+template <class Engine, class Distribution>
+class generator_impl final : public generator<Distribution> {
+ public:
+  using typename generator<Distribution>::result_type;
+
+  /// Takes a copy of the stream's state.
+  generator_impl(const sycl::queue& queue, vqs_stream stream, const Distribution& distribution)
+      : engine_(queue, 1), distribution_(distribution), stream_(stream) {
+    engine_access::replace_impl<Engine>(engine_, engine_impl_of(queue, stream));
+  }
+
+  sycl::event generate(std::int64_t n, result_type* r) override {
+    sycl::event event = rng::generate(distribution_, engine_, n, r, this->dependencies_);
+    this->dependencies_.clear();
+    try {
+      skip_ahead(n);
+    } catch (...) {
+      event.wait();
+      throw;
+    }
+    return event;
+  }
+
+  void skip_ahead(std::int64_t n) override {
+    if constexpr (std::is_same_v<Engine, mt19937>) {
+      auto& impl = engine_access::impl<Engine>(engine_, "skip_ahead");
+      if (impl.extension().device != nullptr) {
+        mt19937_gpu_state_to_vqs_stream(impl, stream_);
+        return;
+      }
+    }
+    check_stream_status(vqsSkipAheadStream_64(stream_, words_of<Distribution>(n)), "skip_ahead", "");
+  }
+
+  std::int64_t get_scale() const override { return distribution_traits<Distribution>::words_per_value; }
+
+ private:
+  static std::unique_ptr<engine_base_impl<Engine>> engine_impl_of(const sycl::queue& queue,
+                                                                  vqs_stream stream) {
+    if (device_type_of(queue.get_device(), "generate") == device_type::cpu) {
+      vqs_stream copy = nullptr;
+      check_stream_status(vqsCopyStream_64(&copy, stream), "engine initialization", "initialization failure");
+      return make_engine_impl<Engine>(queue, stream_handle(copy));
+    }
+    std::unique_ptr<engine_base_impl<Engine>> impl(gpu::create_engine<Engine>(queue, stream));
+    if (impl->stream().get() == nullptr)
+      throw computation_error("rng", "engine initialization", "initialization failure");
+    return impl;
+  }
+
+  Engine engine_;
+  Distribution distribution_;
+  vqs_stream stream_;
+};
+
+/// The generator for the stream's engine. Throws `invalid_argument` ("stream") for what is no stream, and
+/// `unimplemented` for a stream of an engine that has no device form.
+template <class Distribution>
+std::unique_ptr<generator<Distribution>> create_generator(const sycl::queue& queue, vqs_stream stream,
+                                                          const Distribution& distribution) {
+  const std::int32_t engine = vqsEngineOfStream(stream);
+  if (engine < 0)
+    throw invalid_argument("rng", "generate", "stream");
+  switch (engine) {
+#define KESTRO_HVL_ENGINE(name)                                                                              \
+  case engine_traits<name>::identifier:                                                                      \
+    return std::make_unique<generator_impl<name, Distribution>>(queue, stream, distribution);
+#include <kestro/hvl/rng/detail/engines.def>
+#undef KESTRO_HVL_ENGINE
+  default:
+    throw unimplemented("rng", "generate", "engine of the stream");
+  }
+}
+
+} // namespace kestro::hvl::rng::detail::openmp
