@@ -126,19 +126,28 @@ struct lane_states {
 
 using vec32 = hn::Vec<hn::ScalableTag<std::uint32_t>>;
 
+// Two vectors of signed residues as 32-bit words in [0, m). (The conversion needs no saturation: |residue| < 2^31.)
+HWY_INLINE vec32 canonical(vec low, vec high, std::uint32_t m) {
+  const hn::ScalableTag<std::uint32_t> d;
+#if HWY_TARGET <= HWY_AVX3
+  const __m512i residue = _mm512_inserti64x4(_mm512_castsi256_si512(_mm512_cvttpd_epi32(low.raw)),
+                                             _mm512_cvttpd_epi32(high.raw), 1);
+  const __mmask16 negative = _mm512_movepi32_mask(residue);
+  return vec32{_mm512_mask_add_epi32(residue, negative, residue, hn::Set(d, m).raw)};
+#else
+  const vec32 residue{_mm256_set_m128i(_mm256_cvttpd_epi32(high.raw), _mm256_cvttpd_epi32(low.raw))};
+  const hn::ScalableTag<std::int32_t> di;
+  const vec32 negative = hn::BitCast(d, hn::BroadcastSignBit(hn::BitCast(di, residue)));
+  return hn::Add(residue, hn::And(negative, hn::Set(d, m)));
+#endif
+}
+
 // Signed residues of the same 2 * lanes rows to outputs.
 HWY_INLINE vec32 combined(vec x_low, vec x_high, vec y_low, vec y_high) {
-  const hn::ScalableTag<std::int32_t> di;
-  const hn::Half<hn::ScalableTag<std::int32_t>> half;
-  const hn::ScalableTag<std::uint32_t> du;
-  const auto canonical = [&](vec low, vec high, std::uint32_t m) __attribute__((always_inline)) {
-    const auto residue = hn::Combine(di, hn::DemoteTo(half, high), hn::DemoteTo(half, low));
-    const auto sign = hn::BitCast(du, hn::BroadcastSignBit(residue));
-    return hn::Add(hn::BitCast(du, residue), hn::And(sign, hn::Set(du, m)));
-  };
+  const hn::ScalableTag<std::uint32_t> d;
   const vec32 p = canonical(x_low, x_high, mrg32k3a_m1);
   const vec32 q = canonical(y_low, y_high, mrg32k3a_m2);
-  return hn::Add(hn::Sub(p, q), hn::IfThenZeroElse(hn::Gt(p, q), hn::Set(du, mrg32k3a_m1)));
+  return hn::Add(hn::Sub(p, q), hn::IfThenZeroElse(hn::Gt(p, q), hn::Set(d, mrg32k3a_m1)));
 }
 
 // One step of every lane: the oldest values, index `oldest`, are replaced by the new ones. Outputs go to
