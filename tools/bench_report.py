@@ -107,6 +107,9 @@ def main():
     programs = programs_below(options.programs)
     if not programs:
         sys.exit(f"no benchmark program below {options.programs}")
+    busy = os.getloadavg()[0]
+    if busy > 0.5:
+        print(f"The machine is busy (load {busy:.1f}): ratios over several threads will come out too low.", flush=True)
     results = {program.name: run(program, options.extra) for program in programs}
     evaluated = list(evaluate(ratios_below(options.ratios), speeds(results)))
     show(evaluated, previous_ratios(options.results))
@@ -114,7 +117,7 @@ def main():
     now, commit = datetime.datetime.now(), commit_of(options.ratios)
     options.results.mkdir(parents=True, exist_ok=True)
     kept = options.results / f"{now:%Y-%m-%d-%H%M}-{commit}.json"
-    kept.write_text(json.dumps({"date": now.isoformat(timespec="seconds"), "commit": commit, "ratios": evaluated,
+    kept.write_text(json.dumps({"date": now.isoformat(timespec="seconds"), "commit": commit, "load": busy, "ratios": evaluated,
                                 "programs": results}, indent=1) + "\n")
     print(f"\nkept in {kept}")
 
