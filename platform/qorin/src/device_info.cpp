@@ -1,6 +1,7 @@
 // Answers of device::get_info. Every device is this machine, so most answers are the processor's.
 #include "limits.hpp"
 #include "objects.hpp"
+#include "usm_memory.hpp"
 
 #include <sycl/group.hpp>
 
@@ -16,11 +17,6 @@ namespace sycl {
 
 namespace {
 
-std::uint64_t physical_memory() {
-  return static_cast<std::uint64_t>(sysconf(_SC_PHYS_PAGES)) *
-         static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
-}
-
 std::uint32_t vector_bytes() {
   switch (hvl_serv_isa()) {
   case HVL_ISA_AVX512:
@@ -33,6 +29,7 @@ std::uint32_t vector_bytes() {
 }
 
 using detail::local_memory_bytes;
+using detail::physical_memory;
 using detail::sub_group_size;
 constexpr std::size_t largest_group = detail::largest_work_group;
 

@@ -25,25 +25,29 @@ scheduler& scheduler::instance() {
 scheduler::scheduler() : preferred_dispatchers_(std::max(2u, std::thread::hardware_concurrency())) {}
 
 void scheduler::warm_up() {
-  std::unique_lock lock(mutex_);
+  const std::lock_guard lock(mutex_);
   if (dispatchers_ == 0)
-    start_dispatcher(lock);
+    start_dispatcher();
 }
 
 void scheduler::add_ready(command& c) {
-  std::unique_lock lock(mutex_);
+  const std::lock_guard lock(mutex_);
   c.phase_.store(command::phase::ready, std::memory_order_release);
   link(c);
   if (looks_for_work_next && first_ == &c)
     return;
+  call_for_service();
+}
+
+/// There is a ready command: sees to it that a dispatcher comes for it.
+void scheduler::call_for_service() {
   if (napping_) {
     if (!quiet_)
       napper_.notify_one();
   } else if (sleeping_ > 0) {
-    lock.unlock();
     sleepers_.notify_one();
   } else if (dispatchers_ < preferred_dispatchers_) {
-    start_dispatcher(lock);
+    start_dispatcher();
   } else if (!saturated_) {
     saturated_ = true;
     if (!std::exchange(watching_, true))
@@ -62,7 +66,7 @@ bool scheduler::claim(command& c) {
   return true;
 }
 
-void scheduler::start_dispatcher(std::unique_lock<std::mutex>&) {
+void scheduler::start_dispatcher() {
   std::thread([this] { dispatch(); }).detach();
   ++dispatchers_;
 }
@@ -89,8 +93,8 @@ command* scheduler::next(std::unique_lock<std::mutex>& lock) {
     ++taken_;
     if (!c.claim())
       continue;
-    if (first_ != nullptr && !napping_ && sleeping_ > 0)
-      sleepers_.notify_one();
+    if (first_ != nullptr)
+      call_for_service();
     return &c;
   }
   if (!napping_ && nap(lock))
@@ -122,7 +126,7 @@ void scheduler::watch() {
       watcher_.wait_for(lock, watch_time);
       if (first_ != nullptr && taken_ == taken_before && sleeping_ == 0 && !napping_ &&
           dispatchers_ < most_dispatchers)
-        start_dispatcher(lock);
+        start_dispatcher();
     }
     saturated_ = false;
   }

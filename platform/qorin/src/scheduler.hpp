@@ -29,7 +29,8 @@ class scheduler {
  private:
   scheduler();
 
-  void start_dispatcher(std::unique_lock<std::mutex>& lock);
+  void call_for_service();
+  void start_dispatcher();
   void dispatch();
   command* next(std::unique_lock<std::mutex>& lock);
   bool nap(std::unique_lock<std::mutex>& lock);

@@ -12,6 +12,7 @@
 #include <shared_mutex>
 
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace sycl {
 
@@ -22,6 +23,11 @@ std::size_t allocation_limit() {
   if (hvl_serv_getenv("QORIN_ALLOCATION_LIMIT", text, sizeof text) <= 0)
     return std::numeric_limits<std::size_t>::max();
   return std::strtoull(text, nullptr, 0);
+}
+
+std::uint64_t physical_memory() {
+  return static_cast<std::uint64_t>(sysconf(_SC_PHYS_PAGES)) *
+         static_cast<std::uint64_t>(sysconf(_SC_PAGE_SIZE));
 }
 
 namespace {
@@ -81,7 +87,7 @@ void* allocate(std::size_t alignment, std::size_t bytes, const context& ctx, con
     alignment = default_alignment;
   const bool power_of_two = (alignment & (alignment - 1)) == 0;
   if (bytes == 0 || !power_of_two || bytes > allocation_limit() || kind == usm::alloc::unknown ||
-      bytes > std::numeric_limits<std::size_t>::max() / 2)
+      bytes > physical_memory())
     return nullptr;
   if (dev != nullptr) {
     bool member = false;

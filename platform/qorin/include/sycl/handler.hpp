@@ -94,10 +94,18 @@ class QORIN_EXPORT handler {
         std::apply([&](const auto&... each) { detail::run_range_reduction(extent, each...); }, all);
       }));
   }
-  /// For sizes written as plain integers.
+  // For sizes written as plain integers, or as integers in braces.
   template <class KernelName = detail::unnamed_kernel, class... Rest>
   void parallel_for(range<1> extent, const Rest&... rest) {
     parallel_for<KernelName, 1, Rest...>(extent, rest...);
+  }
+  template <class KernelName = detail::unnamed_kernel, class... Rest>
+  void parallel_for(range<2> extent, const Rest&... rest) {
+    parallel_for<KernelName, 2, Rest...>(extent, rest...);
+  }
+  template <class KernelName = detail::unnamed_kernel, class... Rest>
+  void parallel_for(range<3> extent, const Rest&... rest) {
+    parallel_for<KernelName, 3, Rest...>(extent, rest...);
   }
   /// The kernel takes an nd_item and then the reducers. Throws errc::nd_range for groups that are too large or do
   /// not fill the range.

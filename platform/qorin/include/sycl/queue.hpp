@@ -86,6 +86,14 @@ class QORIN_EXPORT queue : public detail::handle<queue, detail::queue_state>,
   event parallel_for(range<1> extent, Rest&&... rest) {
     return launch<KernelName>(extent, std::forward<Rest>(rest)...);
   }
+  template <class KernelName = detail::unnamed_kernel, class... Rest>
+  event parallel_for(range<2> extent, Rest&&... rest) {
+    return launch<KernelName>(extent, std::forward<Rest>(rest)...);
+  }
+  template <class KernelName = detail::unnamed_kernel, class... Rest>
+  event parallel_for(range<3> extent, Rest&&... rest) {
+    return launch<KernelName>(extent, std::forward<Rest>(rest)...);
+  }
   template <class KernelName = detail::unnamed_kernel, int Dimensions, class... Rest>
   event parallel_for(nd_range<Dimensions> extent, Rest&&... rest) {
     return launch<KernelName>(extent, std::forward<Rest>(rest)...);

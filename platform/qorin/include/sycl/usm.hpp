@@ -13,8 +13,8 @@ namespace usm {
 enum class alloc : int { host, device, shared, unknown };
 } // namespace usm
 
-/// Null when the memory cannot be had, and for 0 bytes. An alignment of 0 means one that suits every type; a request
-/// of more than QORIN_ALLOCATION_LIMIT bytes (an environment variable, read at each call) fails.
+/// Null when the memory cannot be had, and for 0 bytes. An alignment of 0 means one that suits every type. A request of
+/// more bytes than the machine has, or than QORIN_ALLOCATION_LIMIT (an environment variable, read at each call), fails.
 QORIN_EXPORT void* malloc_device(std::size_t bytes, const device& dev, const context& ctx,
                                  const property_list& properties = {});
 QORIN_EXPORT void* malloc_host(std::size_t bytes, const context& ctx, const property_list& properties = {});
