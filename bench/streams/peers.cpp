@@ -4,7 +4,7 @@
 #include <gsl/gsl_rng.h>
 
 #include <boost/random/mersenne_twister.hpp>
-#include <cmath>
+#include <memory>
 #include <random>
 
 #include "sizes.hpp"
@@ -54,36 +54,31 @@ struct random123_philox {
   }
 };
 
-// The implementation in floating point that the engine's author published.
+// The recurrence as its definition reads, in 64-bit integers; several times as fast as the author's version in floating
+// point, whose truncations g++ does not vectorise.
 struct textbook_mrg32k3a {
-  double s10 = 12345, s11 = 12345, s12 = 12345, s20 = 12345, s21 = 12345, s22 = 12345;
+  std::uint64_t x0 = 12345, x1 = 12345, x2 = 12345, y0 = 12345, y1 = 12345, y2 = 12345;
 
-  double operator()() {
-    constexpr double m1 = 4294967087.0;
-    constexpr double m2 = 4294944443.0;
-    double p1 = 1403580.0 * s11 - 810728.0 * s10;
-    p1 -= std::trunc(p1 / m1) * m1;
-    if (p1 < 0.0)
-      p1 += m1;
-    s10 = s11;
-    s11 = s12;
-    s12 = p1;
-    double p2 = 527612.0 * s22 - 1370589.0 * s20;
-    p2 -= std::trunc(p2 / m2) * m2;
-    if (p2 < 0.0)
-      p2 += m2;
-    s20 = s21;
-    s21 = s22;
-    s22 = p2;
-    return p1 <= p2 ? p1 - p2 + m1 : p1 - p2;
+  std::uint32_t operator()() {
+    constexpr std::uint64_t m1 = 4294967087;
+    constexpr std::uint64_t m2 = 4294944443;
+    const std::uint64_t x = (1403580 * x1 + 810728 * (m1 - x0)) % m1;
+    const std::uint64_t y = (527612 * y2 + 1370589 * (m2 - y0)) % m2;
+    x0 = x1;
+    x1 = x2;
+    x2 = x;
+    y0 = y1;
+    y1 = y2;
+    y2 = y;
+    return static_cast<std::uint32_t>(x > y ? x - y : x + m1 - y);
   }
   void operator()(std::span<std::uint32_t> out) {
     for (std::uint32_t& word : out)
-      word = static_cast<std::uint32_t>((*this)());
+      word = (*this)();
   }
   void operator()(std::span<float> out) {
     for (float& value : out)
-      value = static_cast<float>((*this)() * 2.328306549295728e-10);
+      value = static_cast<float>((*this)()) * 2.328306549295728e-10f;
   }
   void operator()(std::span<double> out) {
     for (double& value : out)

@@ -87,18 +87,21 @@ void run_part(const engine& e, const kernel_set& kernels, const part& p, const t
     _mm_sfence();
 }
 
-// Records of parts after the first, each skipped to its start.
+// Records of parts after the first, each skipped to its start: record i from record i - 2^k, in rounds of doubling
+// count, so that dear skips run side by side and few distances occur.
 class part_records {
  public:
   part_records(const engine& e, const void* record, std::size_t count, std::uint64_t words_apart)
       : stride_((e.record_bytes + vector_alignment - 1) / vector_alignment * vector_alignment),
         bytes_(new (std::align_val_t{vector_alignment}) std::byte[stride_ * count]) {
-    const void* previous = record;
-    for (std::size_t i = 0; i < count; ++i) {
-      std::memcpy((*this)[i], previous, e.record_bytes);
-      e.skip((*this)[i], std::span(&words_apart, 1));
-      previous = (*this)[i];
-    }
+    const auto derive = [&](std::size_t part, const void* earlier, std::uint64_t words) {
+      std::memcpy((*this)[part], earlier, e.record_bytes);
+      e.skip((*this)[part], std::span(&words, 1));
+    };
+    derive(0, record, words_apart);
+    for (std::size_t known = 1; known < count; known *= 2)
+      tbb::parallel_for(known, std::min(2 * known, count),
+                        [&](std::size_t part) { derive(part, (*this)[part - known], known * words_apart); });
   }
 
   void* operator[](std::size_t i) const noexcept { return bytes_.get() + i * stride_; }

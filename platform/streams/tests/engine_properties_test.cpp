@@ -1,4 +1,6 @@
 // What holds for every engine, each under every instruction set and number of threads.
+#include <oneapi/tbb/task_arena.h>
+
 #include <algorithm>
 #include <cstring>
 #include <random>
@@ -75,6 +77,13 @@ TEST_P(engine_properties, skips_add_up_beyond_64_bits) {
   third_word.skip_words({9, 0, 1});
   EXPECT_EQ(third_word.saved(), high.saved());
 
+  // in the middle of a block, a count whose low word is less than what is left of the block
+  owned_stream first_far(id());
+  first_far.skip_words({0, 0, 1}).bits(2);
+  owned_stream first_near(id());
+  first_near.bits(1);
+  EXPECT_EQ(first_near.skip_words({1, 0, 1}).saved(), first_far.saved());
+
   owned_stream still(id());
   still.bits(3);
   owned_stream moved(still);
@@ -142,14 +151,18 @@ TEST_P(engine_properties, different_seeds_and_words_give_different_sequences) {
   EXPECT_NE(none[0], none[1]);
 }
 
-// Large enough for streaming stores, and for two threads of the engine that is dearest to split.
+// Large enough for streaming stores and, with seven places for threads, for three parts of the engine that is
+// dearest to split and seven of the others.
 TEST_P(engine_properties, large_output_is_the_same_as_small_outputs) {
-  constexpr std::size_t n = 9'000'003;
-  const run_mode mode(-1, 2);
+  constexpr std::size_t n = 13'000'003;
+  const run_mode mode(-1, 7);
+  tbb::task_arena arena(7);
   owned_stream stream(id());
   stream.bits(1);
   std::vector<float> whole(n + 1, -1.0f);
-  ASSERT_EQ(vsRngUniform_64(0, stream, n, whole.data() + 1, 0.0f, 1.0f), VQS_STATUS_OK);
+  const int status =
+      arena.execute([&] { return vsRngUniform_64(0, stream, n, whole.data() + 1, 0.0f, 1.0f); });
+  ASSERT_EQ(status, VQS_STATUS_OK);
   owned_stream pieces(id());
   pieces.bits(1);
   std::vector<float> piece(70'001);
@@ -164,6 +177,14 @@ TEST_P(engine_properties, large_output_is_the_same_as_small_outputs) {
 }
 
 HVL_STREAMS_FOR_EACH_ENGINE(engine_properties);
+
+TEST(philox4x32x10, has_a_period_of_2_to_130) {
+  owned_stream stream(VQS_ENGINE_PHILOX4X32X10);
+  stream.bits(1);
+  const auto before = stream.saved();
+  EXPECT_EQ(stream.skip_words({0, 0, 4}).saved(), before);
+  EXPECT_EQ(stream.skip_words({0, 0, 1}).skip_words({0, 0, 3, 77}).saved(), before);
+}
 
 TEST(philox4x32x10, remaining_words_and_carries) {
   // remaining 4: the whole block before the counter is still to come

@@ -25,8 +25,9 @@ struct gaussian {
                           std::size_t count) noexcept {
     const auto& p = *static_cast<const gaussian_parameters<T>*>(parameters);
     for_each_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
-                     [&](value u1, value u2, value& first, value& second) HVL_STREAMS_INLINE_LAMBDA {
-                       math::gaussian_box_muller2<ops>(u1, u2, p.mean, p.scale, first, second);
+                     [&]<class O>(typename O::value u1, typename O::value u2, typename O::value& first,
+                                  typename O::value& second) HVL_STREAMS_INLINE_LAMBDA {
+                       math::gaussian_box_muller2<O>(u1, u2, p.mean, p.scale, first, second);
                      });
   }
 

@@ -17,12 +17,13 @@ struct lognormal {
                           std::size_t count) noexcept {
     const auto& p = *static_cast<const lognormal_parameters<T>*>(parameters);
     for_each_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
-                     [&](value u1, value u2, value& first, value& second) HVL_STREAMS_INLINE_LAMBDA {
-                       math::lognormal_box_muller2<ops>(u1, u2, p.m, p.s, p.displacement, p.scale, first,
-                                                        second);
+                     [&]<class O>(typename O::value u1, typename O::value u2, typename O::value& first,
+                                  typename O::value& second) HVL_STREAMS_INLINE_LAMBDA {
+                       math::lognormal_box_muller2<O>(u1, u2, p.m, p.s, p.displacement, p.scale, first,
+                                                      second);
                        if constexpr (Accurate) {
-                         first = math::raised_to<ops>(first, p.displacement);
-                         second = math::raised_to<ops>(second, p.displacement);
+                         first = math::raised_to<O>(first, p.displacement);
+                         second = math::raised_to<O>(second, p.displacement);
                        }
                      });
   }

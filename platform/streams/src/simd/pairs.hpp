@@ -1,7 +1,7 @@
 // Loops for methods that take their uniforms in pairs.
 #pragma once
 
-#include "simd/uniform.hpp"
+#include "simd/vector_ops.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
@@ -21,7 +21,7 @@ template <class T, class Load, class Body>
 void for_each_pair(T* out, std::size_t count, const Load& load, const Body& body) {
   for (std::size_t i = 0; i < count; i += 2) {
     T first, second;
-    body(load(i), load(i + 1), first, second);
+    body.template operator()<vector_ops<T>>(load(i), load(i + 1), first, second);
     out[i] = first;
     if (i + 1 < count)
       out[i + 1] = second;
@@ -66,11 +66,22 @@ HWY_INLINE void for_each_pair(T* HWY_RESTRICT out, std::size_t count, const Load
   const auto two_vectors = [&](std::size_t i, T * HWY_RESTRICT to) __attribute__((always_inline)) {
     vector<T> u1, u2, first, second;
     unzip(load(i), load(i + width), u1, u2);
-    body(u1, u2, first, second);
+    body.template operator()<vector_ops<T>>(u1, u2, first, second);
     hn::StoreU(hn::InterleaveLower(d, first, second), d, to);
     hn::StoreU(hn::InterleaveUpper(d, first, second), d, to + width);
   };
+  using two = two_vectors_ops<T>;
   std::size_t i = 0;
+  for (; i + 4 * width <= count; i += 4 * width) {
+    typename two::value u1, u2, first, second;
+    unzip(load(i), load(i + width), u1.a, u2.a);
+    unzip(load(i + 2 * width), load(i + 3 * width), u1.b, u2.b);
+    body.template operator()<two>(u1, u2, first, second);
+    hn::StoreU(hn::InterleaveLower(d, first.a, second.a), d, out + i);
+    hn::StoreU(hn::InterleaveUpper(d, first.a, second.a), d, out + i + width);
+    hn::StoreU(hn::InterleaveLower(d, first.b, second.b), d, out + i + 2 * width);
+    hn::StoreU(hn::InterleaveUpper(d, first.b, second.b), d, out + i + 3 * width);
+  }
   for (; i + 2 * width <= count; i += 2 * width)
     two_vectors(i, out + i);
   if (i < count) {

@@ -87,6 +87,58 @@ struct vector_ops<float> : vector_basics<float, std::uint32_t> {
   }
 };
 
+// Two vectors at a time as one value. Their instructions alternate, which keeps the processor busy where one vector's
+// wait for each other.
+template <class T>
+struct two_vectors_ops {
+  using one = vector_ops<T>;
+  using scalar = T;
+  using bits_type = typename one::bits_type;
+
+  struct mask {
+    typename one::mask a, b;
+  };
+  template <class V>
+  struct twice {
+    V a, b;
+    friend HWY_INLINE twice operator+(twice x, twice y) { return {x.a + y.a, x.b + y.b}; }
+    friend HWY_INLINE twice operator-(twice x, twice y) { return {x.a - y.a, x.b - y.b}; }
+    friend HWY_INLINE twice operator*(twice x, twice y) { return {x.a * y.a, x.b * y.b}; }
+    friend HWY_INLINE twice operator/(twice x, twice y) { return {x.a / y.a, x.b / y.b}; }
+    friend HWY_INLINE twice operator&(twice x, twice y) { return {x.a & y.a, x.b & y.b}; }
+    friend HWY_INLINE twice operator|(twice x, twice y) { return {x.a | y.a, x.b | y.b}; }
+    friend HWY_INLINE twice operator^(twice x, twice y) { return {x.a ^ y.a, x.b ^ y.b}; }
+  };
+  using value = twice<typename one::value>;
+  using word = twice<typename one::word>;
+
+  static HWY_INLINE value set(T x) { return {one::set(x), one::set(x)}; }
+  static HWY_INLINE word set_word(bits_type x) { return {one::set_word(x), one::set_word(x)}; }
+  static HWY_INLINE word bits(value x) { return {one::bits(x.a), one::bits(x.b)}; }
+  static HWY_INLINE value from_bits(word x) { return {one::from_bits(x.a), one::from_bits(x.b)}; }
+  template <int N>
+  static HWY_INLINE word shift_left(word x) {
+    return {one::template shift_left<N>(x.a), one::template shift_left<N>(x.b)};
+  }
+  template <int N>
+  static HWY_INLINE word shift_right(word x) {
+    return {one::template shift_right<N>(x.a), one::template shift_right<N>(x.b)};
+  }
+  static HWY_INLINE value fma(value x, value y, value z) {
+    return {one::fma(x.a, y.a, z.a), one::fma(x.b, y.b, z.b)};
+  }
+  static HWY_INLINE value sqrt(value x) { return {one::sqrt(x.a), one::sqrt(x.b)}; }
+  static HWY_INLINE mask lt(value x, value y) { return {one::lt(x.a, y.a), one::lt(x.b, y.b)}; }
+  static HWY_INLINE mask odd(word x) { return {one::odd(x.a), one::odd(x.b)}; }
+  static HWY_INLINE value select(mask m, value x, value y) {
+    return {one::select(m.a, x.a, y.a), one::select(m.b, x.b, y.b)};
+  }
+  template <std::size_t N>
+  static HWY_INLINE value lookup(const T (&table)[N], word index) {
+    return {one::lookup(table, index.a), one::lookup(table, index.b)};
+  }
+};
+
 #endif
 
 // Doubles to the result type, each rounded once.
