@@ -87,7 +87,11 @@ struct distribution_traits<lognormal<T, Method>> {
   static interval<T> uniforms(const distribution&) { return normal_uniforms<T>(is_icdf); }
 
   static transform device_transform(const distribution& d) {
-    return transform{{d.m(), is_icdf ? ::hvl::math::icdf_scale(d.s()) : d.s(), d.displ(), d.scale()}};
+    const plain_transform plain{d.m(), is_icdf ? ::hvl::math::icdf_scale(d.s()) : d.s(), d.displ(), d.scale()};
+    if constexpr (is_accurate)
+      return {plain};
+    else
+      return plain;
   }
 
   static int generate_on_host(const distribution& d, vqs_stream stream, std::int64_t n, T* r) {
