@@ -1,23 +1,19 @@
 // The normal distribution.
 #include <hvl/math/transforms/gaussian.hpp>
 
-#include "simd/pairs.hpp"
-#include "simd/vector_ops.hpp"
+#include "simd/value_loops.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
 
 template <word_kind Kind, class T>
 struct gaussian {
-  using ops = vector_ops<T>;
-  using value = typename ops::value;
-
   static void box_muller(const void* parameters, const void* words, void* values,
                          std::size_t count) noexcept {
     const auto& p = *static_cast<const gaussian_parameters<T>*>(parameters);
     for_each_of_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
-                        [&](value u1, value u2) HVL_STREAMS_INLINE_LAMBDA {
-                          return math::gaussian_box_muller<ops>(u1, u2, p.mean, p.scale);
+                        [&]<class O>(typename O::value u1, typename O::value u2) HVL_STREAMS_INLINE_LAMBDA {
+                          return math::gaussian_box_muller<O>(u1, u2, p.mean, p.scale);
                         });
   }
 
@@ -33,10 +29,9 @@ struct gaussian {
 
   static void icdf(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
     const auto& p = *static_cast<const gaussian_parameters<T>*>(parameters);
-    const word_loader<Kind, T> load(words, p.affine);
-    for_each_vector<T>(static_cast<T*>(values), count, [&](std::size_t i) HVL_STREAMS_INLINE_LAMBDA {
-      return math::gaussian_icdf<ops>(load(i), p.mean, p.scale);
-    });
+    for_each_value<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+                      [&]<class O>(typename O::value v)
+                          HVL_STREAMS_INLINE_LAMBDA { return math::gaussian_icdf<O>(v, p.mean, p.scale); });
   }
 
   static transform_function of(gaussian_method method) noexcept {

@@ -1,46 +1,42 @@
 // exponential, laplace, weibull, rayleigh, gumbel, cauchy.
 #include <hvl/math/transforms/inverse_cdf.hpp>
 
-#include "simd/pairs.hpp"
-#include "simd/vector_ops.hpp"
+#include "simd/value_loops.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
 
-template <inverse_cdf_family Family, class T>
-HVL_MATH_INLINE auto formula(typename vector_ops<T>::value u, const inverse_cdf_parameters<T>& p) {
-  using ops = vector_ops<T>;
+template <inverse_cdf_family Family, class O>
+HVL_MATH_INLINE auto formula(typename O::value u, const inverse_cdf_parameters<typename O::scalar>& p) {
   if constexpr (Family == inverse_cdf_family::exponential)
-    return math::exponential_icdf<ops>(u, p.a, p.scale);
+    return math::exponential_icdf<O>(u, p.a, p.scale);
   else if constexpr (Family == inverse_cdf_family::weibull)
-    return math::weibull_icdf<ops>(u, p.exponent, p.a, p.scale);
+    return math::weibull_icdf<O>(u, p.exponent, p.a, p.scale);
   else if constexpr (Family == inverse_cdf_family::rayleigh)
-    return math::rayleigh_icdf<ops>(u, p.a, p.scale);
+    return math::rayleigh_icdf<O>(u, p.a, p.scale);
   else
-    return math::gumbel_icdf<ops>(u, p.a, p.scale);
+    return math::gumbel_icdf<O>(u, p.a, p.scale);
 }
 
 template <word_kind Kind, class T, inverse_cdf_family Family, bool Accurate>
 void of_one_uniform(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
   const auto& p = *static_cast<const inverse_cdf_parameters<T>*>(parameters);
-  const word_loader<Kind, T> load(words, p.affine);
-  for_each_vector<T>(static_cast<T*>(values), count, [&](std::size_t i) HVL_STREAMS_INLINE_LAMBDA {
-    const auto result = formula<Family, T>(load(i), p);
-    if constexpr (Accurate)
-      return math::raised_to<vector_ops<T>>(result, p.a);
-    else
-      return result;
-  });
+  for_each_value<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+                    [&]<class O>(typename O::value u) HVL_STREAMS_INLINE_LAMBDA {
+                      const auto result = formula<Family, O>(u, p);
+                      if constexpr (Accurate)
+                        return math::raised_to<O>(result, p.a);
+                      else
+                        return result;
+                    });
 }
 
 template <word_kind Kind, class T>
 void laplace(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
-  using value = typename vector_ops<T>::value;
   const auto& p = *static_cast<const inverse_cdf_parameters<T>*>(parameters);
   for_each_of_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
-                      [&](value u1, value u2) HVL_STREAMS_INLINE_LAMBDA {
-                        return math::laplace_icdf<vector_ops<T>>(u1, u2, p.a, p.scale);
-                      });
+                      [&]<class O>(typename O::value u1, typename O::value u2)
+                          HVL_STREAMS_INLINE_LAMBDA { return math::laplace_icdf<O>(u1, u2, p.a, p.scale); });
 }
 
 // In double for both result types.
@@ -49,10 +45,9 @@ void cauchy(const void* parameters, const void* words, void* values, std::size_t
   const auto& p = *static_cast<const inverse_cdf_parameters<T>*>(parameters);
   const auto a = static_cast<double>(p.a);
   const auto b = static_cast<double>(p.scale);
-  const word_loader<Kind, double> load(words, p.angles);
-  for_each_vector<double>(static_cast<T*>(values), count, [&](std::size_t i) HVL_STREAMS_INLINE_LAMBDA {
-    return narrowed<T>(math::cauchy_icdf<vector_ops<double>>(load(i), a, b));
-  });
+  for_each_value<double>(static_cast<T*>(values), count, word_loader<Kind, double>(words, p.angles),
+                         [&]<class O>(typename O::value angle)
+                             HVL_STREAMS_INLINE_LAMBDA { return math::cauchy_icdf<O>(angle, a, b); });
 }
 
 template <word_kind Kind, class T>

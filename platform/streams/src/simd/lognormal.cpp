@@ -2,17 +2,13 @@
 #include <hvl/math/transforms/inverse_cdf.hpp>
 #include <hvl/math/transforms/lognormal.hpp>
 
-#include "simd/pairs.hpp"
-#include "simd/vector_ops.hpp"
+#include "simd/value_loops.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
 
 template <word_kind Kind, class T, bool Accurate>
 struct lognormal {
-  using ops = vector_ops<T>;
-  using value = typename ops::value;
-
   static void box_muller2(const void* parameters, const void* words, void* values,
                           std::size_t count) noexcept {
     const auto& p = *static_cast<const lognormal_parameters<T>*>(parameters);
@@ -30,14 +26,14 @@ struct lognormal {
 
   static void icdf(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
     const auto& p = *static_cast<const lognormal_parameters<T>*>(parameters);
-    const word_loader<Kind, T> load(words, p.affine);
-    for_each_vector<T>(static_cast<T*>(values), count, [&](std::size_t i) HVL_STREAMS_INLINE_LAMBDA {
-      const auto result = math::lognormal_icdf<ops>(load(i), p.m, p.s, p.displacement, p.scale);
-      if constexpr (Accurate)
-        return math::raised_to<ops>(result, p.displacement);
-      else
-        return result;
-    });
+    for_each_value<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+                      [&]<class O>(typename O::value v) HVL_STREAMS_INLINE_LAMBDA {
+                        const auto result = math::lognormal_icdf<O>(v, p.m, p.s, p.displacement, p.scale);
+                        if constexpr (Accurate)
+                          return math::raised_to<O>(result, p.displacement);
+                        else
+                          return result;
+                      });
   }
 
   static transform_function of(lognormal_method method) noexcept {

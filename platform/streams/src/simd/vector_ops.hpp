@@ -76,15 +76,7 @@ struct vector_ops<float> : vector_basics<float, std::uint32_t> {
   }
 
   template <class F>
-  static HWY_INLINE value widened(const F& f, value a) {
-    const vector_tag<float> d;
-    const hn::Half<vector_tag<float>> dh;
-    const vector_tag<double> dd;
-    using wide = vector_ops<double>;
-    const auto low = f(wide{}, hn::PromoteTo(dd, hn::LowerHalf(dh, a)));
-    const auto high = f(wide{}, hn::PromoteTo(dd, hn::UpperHalf(dh, a)));
-    return hn::Combine(d, hn::DemoteTo(dh, high), hn::DemoteTo(dh, low));
-  }
+  static HWY_INLINE value widened(const F& f, value a);
 };
 
 // Two vectors at a time as one value. Their instructions alternate, which keeps the processor busy where one vector's
@@ -137,18 +129,32 @@ struct two_vectors_ops {
   static HWY_INLINE value lookup(const T (&table)[N], word index) {
     return {one::lookup(table, index.a), one::lookup(table, index.b)};
   }
+  template <class F>
+  static HWY_INLINE value widened(const F& f, value x) {
+    return {one::widened(f, x.a), one::widened(f, x.b)};
+  }
 };
+
+template <class F>
+HWY_INLINE vector_ops<float>::value vector_ops<float>::widened(const F& f, value a) {
+  const hn::Half<vector_tag<float>> half;
+  const vector_tag<double> d;
+  using wide = two_vectors_ops<double>;
+  const typename wide::value w = f(wide{}, typename wide::value{hn::PromoteTo(d, hn::LowerHalf(half, a)),
+                                                                hn::PromoteTo(d, hn::UpperHalf(half, a))});
+  return hn::Combine(vector_tag<float>(), hn::DemoteTo(half, w.b), hn::DemoteTo(half, w.a));
+}
 
 #endif
 
-// Doubles to the result type, each rounded once.
-template <class T>
-HVL_MATH_INLINE auto narrowed(typename vector_ops<double>::value v) {
+// Computed values to the result type, each rounded once at most.
+template <class Value, class V>
+HVL_MATH_INLINE auto narrowed(V v) {
 #ifdef HVL_STREAMS_ISA_IS_SCALAR
-  return static_cast<T>(v);
+  return static_cast<Value>(v);
 #else
-  if constexpr (sizeof(T) == 4)
-    return hn::DemoteTo(hn::Half<vector_tag<float>>(), v);
+  if constexpr (sizeof(Value) < sizeof(hn::TFromV<V>))
+    return hn::DemoteTo(hn::Half<vector_tag<Value>>(), v);
   else
     return v;
 #endif

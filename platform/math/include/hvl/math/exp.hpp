@@ -47,12 +47,13 @@ struct exp_reduced {
   typename O::value low;
 };
 
-template <class O>
-HVL_MATH_INLINE exp_factors<O> exp_assembled(exp_reduced<O> x) {
+template <class O, std::size_t N>
+HVL_MATH_INLINE exp_factors<O> exp_assembled(exp_reduced<O> x, const typename O::scalar (&terms)[N]) {
   using T = typename O::scalar;
   using L = layout<T>;
   const auto r = x.high + x.low;
-  const auto mantissa = (x.high + O::fma(r * r, polynomial<O>(r, exp_terms<T>::p), x.low)) + O::set(T(1));
+  const auto r2 = r * r;
+  const auto mantissa = (x.high + O::fma(r2, polynomial<O>(r, r2, terms), x.low)) + O::set(T(1));
   // the exponent plus twice the bias, halved: each half comes out biased
   const auto both = x.k - O::set_word(rounding_word<T> - 2 * L::bias);
   const auto half = O::template shift_right<1>(both);
@@ -70,7 +71,7 @@ HVL_MATH_INLINE exp_reduced<O> exp_reduce(typename O::value x) {
 
 template <class O>
 HVL_MATH_INLINE exp_factors<O> exp_split(typename O::value x) {
-  return exp_assembled<O>(exp_reduce<O>(x));
+  return exp_assembled<O>(exp_reduce<O>(x), exp_terms<typename O::scalar>::p);
 }
 
 // exp(x + low) for |low| far below |x|.
@@ -78,7 +79,7 @@ template <class O>
 HVL_MATH_INLINE exp_factors<O> exp_split(typename O::value x, typename O::value low) {
   exp_reduced<O> r = exp_reduce<O>(x);
   r.low = r.low + low;
-  return exp_assembled<O>(r);
+  return exp_assembled<O>(r, exp_terms<typename O::scalar>::p);
 }
 
 } // namespace detail

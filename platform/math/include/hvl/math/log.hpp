@@ -6,26 +6,34 @@
 namespace hvl::math {
 namespace detail {
 
-// log(1 + f) = f + f^2 P(f) for 1 + f in [sqrt(1/2), sqrt(2)].
+// log(1 + f) = f - f^2 / 2 + f^3 P(f), for 1 + f in [sqrt(1/2), sqrt(2)] and in (1/2, 1].
 template <class T>
 struct log_terms;
 
 template <>
 struct log_terms<float> {
-  static constexpr float p[] = {-0x1.fffff8p-2f, 0x1.55555p-2f,   -0x1.000432p-2f,
-                                0x1.99a41ap-3f,  -0x1.5425c4p-3f, 0x1.226dfcp-3f,
-                                -0x1.0f3faap-3f, 0x1.0860d2p-3f,  -0x1.384708p-4f};
+  static constexpr float p[] = {0x1.55557p-2f,  -0x1.000234p-2f, 0x1.99944ep-3f, -0x1.5466fep-3f,
+                                0x1.239ce2p-3f, -0x1.0e96ccp-3f, 0x1.015974p-3f, -0x1.2a6f78p-4f};
+  static constexpr float below_one[] = {0x1.554f2ep-2f,  -0x1.01009ep-2f, 0x1.79ae6p-3f,  -0x1.2ca06ap-2f,
+                                        -0x1.c4e85ep-2f, -0x1.afd4ecp0f,  -0x1.179de6p1f, -0x1.9e2986p0f};
 };
 
 template <>
 struct log_terms<double> {
   static constexpr double p[] = {
-      -0x1.0000000000003p-1, 0x1.555555555551cp-2, -0x1.fffffffffdedcp-3, 0x1.99999999a17e5p-3,
-      -0x1.55555556e2a14p-3, 0x1.249249224694ap-3, -0x1.fffffef68fb5cp-4, 0x1.c71c71d81085bp-4,
-      -0x1.9999c90c8f925p-4, 0x1.745d452490538p-4, -0x1.5550741f56b26p-4, 0x1.3b0ac8c703744p-4,
-      -0x1.24dc4e7dfd6cfp-4, 0x1.11d829d7f8eedp-4, -0x1.fb6e29caff696p-5, 0x1.cfb6bd9ed4a97p-5,
-      -0x1.d15ae3f87fe79p-5, 0x1.0b553c9c8485bp-4, -0x1.eb43b15bd75c3p-5, 0x1.abdeb0d935e63p-6};
+      0x1.5555555555533p-2, -0x1.fffffffffef15p-3, 0x1.999999999f7b1p-3, -0x1.555555566b2e2p-3,
+      0x1.24924922a1c3fp-3, -0x1.ffffff2bf976ap-4, 0x1.c71c71e0e7382p-4, -0x1.9999c26b565f2p-4,
+      0x1.745d3f05531ecp-4, -0x1.5550ee61b22b6p-4, 0x1.3b0b8aab780d4p-4, -0x1.24d750fa98fc2p-4,
+      0x1.11ccf0938419ap-4, -0x1.fba17fc00a87cp-5, 0x1.d05b071cb3a22p-5, -0x1.d1219b5976b07p-5,
+      0x1.0a61e2b9417ddp-4, -0x1.ea00580772673p-5, 0x1.ac6cc4d88acfap-6};
 };
+
+// log(1 + f) - f
+template <class O, std::size_t N>
+HVL_MATH_INLINE typename O::value log_series(typename O::value f, const typename O::scalar (&terms)[N]) {
+  const auto f2 = f * f;
+  return O::fma(f2, f * polynomial<O>(f, f2, terms), f2 * O::set(typename O::scalar(-0.5)));
+}
 
 } // namespace detail
 
@@ -33,16 +41,31 @@ struct log_terms<double> {
 template <class O>
 HVL_MATH_INLINE typename O::value log(typename O::value x) {
   using T = typename O::scalar;
-  const detail::split<O> s = detail::split_exponent<O>(x);
+  const detail::split<O> s = detail::split_exponent<O>(x, detail::sqrt_half_bits<T>);
   const auto f = s.mantissa - O::set(T(1));
-  const auto series = (f * f) * detail::polynomial<O>(f, detail::log_terms<T>::p);
+  const auto series = detail::log_series<O>(f, detail::log_terms<T>::p);
   const auto tail = O::fma(s.exponent, O::set(detail::ln2<T>::low), series);
   const auto head = O::fma(s.exponent, O::set(detail::ln2<T>::high), f);
   if constexpr (sizeof(T) == 8)
     return head + tail;
   // what rounding took from head: without it the error would pass one ulp
-  const auto lost = O::fma(s.exponent, O::set(detail::ln2<T>::high), detail::negated<O>(head)) + f;
+  const auto lost = f - O::fma(s.exponent, O::set(-detail::ln2<T>::high), head);
   return head + (lost + tail);
+}
+
+// The same for x <= 1, a little faster in float: with the mantissa in (1/2, 1] both addends are negative.
+template <class O>
+HVL_MATH_INLINE typename O::value log_below_one(typename O::value x) {
+  using T = typename O::scalar;
+  if constexpr (sizeof(T) == 8)
+    return log<O>(x);
+  else {
+    constexpr auto half = detail::layout<T>::one - (detail::layout<T>::mantissa_mask + 1);
+    const detail::split<O> s = detail::split_exponent<O>(x, half + 1);
+    const auto f = s.mantissa - O::set(T(1));
+    const auto series = detail::log_series<O>(f, detail::log_terms<T>::below_one);
+    return O::fma(s.exponent, O::set(detail::ln2<T>::whole), f + series);
+  }
 }
 
 // The logarithm of the smallest positive subnormal number.
@@ -56,6 +79,13 @@ template <class O>
 HVL_MATH_INLINE typename O::value log_guarded(typename O::value x) {
   using T = typename O::scalar;
   return O::select(O::lt(O::set(T(0)), x), log<O>(x), O::set(log_of_zero<T>) + x);
+}
+
+// log_guarded of a uniform: x <= 1.
+template <class O>
+HVL_MATH_INLINE typename O::value log_of_uniform(typename O::value x) {
+  using T = typename O::scalar;
+  return O::select(O::lt(O::set(T(0)), x), log_below_one<O>(x), O::set(log_of_zero<T>) + x);
 }
 
 } // namespace hvl::math

@@ -36,7 +36,7 @@ HVL_MATH_INLINE two_part<O> log_two_part(typename O::value x) {
   static_assert(sizeof(typename O::scalar) == 8);
   constexpr double r[] = {2.0 / 5,  2.0 / 7,  2.0 / 9,  2.0 / 11, 2.0 / 13, 2.0 / 15,
                           2.0 / 17, 2.0 / 19, 2.0 / 21, 2.0 / 23, 2.0 / 25};
-  const split<O> parts = split_exponent<O>(x);
+  const split<O> parts = split_exponent<O>(x, sqrt_half_bits<double>);
   const auto one = O::set(1.0);
   const auto numerator = parts.mantissa - one;
   const auto denominator = parts.mantissa + one;
@@ -49,7 +49,7 @@ HVL_MATH_INLINE two_part<O> log_two_part(typename O::value x) {
   s.low = remainder * reciprocal;
   const two_part<O> s2 = product<O>(s, s);
   const two_part<O> two_thirds{O::set(0x1.5555555555555p-1), O::set(0x1.5555555555555p-55)};
-  const two_part<O> rest{s2.high * polynomial<O>(s2.high, r), O::set(0.0)};
+  const two_part<O> rest{s2.high * polynomial<O>(s2.high, s2.high * s2.high, r), O::set(0.0)};
   const two_part<O> cube = product<O>(s, product<O>(s2, sum<O>(two_thirds, rest)));
   const two_part<O> of_mantissa = sum<O>({s.high + s.high, s.low + s.low}, cube);
   const two_part<O> of_exponent{parts.exponent * O::set(ln2<double>::high), // exact
@@ -65,6 +65,33 @@ HVL_MATH_INLINE exp_factors<O> powr_split(typename O::value x, typename O::scala
   // beyond exp's range the low part may be no number
   const auto in_range = O::lt(magnitude<O>(high), O::set(exp_terms<double>::greatest));
   return exp_split<O>(high, O::select(in_range, low, O::set(0.0)));
+}
+
+// What a result in float needs of double: logarithm and exponential to 35 and 28 bits.
+inline constexpr double log_terms_for_float[] = {
+    0x1.555555b5620cbp-2, -0x1.fffffc1370781p-3, 0x1.9999227b48585p-3, -0x1.555652343f52bp-3,
+    0x1.24a9abad9aa4dp-3, -0x1.ffee0a8d82864p-4, 0x1.c32a7008ea015p-4, -0x1.96824e3bd0acdp-4,
+    0x1.9920d87f97162p-4, -0x1.93fdee656ebd1p-4, 0x1.b948fb34e92dap-5};
+inline constexpr double exp_terms_for_float[] = {0x1.fffffb9b036cap-2, 0x1.55549168116bp-3,
+                                                 0x1.5558f11f9504fp-5, 0x1.1239d38199193p-7,
+                                                 0x1.6a244d0032b3p-10};
+
+template <class O>
+HVL_MATH_INLINE exp_factors<O> powr_split_for_float(typename O::value x, double y) {
+  const split<O> parts = split_exponent<O>(x, sqrt_half_bits<double>);
+  const auto f = parts.mantissa - O::set(1.0);
+  const auto logarithm =
+      O::fma(parts.exponent, O::set(ln2<double>::whole), f + log_series<O>(f, log_terms_for_float));
+  return exp_assembled<O>(exp_reduce<O>(logarithm * O::set(y)), exp_terms_for_float);
+}
+
+// powr_affine with a result that is good enough for rounding it to float.
+template <class O>
+HVL_MATH_INLINE typename O::value powr_affine_for_float(typename O::value x, double y, double scale,
+                                                        double shift) {
+  const exp_factors<O> e = powr_split_for_float<O>(x, y);
+  const auto general = O::fma((e.mantissa * e.first) * O::set(scale), e.second, O::set(shift));
+  return O::select(O::lt(O::set(0.0), x), general, O::set(shift));
 }
 
 } // namespace detail
@@ -88,9 +115,7 @@ HVL_MATH_INLINE typename O::value powr(typename O::value x, typename O::scalar y
     return powr_affine<O>(x, y, 1.0, 0.0);
   } else {
     const auto power = [y](auto wide_policy, auto base) __attribute__((always_inline)) {
-      using wide = decltype(wide_policy);
-      const auto p = exp<wide>(log<wide>(base) * wide::set(static_cast<double>(y)));
-      return wide::select(wide::lt(wide::set(0.0), base), p, wide::set(0.0));
+      return detail::powr_affine_for_float<decltype(wide_policy)>(base, static_cast<double>(y), 1.0, 0.0);
     };
     return O::widened(power, x);
   }

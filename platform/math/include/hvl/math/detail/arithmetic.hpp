@@ -29,18 +29,39 @@ struct layout<double> {
   static constexpr std::uint64_t one = 0x3ff0000000000000;
 };
 
-template <class O, std::size_t N, std::size_t... I>
+// c[First] + c[First + Step] x + c[First + 2 Step] x^2 + ...; I counts the coefficients but the last.
+template <class O, std::size_t First, std::size_t Step, std::size_t N, std::size_t... I>
 HVL_MATH_INLINE typename O::value horner(typename O::value x, const typename O::scalar (&c)[N],
                                          std::index_sequence<I...>) {
-  typename O::value sum = O::set(c[N - 1]);
-  ((sum = O::fma(sum, x, O::set(c[N - 2 - I]))), ...);
+  constexpr std::size_t last = First + sizeof...(I) * Step;
+  static_assert(last < N && last + Step >= N);
+  typename O::value sum = O::set(c[last]);
+  ((sum = O::fma(sum, x, O::set(c[last - (I + 1) * Step]))), ...);
   return sum;
+}
+
+template <class O, std::size_t First, std::size_t Step, std::size_t N>
+HVL_MATH_INLINE typename O::value every(typename O::value x, const typename O::scalar (&c)[N]) {
+  return horner<O, First, Step>(x, c, std::make_index_sequence<(N - 1 - First) / Step>());
 }
 
 // c[0] + c[1] x + c[2] x^2 + ...
 template <class O, std::size_t N>
 HVL_MATH_INLINE typename O::value polynomial(typename O::value x, const typename O::scalar (&c)[N]) {
-  return horner<O>(x, c, std::make_index_sequence<N - 1>());
+  return every<O, 0, 1>(x, c);
+}
+
+// The same given x2 = x * x, in several chains that do not wait for each other.
+template <class O, std::size_t N>
+HVL_MATH_INLINE typename O::value polynomial(typename O::value x, typename O::value x2,
+                                             const typename O::scalar (&c)[N]) {
+  if constexpr (N < 12) {
+    return O::fma(every<O, 1, 2>(x2, c), x, every<O, 0, 2>(x2, c));
+  } else {
+    const auto x4 = x2 * x2;
+    const auto low = O::fma(every<O, 1, 4>(x4, c), x, every<O, 0, 4>(x4, c));
+    return O::fma(O::fma(every<O, 3, 4>(x4, c), x, every<O, 2, 4>(x4, c)), x2, low);
+  }
 }
 
 // The polynomial whose coefficients are c[First], c[First + 1], ..., each at `index` of its row.
@@ -98,7 +119,7 @@ inline constexpr auto rounding_word = (layout<T>::bias + static_cast<unsigned>(l
                                           << layout<T>::mantissa_bits
                                       | (layout<T>::mantissa_mask + 1) >> 1;
 
-// x = 2^exponent * mantissa for a positive normal x, mantissa in [sqrt(1/2), sqrt(2)).
+// x = 2^exponent * mantissa for a positive normal x, mantissa in [least, 2 least), least given by its bits.
 template <class O>
 struct split {
   typename O::value exponent;
@@ -111,16 +132,15 @@ template <>
 inline constexpr auto sqrt_half_bits<double> = std::uint64_t{0x3fe6a09e667f3bcd};
 
 template <class O>
-HVL_MATH_INLINE split<O> split_exponent(typename O::value x) {
+HVL_MATH_INLINE split<O> split_exponent(typename O::value x, typename O::bits_type least) {
   using L = layout<typename O::scalar>;
-  constexpr auto sqrt_half = sqrt_half_bits<typename O::scalar>;
   constexpr auto integer_unit = (L::bias + static_cast<unsigned>(L::mantissa_bits))
                                 << L::mantissa_bits; // 2^mantissa_bits
   constexpr auto unbias = static_cast<typename O::scalar>((std::uint64_t{1} << L::mantissa_bits) + L::bias);
-  const auto moved = O::bits(x) + O::set_word(L::one - sqrt_half);
+  const auto moved = O::bits(x) + O::set_word(L::one - least);
   const auto biased = O::template shift_right<L::mantissa_bits>(moved);
   return {O::from_bits(biased | O::set_word(integer_unit)) - O::set(unbias),
-          O::from_bits((moved & O::set_word(L::mantissa_mask)) + O::set_word(sqrt_half))};
+          O::from_bits((moved & O::set_word(L::mantissa_mask)) + O::set_word(least))};
 }
 
 // ln 2 in two pieces: any exponent times the first is exact.
@@ -131,12 +151,14 @@ template <>
 struct ln2<float> {
   static constexpr float high = 0x1.62e4p-1f;
   static constexpr float low = 0x1.7f7d1cp-20f;
+  static constexpr float whole = 0x1.62e43p-1f;
 };
 
 template <>
 struct ln2<double> {
   static constexpr double high = 0x1.62e42fefa38p-1;
   static constexpr double low = 0x1.ef35793c7673p-45;
+  static constexpr double whole = 0x1.62e42fefa39efp-1;
 };
 
 } // namespace hvl::math::detail

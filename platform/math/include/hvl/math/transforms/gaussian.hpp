@@ -16,7 +16,7 @@ inline constexpr double two_pi<double> = 6.283185307179586;
 template <class O>
 HVL_MATH_INLINE typename O::value box_muller_radius(typename O::value u1) {
   using T = typename O::scalar;
-  return O::sqrt(O::set(T(-2)) * log_guarded<O>(u1));
+  return O::sqrt(O::set(T(-2)) * log_of_uniform<O>(u1));
 }
 
 // Normal values of mean 0 and deviation 1, at a right angle to each other.

@@ -16,7 +16,7 @@ HVL_MATH_INLINE typename O::value raised_to(typename O::value result, typename O
 template <class O>
 HVL_MATH_INLINE typename O::value exponential_icdf(typename O::value u, typename O::scalar a,
                                                    typename O::scalar beta) {
-  return O::fma(O::set(-beta), log_guarded<O>(u), O::set(a));
+  return O::fma(O::set(-beta), log_of_uniform<O>(u), O::set(a));
 }
 
 // a - b ln u1 where u2 <= 1/2, a + b ln u1 elsewhere
@@ -24,7 +24,7 @@ template <class O>
 HVL_MATH_INLINE typename O::value laplace_icdf(typename O::value u1, typename O::value u2,
                                                typename O::scalar a, typename O::scalar b) {
   const auto lower = O::lt(O::set(typename O::scalar(0.5)), u2);
-  return O::fma(O::select(lower, O::set(b), O::set(-b)), log_guarded<O>(u1), O::set(a));
+  return O::fma(O::select(lower, O::set(b), O::set(-b)), log_of_uniform<O>(u1), O::set(a));
 }
 
 // What the host forms once for weibull_icdf from the shape: its inverse, finite for every positive alpha.
@@ -38,15 +38,13 @@ constexpr double weibull_exponent(T alpha) {
 template <class O>
 HVL_MATH_INLINE typename O::value weibull_icdf(typename O::value u, double exponent, typename O::scalar a,
                                                typename O::scalar beta) {
-  const auto base = detail::negated<O>(log_guarded<O>(u));
+  const auto base = detail::negated<O>(log_of_uniform<O>(u));
   if constexpr (sizeof(typename O::scalar) == 8) {
     return powr_affine<O>(base, exponent, beta, a);
   } else {
     const auto scaled_power = [=](auto wide_policy, auto x) __attribute__((always_inline)) {
-      using wide = decltype(wide_policy);
-      const auto logarithm = log<wide>(x) * wide::set(exponent);
-      const auto value = exp_affine<wide>(logarithm, static_cast<double>(beta), static_cast<double>(a));
-      return wide::select(wide::lt(wide::set(0.0), x), value, wide::set(static_cast<double>(a)));
+      return detail::powr_affine_for_float<decltype(wide_policy)>(x, exponent, static_cast<double>(beta),
+                                                                  static_cast<double>(a));
     };
     return O::widened(scaled_power, base);
   }
@@ -56,14 +54,14 @@ HVL_MATH_INLINE typename O::value weibull_icdf(typename O::value u, double expon
 template <class O>
 HVL_MATH_INLINE typename O::value rayleigh_icdf(typename O::value u, typename O::scalar a,
                                                 typename O::scalar beta) {
-  return O::fma(O::set(beta), O::sqrt(detail::negated<O>(log_guarded<O>(u))), O::set(a));
+  return O::fma(O::set(beta), O::sqrt(detail::negated<O>(log_of_uniform<O>(u))), O::set(a));
 }
 
 // beta ln(-ln u) + a
 template <class O>
 HVL_MATH_INLINE typename O::value gumbel_icdf(typename O::value u, typename O::scalar a,
                                               typename O::scalar beta) {
-  const auto logarithm = log_guarded<O>(detail::negated<O>(log_guarded<O>(u)));
+  const auto logarithm = log_guarded<O>(detail::negated<O>(log_of_uniform<O>(u)));
   return O::fma(O::set(beta), logarithm, O::set(a));
 }
 

@@ -1,4 +1,5 @@
-// Loops for methods that take their uniforms in pairs.
+// Loops over the values of continuous distributions. A body is a template over the policy that it runs with: one vector
+// or two vectors at a time.
 #pragma once
 
 #include "simd/vector_ops.hpp"
@@ -8,11 +9,18 @@ namespace {
 
 #ifdef HVL_STREAMS_ISA_IS_SCALAR
 
+// out[i...] = body(uniform i...)
+template <class T, class Value, class Load, class Body>
+void for_each_value(Value* out, std::size_t count, const Load& load, const Body& body) {
+  for (std::size_t i = 0; i < count; ++i)
+    out[i] = narrowed<Value>(body.template operator()<vector_ops<T>>(load(i)));
+}
+
 // out[i...] = body(first, second), which are the uniforms 2 i and 2 i + 1.
 template <class T, class Load, class Body>
 void for_each_of_pair(T* out, std::size_t count, const Load& load, const Body& body) {
   for (std::size_t i = 0; i < count; ++i)
-    out[i] = body(load(2 * i), load(2 * i + 1));
+    out[i] = body.template operator()<vector_ops<T>>(load(2 * i), load(2 * i + 1));
 }
 
 // body(u1, u2, first, second) makes the values 2 i and 2 i + 1 of the uniforms at the same places. A count that is odd
@@ -30,15 +38,61 @@ void for_each_pair(T* out, std::size_t count, const Load& load, const Body& body
 
 #else
 
+// Writes one vector at `at`, or its first elements where the block ends.
+template <class T, class Value>
+HWY_INLINE void store_some(typename vector_ops<T>::value v, Value* at, std::size_t count) {
+  constexpr std::size_t width = vector_values<T>;
+  const hn::Rebind<Value, vector_tag<T>> d;
+  if (count >= width) {
+    hn::StoreU(narrowed<Value>(v), d, at);
+    return;
+  }
+  alignas(vector_alignment) Value tail[width];
+  hn::Store(narrowed<Value>(v), d, tail);
+  std::memcpy(at, tail, count * sizeof(Value));
+}
+
+// out[i...] = body(uniforms i...). T is the type of the uniforms and of the computation.
+template <class T, class Value, class Load, class Body>
+HWY_INLINE void for_each_value(Value* HWY_RESTRICT out, std::size_t count, const Load& load,
+                               const Body& body) {
+  constexpr std::size_t width = vector_values<T>;
+  const hn::Rebind<Value, vector_tag<T>> d;
+  std::size_t i = 0;
+  for (; i + 2 * width <= count; i += 2 * width) {
+    const auto values = body.template operator()<two_vectors_ops<T>>({load(i), load(i + width)});
+    hn::StoreU(narrowed<Value>(values.a), d, out + i);
+    hn::StoreU(narrowed<Value>(values.b), d, out + i + width);
+  }
+  for (; i < count; i += width)
+    store_some<T>(body.template operator()<vector_ops<T>>(load(i)), out + i, count - i);
+}
+
+// out[i...] = body(first, second), which are the uniforms 2 i... and 2 i + 1...
 template <class T, class Load, class Body>
 HWY_INLINE void for_each_of_pair(T* HWY_RESTRICT out, std::size_t count, const Load& load, const Body& body) {
+  constexpr std::size_t width = vector_values<T>;
   const vector_tag<T> d;
-  for_each_vector<T>(
-      out, count, [&](std::size_t i) __attribute__((always_inline)) {
-        const auto low = load(2 * i);
-        const auto high = load(2 * i + vector_values<T>);
-        return body(hn::ConcatEven(d, high, low), hn::ConcatOdd(d, high, low));
-      });
+  const auto split = [&](std::size_t i, auto& first, auto& second) __attribute__((always_inline)) {
+    const auto low = load(2 * i);
+    const auto high = load(2 * i + width);
+    first = hn::ConcatEven(d, high, low);
+    second = hn::ConcatOdd(d, high, low);
+  };
+  std::size_t i = 0;
+  for (; i + 2 * width <= count; i += 2 * width) {
+    typename two_vectors_ops<T>::value first, second;
+    split(i, first.a, second.a);
+    split(i + width, first.b, second.b);
+    const auto values = body.template operator()<two_vectors_ops<T>>(first, second);
+    hn::StoreU(values.a, d, out + i);
+    hn::StoreU(values.b, d, out + i + width);
+  }
+  for (; i < count; i += width) {
+    typename vector_ops<T>::value first, second;
+    split(i, first, second);
+    store_some<T>(body.template operator()<vector_ops<T>>(first, second), out + i, count - i);
+  }
 }
 
 // The elements of two vectors in an order of their own, even ones and odd ones apart; zip undoes it. Both stay within
