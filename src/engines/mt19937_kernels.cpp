@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "service/verbose.hpp"
+
 namespace kestro::hvl::rng::detail::gpu {
 namespace {
 
@@ -91,6 +93,7 @@ sycl::event mt19937_start_segments(sycl::queue& queue, mt19937_device_state& sta
       handler.parallel_for(sycl::nd_range<1>(jumps * plan.lanes, plan.lanes),
                            mt19937_jump(state.ring(), states, polynomial, distance, memory));
     });
+    hvl::gpu::verbose_register_event(event);
   }
   return event;
 }

@@ -4,6 +4,9 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <barrier>
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -32,6 +35,32 @@ TEST(SpinWord, LetsReadersInTogether) {
   std::thread([&] { std::shared_lock second(word); }).join();
 }
 
+// Whether a thread that wants `Wanted` is let in while `Held` is held.
+template <class Held, class Wanted>
+bool enters_beside() {
+  spin_word word;
+  std::atomic<bool> entered{false};
+  Held held(word);
+  std::thread other([&] {
+    Wanted wanted(word);
+    entered = true;
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  const bool result = entered;
+  held.unlock();
+  other.join();
+  EXPECT_TRUE(entered);
+  return result;
+}
+
+TEST(SpinWord, ShutsOutWhoMustWait) {
+  using reading = std::shared_lock<spin_word>;
+  using writing = std::unique_lock<spin_word>;
+  EXPECT_FALSE((enters_beside<reading, writing>()));
+  EXPECT_FALSE((enters_beside<writing, reading>()));
+  EXPECT_FALSE((enters_beside<writing, writing>()));
+}
+
 TEST(SpinWord, KeepsWritersApartFromReadersAndEachOther) {
   constexpr int rounds = 20000;
   spin_word word;
@@ -54,8 +83,8 @@ TEST(SpinWord, KeepsWritersApartFromReadersAndEachOther) {
 
 TEST(HandleCache, TellsKeysOfOneHashApart) {
   handle_cache<std::string> cache;
-  const handle_pair one{handle(0x1230), handle(0x40)}, swapped{handle(0x40), handle(0x1230)};
-  ASSERT_EQ(handle_pair_hash{}(one), std::size_t{0x1230 ^ 0x40});
+  const handle_pair one{handle(0x1230), handle(0x1040)}, swapped{handle(0x1040), handle(0x1230)};
+  ASSERT_EQ(handle_pair_hash{}(one), std::size_t{0x1230 ^ 0x1040});
   ASSERT_EQ(handle_pair_hash{}(one), handle_pair_hash{}(swapped));
   EXPECT_EQ(cache.find_or_create(one, [] { return "one"; }), "one");
   EXPECT_EQ(cache.find_or_create(swapped, [] { return "swapped"; }), "swapped");
@@ -84,13 +113,16 @@ TEST(HandleCache, ThreadsThatAskForOneKeyGetOneObject) {
   handle_cache<int> cache;
   std::atomic<int> creations{0};
   std::vector<std::vector<const int*>> seen(threads, std::vector<const int*>(keys));
+  std::barrier together(threads);
   in_threads(threads, [&](int index) {
-    for (int key = 0; key != keys; ++key)
+    for (int key = 0; key != keys; ++key) {
+      together.arrive_and_wait();
       seen[static_cast<std::size_t>(index)][static_cast<std::size_t>(key)] =
           &cache.find_or_create({handle(static_cast<std::uintptr_t>(key)), nullptr}, [&] {
             ++creations;
             return key;
           });
+    }
   });
   EXPECT_EQ(creations, keys);
   for (const auto& one : seen)

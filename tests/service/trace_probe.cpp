@@ -51,6 +51,18 @@ void buffer_call(sycl::queue queue) {
   print_digest(values.data());
 }
 
+// Long enough that kernels which place the segments of the sequence go before; prints the time of the last one.
+void segmented_call(sycl::queue queue) {
+  constexpr std::int64_t count = 8'000'000;
+  mt19937 engine(queue, 777);
+  float* const r = sycl::malloc_shared<float>(count, queue);
+  sycl::event last = generate(uniform<float>(0.0f, 1.0f), engine, count, r);
+  const auto end = last.get_profiling_info<sycl::info::event_profiling::command_end>();
+  const auto start = last.get_profiling_info<sycl::info::event_profiling::command_start>();
+  std::fprintf(stderr, "%.6f\n", static_cast<double>(end - start) * 1e-6);
+  sycl::free(r, queue);
+}
+
 void refused_calls(sycl::queue queue) {
   philox4x32x10 engine(queue, 1);
   float value = 0.0f;
@@ -103,6 +115,8 @@ int main(int count, char** words) {
       usm_call(make_queue(device));
     else if (verb == "buffer")
       buffer_call(make_queue(device));
+    else if (verb == "segmented")
+      segmented_call(make_queue(device));
     else if (verb == "refused")
       refused_calls(make_queue(device));
     else if (verb == "grouped-digits")

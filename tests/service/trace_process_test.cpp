@@ -36,6 +36,7 @@ std::string buffer_line(const std::string& times) {
          times + "\n";
 }
 
+// Times, pointers and facts of this machine.
 std::string masked(std::string text) {
   const std::pair<const char*, const char*> masks[] = {
       {"r = 0x[0-9a-f]+", "r = POINTER"},
@@ -95,6 +96,16 @@ TEST(Trace, TimesEveryCallInMode2) {
                                                                buffer_line("host:TIME device:TIME GPU0"));
   EXPECT_EQ(run("HVL_VERBOSE=2", "untimed-gpu usm buffer").output,
             header + gpus + usm_line("host:TIME device:nan GPU0") + buffer_line("host:TIME device:nan GPU0"));
+}
+
+TEST(Trace, CountsAllKernelsOfACall) {
+  const scratch_file trace("trace");
+  const double last_kernel_ms =
+      std::stod(run("HVL_VERBOSE=2 HVL_VERBOSE_OUTPUT_FILE=" + trace.name(), "segmented").errors);
+  const std::string text = trace.text();
+  std::smatch device;
+  ASSERT_TRUE(std::regex_search(text, device, std::regex(" device:([0-9.]+)ms GPU0"))) << text;
+  EXPECT_GT(std::stod(device[1]), last_kernel_ms + 0.01) << "the text is exact to 0.01 ms";
 }
 
 // The listing is of the backend that is traced first, once and for all.
@@ -180,5 +191,22 @@ TEST(Trace, KeepsLinesWholeBetweenProcesses) {
   ASSERT_EQ(std::system((one + one + one + "wait").c_str()), 0);
   EXPECT_EQ(whole_lines(trace.text(), 3), 600);
 }
+
+#ifdef HVL_RNG_PROGRAM
+TEST(Trace, IsUnderstoodByTheProgramThatSumsIt) {
+  const scratch_file trace("trace"), table("table");
+  run("HVL_VERBOSE=2 HVL_VERBOSE_OUTPUT_FILE=" + trace.name(), "gpu usm usm buffer cpu buffer");
+  const std::string command =
+      HVL_RNG_PROGRAM " trace-summary " + trace.name() + " > " + table.name() + " 2>&1";
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  const std::string summed = std::regex_replace(table.text(), std::regex("[0-9]\\.[0-9]{6}"), "TIME");
+  EXPECT_THAT(summed, testing::ContainsRegex(
+                          "mcg59 +uniform<int, uniform_method::standard> +2 +2469134 +TIME +TIME"));
+  EXPECT_THAT(summed,
+              testing::ContainsRegex("philox4x32x10 +uniform<float, uniform_method::standard> +2 +2469134 "
+                                     "+TIME +TIME"));
+  EXPECT_THAT(summed, Not(HasSubstr("not understood")));
+}
+#endif
 
 } // namespace

@@ -132,7 +132,7 @@ TEST_F(TracedQueue, PrintsNothingWhileOffOrInsideAnotherCall) {
 TEST_F(TracedQueue, DeviceTimeSpansTheRegisteredEventsOfMode2AndForgetsThem) {
   sycl::event first = slow_task(), ignored = slow_task();
   sycl::event last = queue_.submit([&](sycl::handler& handler) {
-    handler.depends_on(ignored);
+    handler.depends_on({first, ignored});
     handler.host_task([] {});
   });
   verbose_register_event(ignored); // in mode 1
