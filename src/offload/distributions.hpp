@@ -2,5 +2,7 @@
 
 /// Every distribution that the library can generate.
 #include "distributions/bits.hpp"
+#include "distributions/gaussian.hpp"
+#include "distributions/inverse_cdf.hpp"
+#include "distributions/lognormal.hpp"
 #include "distributions/uniform.hpp"
-#include <kestro/hvl/rng/distributions.hpp>

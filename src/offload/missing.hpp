@@ -18,14 +18,10 @@ template <literal Name, class T>
 class missing {
  public:
   using result_type = T;
+  static constexpr const char* name = Name.value;
   template <class... Parameters>
   explicit missing(const Parameters&...) {}
 };
-
-template <class Distribution>
-inline constexpr const char* name_of = "this";
-template <literal Name, class T>
-inline constexpr const char* name_of<missing<Name, T>> = Name.value;
 
 /// Whether the library can generate the distribution.
 template <class Distribution>

@@ -46,7 +46,7 @@ std::int32_t omp_driver(const Distribution& distribution, vqs_stream stream, std
     if constexpr (provided<Distribution>)
       run(distribution, stream, n, r, interop, runtime);
     else
-      throw unimplemented("rng", "generate", std::string(name_of<Distribution>) + " distribution");
+      throw unimplemented("rng", "generate", std::string(Distribution::name) + " distribution");
   });
 }
 

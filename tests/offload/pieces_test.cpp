@@ -1,0 +1,194 @@
+// What the library keeps to itself: the protected region, the completion threads, the state conversions.
+#include "offload/catch_and_report.hpp"
+#include "offload/completion_threads.hpp"
+#include "offload/create_engine.hpp"
+#include "offload/state_conversion.hpp"
+
+#include "engines/philox4x32x10.hpp"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <kestro/hvl/exceptions.hpp>
+
+namespace kestro::hvl::rng::detail {
+namespace {
+
+template <class Work>
+std::string line_of(const Work& work, std::int32_t status) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(openmp::catch_and_report(work), status);
+  return testing::internal::GetCapturedStderr();
+}
+
+TEST(catch_and_report, prints_one_line_for_each_kind_of_exception) {
+  EXPECT_EQ(line_of([] {}, 0), "");
+  EXPECT_EQ(line_of([] { throw kestro::hvl::exception("rng", "f", "50%"); }, -2),
+            "KestroHVL RNG: kestro::hvl::exception: what: kestro::hvl::rng::f: 50%\n");
+  EXPECT_EQ(line_of([] { throw sycl::exception(sycl::make_error_code(sycl::errc::invalid), "why"); }, -2),
+            "KestroHVL RNG: sycl::exception what: why \n");
+  EXPECT_EQ(line_of([] { throw std::runtime_error("why"); }, -2),
+            "KestroHVL RNG: std::exception what: why\n");
+  EXPECT_EQ(line_of([] { throw 7; }, -2), "KestroHVL RNG: unknown exception occured during Qorin++ call");
+}
+
+TEST(catch_and_report, prints_when_everything_has_been_released) {
+  struct loud {
+    ~loud() { std::fputs("released; ", stderr); }
+  };
+  EXPECT_EQ(line_of(
+                [] {
+                  const loud held;
+                  throw std::runtime_error("why");
+                },
+                -2),
+            "released; KestroHVL RNG: std::exception what: why\n");
+}
+
+TEST(completion_threads, run_side_by_side_and_are_joined) {
+  constexpr int count = 300;
+  std::atomic<int> arrived{0}, ended{0};
+  {
+    openmp::completion_threads threads;
+    for (int t = 0; t < count; ++t)
+      threads.start([&] {
+        ++arrived;
+        while (arrived < count) // only if all are there at once
+          std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        ++ended;
+      });
+  }
+  EXPECT_EQ(ended, count);
+}
+
+std::vector<unsigned char> state_of(vqs_stream stream) {
+  std::vector<unsigned char> bytes(static_cast<std::size_t>(vqsGetStreamSize_64(stream)));
+  EXPECT_EQ(vqsSaveStreamM_64(stream, bytes.data()), 0);
+  return bytes;
+}
+
+TEST(create_engine, makes_gpu_implementations_from_seeds_words_engines_and_streams) {
+  using engine = philox4x32x10;
+  const sycl::queue queue(sycl::gpu_selector_v);
+  const std::uint32_t words[] = {1, 2, 3, 4, 5, 6};
+  engine_base_impl<engine>* made[] = {gpu::create_engine<engine>(queue, 7),
+                                      gpu::create_engine<engine>(queue, 6, words)};
+  vqs_stream expected[] = {nullptr, nullptr};
+  ASSERT_EQ(vqsNewStream_64(&expected[0], VQS_ENGINE_PHILOX4X32X10, 7), 0);
+  ASSERT_EQ(vqsNewStreamEx_64(&expected[1], VQS_ENGINE_PHILOX4X32X10, 6, words), 0);
+  for (int i = 0; i < 2; ++i) {
+    const auto state = state_of(expected[i]);
+    engine_base_impl<engine>* const from_engine = gpu::create_engine<engine>(queue, made[i]);
+    engine_base_impl<engine>* const from_stream = gpu::create_engine<engine>(queue, expected[i]);
+    EXPECT_EQ(vqsSkipAheadStream_64(expected[i], 5), 0); // of which the copies know nothing
+    made[i]->skip_ahead(9);
+    for (engine_base_impl<engine>* impl : {from_engine, from_stream}) {
+      EXPECT_EQ(state_of(impl->stream().get()), state);
+      EXPECT_NE((dynamic_cast<engine_base_impl_backend<engine, device_type::gpu>*>(impl)), nullptr);
+      gpu::delete_engine<engine>(queue, impl);
+    }
+    gpu::delete_engine<engine>(queue, made[i]);
+    EXPECT_EQ(vqsDeleteStream_64(&expected[i]), 0);
+  }
+}
+
+TEST(create_engine, does_not_look_at_a_failed_copy_of_a_stream) {
+  const sycl::queue queue(sycl::gpu_selector_v);
+  std::uint64_t stranger[16] = {};
+  engine_base_impl<philox4x32x10>* impl = nullptr;
+  EXPECT_NO_THROW(impl = gpu::create_engine<philox4x32x10>(queue, static_cast<void*>(stranger)));
+  EXPECT_EQ(impl->stream().get(), nullptr);
+  gpu::delete_engine<philox4x32x10>(queue, impl);
+}
+
+constexpr std::uint32_t poison = 0xA5A5A5A5;
+
+TEST(mt2203_conversion, writes_the_live_words_once_the_device_is_done) {
+  sycl::queue queue;
+  for (const std::uint32_t position : {0u, 33u, 100u}) {
+    std::vector<std::uint32_t> ring(mt2203_ring_words + 1, poison), record(80, poison);
+    record[74] = 0x1234; // the twist constant
+    mt2203_gpu_state engine{ring.data(), queue.submit([&](sycl::handler& handler) {
+                              handler.host_task([&ring, position] {
+                                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                                for (std::uint32_t k = 0; k < mt2203_ring_words; ++k)
+                                  ring[(position + k) % mt2203_ring_words] = 1000 + k;
+                                ring[mt2203_ring_words] = position;
+                              });
+                            })};
+    mt2203_gpu_state_to_vqs_stream(engine, record.data());
+    for (std::uint32_t word = 0; word < record.size(); ++word) {
+      const std::uint32_t expected = word >= 4 && word < 73 ? 1000 + word - 4
+                                     : word == 73           ? 69
+                                     : word == 74           ? 0x1234
+                                                            : poison;
+      EXPECT_EQ(record[word], expected) << "position " << position << ", word " << word;
+    }
+  }
+}
+
+/// A sobol record of `dimensions` dimensions whose direction numbers name their place.
+std::vector<std::uint32_t> sobol_record(std::uint32_t dimensions) {
+  std::vector<std::uint32_t> record(64 + 33 * dimensions, poison);
+  record[4] = 500; // the next point
+  record[5] = dimensions;
+  record[6] = 2; // the next coordinate
+  record[7] = 9; // the first point
+  for (std::uint32_t d = 0; d < dimensions; ++d)
+    for (std::uint32_t k = 0; k < 32; ++k)
+      record[64 + 33 * d + k] = (d + 1) * 0x01000193 ^ 0x80000000 >> k;
+  return record;
+}
+
+TEST(sobol_conversion, takes_over_the_position_and_the_direction_numbers) {
+  const sycl::queue queue;
+  const auto record = sobol_record(5);
+  const auto untouched = record;
+  sobol_gpu_state engine;
+  sobol_vqs_stream_to_gpu_state(queue, engine, record.data());
+  EXPECT_EQ(engine.dimensions, 5u);
+  EXPECT_EQ(engine.point, 500u);
+  EXPECT_EQ(engine.coordinate, 2u);
+  EXPECT_EQ(engine.first_point, 9u);
+  EXPECT_EQ(engine.origin, 9u);
+  for (std::uint32_t d = 0; d < 5; ++d) {
+    const std::uint32_t* v = &record[64 + 33 * d];
+    for (std::uint32_t k = 0; k < 32; ++k)
+      EXPECT_EQ(engine.direction_numbers.get()[32 * d + k], v[k]);
+    // A point computed from the bits of its number is the one computed from its Gray code.
+    for (const std::uint32_t number : {0u, 1u, 6u, 500u, 0xDEADBEEFu}) {
+      const std::uint32_t gray = number ^ number >> 1;
+      std::uint32_t expected = 0, got = 0;
+      for (std::uint32_t k = 0; k < 32; ++k) {
+        expected ^= (gray >> k & 1) != 0 ? v[k] : 0;
+        got ^= (number >> k & 1) != 0 ? engine.index_bits.get()[32 * d + k] : 0;
+      }
+      EXPECT_EQ(got, expected) << "dimension " << d << ", point " << number;
+    }
+  }
+  EXPECT_EQ(record, untouched);
+}
+
+TEST(sobol_conversion, without_memory_leaves_the_engine_as_it_was) {
+  const sycl::queue queue;
+  sobol_gpu_state engine;
+  sobol_vqs_stream_to_gpu_state(queue, engine, sobol_record(2).data());
+  const auto directions = engine.direction_numbers;
+  setenv("QORIN_ALLOCATION_LIMIT", "300", 1);
+  sobol_vqs_stream_to_gpu_state(queue, engine, sobol_record(3).data());
+  unsetenv("QORIN_ALLOCATION_LIMIT");
+  EXPECT_EQ(engine.dimensions, 2u);
+  EXPECT_EQ(engine.direction_numbers, directions);
+}
+
+} // namespace
+} // namespace kestro::hvl::rng::detail
