@@ -1,0 +1,263 @@
+#include "accuracy.hpp"
+
+#include <mpfr.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <random>
+
+#include "hvl/math/transforms.hpp"
+
+namespace hvl::math::test {
+namespace {
+
+using F = scalar_ops<float>;
+using D = scalar_ops<double>;
+
+template <class O>
+typename O::value sine(typename O::value x) {
+  return sin<O>(x);
+}
+template <class O>
+typename O::value cosine(typename O::value x) {
+  typename O::value s, c;
+  sincos<O>(x, s, c);
+  return c;
+}
+
+float float_of(std::uint32_t bits) {
+  float f;
+  std::memcpy(&f, &bits, sizeof f);
+  return f;
+}
+
+// The distance of doubles around x.
+double double_unit(double x) {
+  int exponent = 0;
+  std::frexp(x, &exponent);
+  return std::ldexp(1.0, std::max(exponent, std::numeric_limits<double>::min_exponent) - 53);
+}
+
+// The same for float, quickly: from the exponent field.
+double float_unit(double x) {
+  std::uint64_t bits;
+  std::memcpy(&bits, &x, sizeof bits);
+  const std::uint64_t exponent = std::max<std::uint64_t>(bits >> 52 & 0x7ff, 1023 - 126) - 23;
+  bits = exponent << 52;
+  std::memcpy(&x, &bits, sizeof bits);
+  return x;
+}
+
+double float_error(float value, double exact) {
+  if (std::isinf(value)) // right from half a unit above the greatest float on
+    return std::fabs(exact) >= 0x1.ffffffp+127 && std::signbit(value) == std::signbit(exact) ? 0 : INFINITY;
+  return std::fabs(static_cast<double>(value) - exact) / float_unit(exact);
+}
+
+// The words first to last, and with the sign bit set too.
+struct float_function {
+  const char* name;
+  const char* domain;
+  float (*f)(float);
+  double (*exact)(double);
+  float last;
+  float first;
+  bool both_signs;
+};
+
+constexpr float least = std::numeric_limits<float>::min();
+constexpr float greatest = std::numeric_limits<float>::max();
+
+constexpr float_function float_functions[] = {
+    {"log", "every positive normal number", [](float x) { return log<F>(x); },
+     [](double x) { return log<D>(x); }, greatest, least, false},
+    {"log_below_one", "every normal number in (0, 1]", [](float x) { return log_below_one<F>(x); },
+     [](double x) { return log<D>(x); }, 1.0f, least, false},
+    {"exp", "every number", [](float x) { return exp<F>(x); }, [](double x) { return exp<D>(x); }, greatest,
+     0.0f, true},
+    {"sin", "every number in [-7, 7]", sine<F>, sine<D>, 7.0f, 0.0f, true},
+    {"cos", "every number in [-7, 7]", cosine<F>, cosine<D>, 7.0f, 0.0f, true},
+    {"erfinv", "every number in (-1, 1) from 2^-100 on in magnitude", [](float x) { return erfinv<F>(x); },
+     [](double x) { return erfinv<D>(x); }, 0x1.fffffep-1f, 0x1p-100f, true},
+    {"powr, y = 1/3", "every normal number in (0, 104]", [](float x) { return powr<F>(x, 1.0f / 3); },
+     [](double x) { return powr<D>(x, static_cast<double>(1.0f / 3)); }, 104.0f, least, false},
+    {"powr, y = 2.5", "every normal number in (0, 104]", [](float x) { return powr<F>(x, 2.5f); },
+     [](double x) { return powr<D>(x, 2.5); }, 104.0f, least, false},
+    {"powr, y = 18", "every normal number in (0, 104]", [](float x) { return powr<F>(x, 18.0f); },
+     [](double x) { return powr<D>(x, 18.0); }, 104.0f, least, false},
+};
+
+class number {
+ public:
+  number() { mpfr_init2(x_, 200); }
+  explicit number(double v) : number() { mpfr_set_d(x_, v, MPFR_RNDN); }
+  number(const number&) = delete;
+  number& operator=(const number&) = delete;
+  ~number() { mpfr_clear(x_); }
+  operator mpfr_ptr() { return x_; }
+
+ private:
+  mpfr_t x_;
+};
+
+double double_error(double value, number& exact) {
+  const double nearest = mpfr_get_d(exact, MPFR_RNDN);
+  if (std::isinf(nearest) || std::isinf(value))
+    return nearest == value ? 0 : INFINITY;
+  mpfr_sub_d(exact, exact, value, MPFR_RNDN);
+  return std::fabs(mpfr_get_d(exact, MPFR_RNDN)) / double_unit(nearest);
+}
+
+// erf(e) = v by one Newton step from e, which doubles the 50 right bits of e.
+void exact_erfinv(number& result, double v, double e) {
+  number at(e), slope, residue;
+  mpfr_sqr(slope, at, MPFR_RNDN);
+  mpfr_exp(slope, slope, MPFR_RNDN); // e^(e^2)
+  mpfr_const_pi(residue, MPFR_RNDN);
+  mpfr_sqrt(residue, residue, MPFR_RNDN);
+  mpfr_mul(slope, slope, residue, MPFR_RNDN);
+  mpfr_div_ui(slope, slope, 2, MPFR_RNDN);
+  mpfr_erf(residue, at, MPFR_RNDN);
+  mpfr_sub_d(residue, residue, v, MPFR_RNDN);
+  mpfr_mul(residue, residue, slope, MPFR_RNDN);
+  mpfr_sub(result, at, residue, MPFR_RNDN);
+}
+
+using mpfr_function = int (*)(mpfr_t, const mpfr_t, mpfr_rnd_t);
+
+class double_measurement {
+ public:
+  explicit double_measurement(std::uint64_t points) : points_(points) {}
+
+  double fraction() { return std::ldexp(static_cast<double>(random_() >> 11), -53); }
+  // Its exponent is uniform in [low, high).
+  double of_exponents(int low, int high) {
+    return std::ldexp(1 + fraction(), low + static_cast<int>(random_() % static_cast<unsigned>(high - low)));
+  }
+
+  // `random` draws an argument; those of `hard` are tried with their neighbours.
+  void against(const char* name, const char* domain, double (*f)(double), mpfr_function exact,
+               const std::function<double()>& random, const std::vector<double>& hard) {
+    run(name, domain, random, hard, [&](double x) {
+      number reference(x);
+      exact(reference, reference, MPFR_RNDN);
+      return double_error(f(x), reference);
+    });
+  }
+
+  void run(const char* name, const char* domain, const std::function<double()>& random,
+           const std::vector<double>& hard, const std::function<double(double)>& error_at) {
+    measured m{name, domain, 2, {}};
+    for (const double centre : hard) {
+      double below = centre, above = centre;
+      for (int i = 0; i < 40; ++i) {
+        m.error.add(error_at(below), below);
+        m.error.add(error_at(above), above);
+        below = std::nextafter(below, -INFINITY);
+        above = std::nextafter(above, INFINITY);
+      }
+    }
+    for (std::uint64_t i = 0; i < points_; ++i) {
+      const double x = random();
+      m.error.add(error_at(x), x);
+    }
+    results.push_back(m);
+  }
+
+  std::vector<measured> results;
+
+ private:
+  std::uint64_t points_;
+  std::mt19937_64 random_{20211113};
+};
+
+// step * k for -count <= k <= count, and half-way between.
+std::vector<double> multiples(double step, int count) {
+  std::vector<double> all;
+  for (int k = -2 * count; k <= 2 * count; ++k)
+    all.push_back(k * step / 2);
+  return all;
+}
+
+} // namespace
+
+std::vector<measured> measure_float(std::uint64_t stride) {
+  std::vector<measured> results;
+  for (const float_function& f : float_functions) {
+    measured m{f.name, f.domain, 1, {}};
+    std::uint32_t first, last;
+    std::memcpy(&first, &f.first, sizeof first);
+    std::memcpy(&last, &f.last, sizeof last);
+    const auto try_word = [&](std::uint64_t word) {
+      const float x = float_of(static_cast<std::uint32_t>(word));
+      m.error.add(float_error(f.f(x), f.exact(static_cast<double>(x))), static_cast<double>(x));
+      if (f.both_signs)
+        m.error.add(float_error(f.f(-x), f.exact(static_cast<double>(-x))), static_cast<double>(-x));
+    };
+    for (std::uint64_t word = first; word < last; word += stride)
+      try_word(word);
+    try_word(last);
+    results.push_back(m);
+  }
+  return results;
+}
+
+std::vector<measured> measure_double(std::uint64_t points) {
+  double_measurement d(points);
+  const auto log_random = [&] { return d.fraction() < 0.5 ? 1 - d.fraction() : d.of_exponents(-1022, 1024); };
+  d.against("log", "positive normal numbers", [](double x) { return log<D>(x); }, mpfr_log, log_random,
+            {0.5, std::sqrt(0.5), 1, std::sqrt(2.0), 2, 0x1p-32, 0x1p-59, 0x1.fffffffffff00p+1023});
+  auto exp_hard = multiples(0.69314718055994531, 60);
+  for (const double x : {709.782712893384, 709.5, -708.396, -744.44, -745.1332, 0x1p-54, 1e-300})
+    exp_hard.push_back(x);
+  d.against(
+      "exp", "every number", [](double x) { return exp<D>(x); }, mpfr_exp,
+      [&] { return d.fraction() < 0.2 ? d.of_exponents(-60, 2) : d.fraction() * 1460 - 748; }, exp_hard);
+  const auto angle = [&] { return d.fraction() * 14 - 7; };
+  const auto turns = multiples(1.5707963267948966, 4);
+  d.against("sin", "[-7, 7]", sine<D>, mpfr_sin, angle, turns);
+  d.against("cos", "[-7, 7]", cosine<D>, mpfr_cos, angle, turns);
+  d.against(
+      "tan", "[-7, 7]", [](double x) { return tan<D>(x); }, mpfr_tan, angle, turns);
+
+  std::vector<double> pieces = {0x1p-1000, 0x1p-30};
+  for (int k = 1; k < 53; ++k)
+    for (int quarter = 0; quarter < 4; ++quarter)
+      pieces.push_back(1 - std::ldexp(1 + quarter / 4.0, -k));
+  for (double& x : pieces)
+    x = std::fmin(x, 1 - 0x1p-47); // so that the neighbours stay inside
+  d.run(
+      "erfinv", "(-1, 1)",
+      [&] {
+        const double v = d.fraction() < 0.5
+                             ? d.fraction()
+                             : 1 - std::ldexp(1 + d.fraction(), -2 - static_cast<int>(d.fraction() * 50));
+        return d.fraction() < 0.5 ? v : -v;
+      },
+      pieces,
+      [](double v) {
+        const double e = erfinv<D>(v);
+        number exact;
+        exact_erfinv(exact, v, e);
+        return double_error(e, exact);
+      });
+  double y = 1;
+  d.run(
+      "powr", "x in (0, 745), y in (0.001, 1000)",
+      [&] {
+        y = std::exp((d.fraction() * 2 - 1) * 6.9);
+        return d.fraction() < 0.5 ? d.of_exponents(-60, 9) : d.fraction() * 104;
+      },
+      {0.5, std::sqrt(0.5), 1, std::sqrt(2.0), 2},
+      [&](double x) {
+        number exact(x), exponent(y);
+        mpfr_pow(exact, exact, exponent, MPFR_RNDN);
+        return double_error(powr<D>(x, y), exact);
+      });
+  return d.results;
+}
+
+} // namespace hvl::math::test
