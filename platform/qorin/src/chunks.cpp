@@ -25,8 +25,7 @@ void for_pieces(std::size_t bytes, const Body& body) {
     return;
   }
   using pieces = oneapi::tbb::blocked_range<std::size_t>;
-  oneapi::tbb::parallel_for(pieces(0, bytes, bytes_per_task),
-                            [&](const pieces& part) { body(part.begin(), part.size()); });
+  fork_join(pieces(0, bytes, bytes_per_task), [&](const pieces& part) { body(part.begin(), part.size()); });
 }
 
 } // namespace

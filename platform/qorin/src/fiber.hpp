@@ -1,7 +1,8 @@
 // A stack to run code on that can be left in the middle and resumed; told to the sanitizers.
 #pragma once
 
-#include <boost/context/fiber.hpp>
+#include <boost/context/detail/fcontext.hpp>
+#include <boost/context/stack_context.hpp>
 
 #include <functional>
 
@@ -9,7 +10,7 @@ namespace sycl::detail {
 
 /// Reusable: when `body` has ended, the next resume runs it from its beginning on the same stack.
 class fiber {
- public:
+public:
   /// Thrown by `suspend` when the fiber is destroyed while its body is suspended. The body lets it pass.
   struct unwound {};
 
@@ -25,24 +26,24 @@ class fiber {
   void suspend();
   bool ended() const noexcept { return ended_; }
 
- private:
-  void run_until_quit();
-  void before_switch(bool to_inside) noexcept;
-  void after_switch(bool inside) noexcept;
+private:
+  static void enter(boost::context::detail::transfer_t from);
+  void run_bodies();
+  void switch_inside();
+  void switch_outside();
+  void arrive_inside(boost::context::detail::transfer_t from);
 
   std::function<void()> body_;
-  boost::context::fiber inside_;
-  boost::context::fiber outside_;
+  boost::context::stack_context stack_;
+  boost::context::detail::fcontext_t inside_ = nullptr;
+  boost::context::detail::fcontext_t outside_ = nullptr;
   bool ended_ = true;
   bool quit_ = false;
 
   // What the sanitizers want remembered.
-  void* stack_bottom_ = nullptr;
-  std::size_t stack_bytes_ = 0;
   const void* outer_bottom_ = nullptr;
   std::size_t outer_bytes_ = 0;
   void* fake_inside_ = nullptr;
-  void* fake_outside_ = nullptr;
   void* tsan_inside_ = nullptr;
   void* tsan_outside_ = nullptr;
 };

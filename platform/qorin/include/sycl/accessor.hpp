@@ -164,6 +164,14 @@ struct tag_traits<mode_target_tag_t<Mode, Target>> {
   static constexpr target where = Target;
 };
 
+/// Whether an argument after the box is a property list, a property, or the tag of this mode and target.
+template <access_mode Mode, target Target, class Tag>
+inline constexpr bool fits = std::is_same_v<Tag, property_list> || is_property_v<Tag>;
+template <access_mode Mode, target Target>
+inline constexpr bool fits<Mode, Target, mode_tag_t<Mode>> = true;
+template <access_mode Mode, target Target>
+inline constexpr bool fits<Mode, Target, mode_target_tag_t<Mode, Target>> = true;
+
 } // namespace detail
 
 template <class T, int Dimensions = 1, access_mode Mode = detail::default_mode<T>,
@@ -240,6 +248,8 @@ class accessor : public detail::element_access<std::remove_const_t<T>, Dimension
   accessor(buffer<U, Dimensions, A>& from, handler* commands, const range<Dimensions>& box,
            const id<Dimensions>& offset, const Tags&...)
       : base(from.memory(), from.first_, from.get_range(), box, offset), placeholder_(commands == nullptr) {
+    static_assert((detail::fits<Mode, Target, Tags> && ...),
+                  "a tag of another mode or target, or an argument that accessors do not take");
     if (commands != nullptr)
       detail::request(*commands, from.memory(), Mode);
   }

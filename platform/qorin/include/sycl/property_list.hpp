@@ -5,7 +5,6 @@
 
 #include <any>
 #include <memory>
-#include <mutex>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
@@ -85,14 +84,6 @@ struct in_order {};
 namespace buffer {
 /// Promised by this runtime anyway: memory given at construction is used directly.
 struct use_host_ptr {};
-class use_mutex {
- public:
-  use_mutex(std::mutex& mutex) : mutex_(&mutex) {}
-  std::mutex* get_mutex_ptr() const { return mutex_; }
-
- private:
-  std::mutex* mutex_;
-};
 } // namespace buffer
 
 /// The write accessor gives no promise about the values it finds.
@@ -114,8 +105,6 @@ struct is_property<property::queue::in_order> : std::true_type {};
 template <>
 struct is_property<property::buffer::use_host_ptr> : std::true_type {};
 template <>
-struct is_property<property::buffer::use_mutex> : std::true_type {};
-template <>
 struct is_property<property::no_init> : std::true_type {};
 template <>
 struct is_property<property::reduction::initialize_to_identity> : std::true_type {};
@@ -125,7 +114,5 @@ template <>
 struct is_property_of<property::queue::in_order, queue> : std::true_type {};
 template <class T, int Dimensions, class AllocatorT>
 struct is_property_of<property::buffer::use_host_ptr, buffer<T, Dimensions, AllocatorT>> : std::true_type {};
-template <class T, int Dimensions, class AllocatorT>
-struct is_property_of<property::buffer::use_mutex, buffer<T, Dimensions, AllocatorT>> : std::true_type {};
 
 } // namespace sycl
