@@ -34,6 +34,8 @@ TYPED_TEST(in_flight_test, calls_take_effect_in_call_order_and_outlive_their_eng
         generate(bits<>(), engine, n, r + n, {second.event()});
         generate(bits<>(), engine, n, r + 2 * n);
       } // destroyed before anything has run
+      // Time for work that wrongly does not wait.
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
       second.open();
       first.open();
       work.wait();
