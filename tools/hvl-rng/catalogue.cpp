@@ -1,14 +1,11 @@
 #include "catalogue.hpp"
 
-#include "distribution_traits.hpp"
-#include "failure.hpp"
+#include "listed_types.hpp"
 
-#include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <limits>
 #include <type_traits>
 #include <utility>
@@ -16,30 +13,7 @@
 namespace hvl_rng {
 namespace {
 
-using namespace kestro::hvl::rng; // the lists name their classes unqualified
-
-template <class... Types>
-struct type_list {
-  static constexpr std::size_t size = sizeof...(Types);
-};
-
-// The lists begin every element with a comma, hence the type that stands before the first.
-template <class, class... Types>
-using list_after = type_list<Types...>;
-
 // clang-format off
-#define KESTRO_HVL_ENGINE(name) , name
-using engine_list = list_after<void
-#include <kestro/hvl/rng/detail/engines.def>
->;
-#undef KESTRO_HVL_ENGINE
-
-#define KESTRO_HVL_DISTRIBUTION(family, ...) , __VA_ARGS__
-using distribution_list = list_after<void
-#include <kestro/hvl/rng/detail/distributions.def>
->;
-#undef KESTRO_HVL_DISTRIBUTION
-
 #define KESTRO_HVL_ENGINE(name) #name,
 constexpr const char* engine_names[] = {
 #include <kestro/hvl/rng/detail/engines.def>
@@ -128,47 +102,6 @@ void skip(Engine& engine, std::uint64_t count, const char* name) {
 }
 
 // ---- Distributions
-
-template <class T>
-T parse_value(const std::string& name, const std::string& text) {
-  T value{};
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error == std::errc::result_out_of_range)
-    throw failure(exit_status::usage, fmt::format("--{} {}: out of range", name, text));
-  if (error != std::errc() || end != text.data() + text.size())
-    throw failure(exit_status::usage, fmt::format("--{} {}: not {}", name, text,
-                                                  std::is_integral_v<T> ? "an integer" : "a number"));
-  return value;
-}
-
-std::string spell(const parameter_values& given) {
-  std::string text;
-  for (const auto& [name, value] : given)
-    text += fmt::format(" --{} {}", name, value);
-  return text;
-}
-
-template <class Distribution>
-Distribution make_distribution(const std::string& name, const parameter_values& given) {
-  using value = typename Distribution::result_type;
-  const Distribution defaults;
-  const auto value_of = [&](const auto& parameter) -> value {
-    const auto found = given.find(parameter.name);
-    return found == given.end() ? (defaults.*parameter.accessor)()
-                                : parse_value<value>(found->first, found->second);
-  };
-  try {
-    return std::apply(
-        [&](const auto&... parameter) {
-          // Braces, so that the options are read in order and the first wrong one is reported.
-          return Distribution{value_of(parameter)...};
-        },
-        distribution_traits<Distribution>::parameters);
-  } catch (const kestro::hvl::invalid_argument& refused) {
-    throw failure(exit_status::usage,
-                  fmt::format("--distribution {}{}: {}", name, spell(given), refused.what()));
-  }
-}
 
 template <class T>
 constexpr value_type type_of = std::is_same_v<T, float>           ? value_type::float32
@@ -288,6 +221,8 @@ std::vector<distribution_entry> keep(std::vector<distribution_entry> entries, co
   return kept;
 }
 
+} // namespace
+
 void require_known(const distribution_entry& distribution, const parameter_values& given) {
   const auto& known = distribution.parameters;
   for (const auto& [name, value] : given)
@@ -295,13 +230,11 @@ void require_known(const distribution_entry& distribution, const parameter_value
                      [&](const parameter_entry& one) { return one.name == name; })) {
       const std::string has =
           known.empty() ? "no parameters"
-                        : "--" + choices(known, [](const parameter_entry& one) { return one.name; });
+                        : choices(known, [](const parameter_entry& one) { return "--" + one.name; });
       throw failure(exit_status::usage,
                     fmt::format("--{} {}: {} has {}", name, value, distribution.name, has));
     }
 }
-
-} // namespace
 
 const std::vector<engine_entry>& engines() {
   static const std::vector<engine_entry> entries = describe_engines(engine_list());

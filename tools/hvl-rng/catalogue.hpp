@@ -58,6 +58,9 @@ const engine_entry& find_engine(const std::string& name);
 const distribution_entry& find_distribution(const std::string& name, const std::string& type,
                                             const std::string& method);
 
+// Throws `failure` naming the first parameter that the distribution does not have.
+void require_known(const distribution_entry& distribution, const parameter_values& given);
+
 // Throws `failure` naming the option for anything that engine or distribution refuses.
 std::unique_ptr<source> make_source(const sycl::queue& queue, const engine_entry& engine,
                                     const std::vector<std::uint64_t>& seed, std::uint64_t skip,

@@ -29,6 +29,13 @@ sycl::device find_device(const std::string& name) {
   throw failure(exit_status::device, fmt::format("--device {}: no such device (see hvl-rng devices)", name));
 }
 
+sycl::queue make_queue(const std::string& device) {
+  return sycl::queue(find_device(device), [](sycl::exception_list failures) {
+    for (const std::exception_ptr& one : failures)
+      std::rethrow_exception(one);
+  });
+}
+
 void list_devices() {
   namespace info = sycl::info;
   fmt::print("{:>2}  {:<11}  {:>5}  {:>10}  {:<24}  {}\n", "", "kind", "units", "group size", "platform",

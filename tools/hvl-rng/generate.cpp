@@ -1,5 +1,6 @@
 #include "failure.hpp"
 #include "progress.hpp"
+#include "usm_memory.hpp"
 #include "verbs.hpp"
 
 #include <kestro/hvl/exceptions.hpp>
@@ -15,31 +16,6 @@ namespace {
 
 // Even, so that methods that make two values at a time waste none, and large enough for all threads.
 constexpr std::uint64_t chunk_values = std::uint64_t{1} << 20;
-
-class usm_memory {
- public:
-  usm_memory(std::size_t bytes, const sycl::queue& queue)
-      : queue_(queue), memory_(sycl::malloc_shared(bytes, queue)) {
-    if (memory_ == nullptr)
-      throw failure(exit_status::device, fmt::format("--device: {} bytes of memory cannot be had", bytes));
-  }
-  ~usm_memory() { sycl::free(memory_, queue_); }
-  usm_memory(const usm_memory&) = delete;
-  usm_memory& operator=(const usm_memory&) = delete;
-
-  void* get() const { return memory_; }
-
- private:
-  sycl::queue queue_;
-  void* memory_;
-};
-
-sycl::queue make_queue(const std::string& device) {
-  return sycl::queue(find_device(device), [](sycl::exception_list failures) {
-    for (const std::exception_ptr& one : failures)
-      std::rethrow_exception(one);
-  });
-}
 
 // While one chunk is written the next one is made.
 class pipeline {

@@ -59,29 +59,34 @@ struct raw_options {
   std::string format = "text";
 };
 
-void add_generate(CLI::App& app, generate_options& options, raw_options& given) {
-  CLI::App* verb = app.add_subcommand("generate", "Write random numbers to a file or a pipe");
-  auto* count_option =
-      verb->add_option("-n,--count", given.count, "how many numbers; 500k, 20M, 3G are understood");
-  auto* forever = verb->add_flag("--forever", options.forever, "go on until the reader closes");
-  count_option->excludes(forever);
-  verb->add_option("-e,--engine", options.engine, "the engine")->capture_default_str();
-  verb->add_option("-s,--seed", options.seed, "one seed, or several words separated by commas")
+void add_source(CLI::App& verb, source_options& options) {
+  verb.add_option("-e,--engine", options.engine, "the engine")->capture_default_str();
+  verb.add_option("-s,--seed", options.seed, "one seed, or several words separated by commas")
       ->delimiter(',')
       ->capture_default_str();
-  verb->add_option("--skip", options.skip, "outputs of the engine to skip first")->capture_default_str();
-  verb->add_option("-d,--distribution", options.distribution, "the distribution")->capture_default_str();
-  verb->add_option("-t,--type", options.type,
-                   "float, double, int32, uint32 or uint64, as the distribution offers");
-  verb->add_option("-m,--method", options.method, "the distribution's method");
-  verb->add_option("--device", options.device, "cpu, gpu, or a number of hvl-rng devices")
+  verb.add_option("--skip", options.skip, "outputs of the engine to skip first")->capture_default_str();
+  verb.add_option("-d,--distribution", options.distribution, "the distribution")->capture_default_str();
+  verb.add_option("-t,--type", options.type,
+                  "float, double, int32, uint32 or uint64, as the distribution offers");
+  verb.add_option("-m,--method", options.method, "the distribution's method");
+  verb.add_option("--device", options.device, "cpu, gpu, or a number of hvl-rng devices")
       ->capture_default_str();
+  add_parameters(verb, options.parameters);
+}
+
+constexpr const char* count_help = "how many numbers; 500k, 20M, 3G are understood";
+
+void add_generate(CLI::App& app, generate_options& options, raw_options& given) {
+  CLI::App* verb = app.add_subcommand("generate", "Write random numbers to a file or a pipe");
+  auto* count_option = verb->add_option("-n,--count", given.count, count_help);
+  auto* forever = verb->add_flag("--forever", options.forever, "go on until the reader closes");
+  count_option->excludes(forever);
+  add_source(*verb, options);
   verb->add_option("-f,--format", given.format, "raw, text (one a line) or npy")
       ->check(CLI::IsMember({"raw", "text", "npy"}))
       ->type_name("")
       ->capture_default_str();
   verb->add_option("-o,--output", options.output, "a file; standard output otherwise");
-  add_parameters(*verb, options.parameters);
   verb->callback([&options, &given] {
     if (given.count.empty() && !options.forever)
       throw failure(exit_status::usage, "--count or --forever is needed");
@@ -92,16 +97,31 @@ void add_generate(CLI::App& app, generate_options& options, raw_options& given) 
   });
 }
 
+void add_plot(CLI::App& app, source_options& options, raw_options& given) {
+  CLI::App* verb =
+      app.add_subcommand("plot", "Draw a histogram of random numbers and the exact density (needs gnuplot)");
+  given.count = "1M";
+  verb->add_option("-n,--count", given.count, count_help)->capture_default_str();
+  add_source(*verb, options);
+  verb->add_option("-o,--output", options.output, "a file, .svg or .png; text to standard output otherwise");
+  verb->callback([&options, &given] {
+    options.count = read_count(given.count);
+    plot_numbers(options);
+  });
+}
+
 int run(int count, char** words) {
   CLI::App app{"Random numbers on any device reached through SYCL", "hvl-rng"};
   app.require_subcommand(1);
   app.set_version_flag("--version", HVL_RNG_VERSION);
   app.footer(footer);
 
-  generate_options options;
-  raw_options given;
+  generate_options generated;
+  source_options plotted;
+  raw_options given_to_generate, given_to_plot;
   std::string trace;
-  add_generate(app, options, given);
+  add_generate(app, generated, given_to_generate);
+  add_plot(app, plotted, given_to_plot);
   app.add_subcommand("devices", "List the devices")->callback(list_devices);
   app.add_subcommand("list", "List the engines and distributions")->callback(list_catalogue);
   CLI::App* summary =

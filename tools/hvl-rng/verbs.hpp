@@ -10,7 +10,8 @@
 
 namespace hvl_rng {
 
-struct generate_options {
+// Which numbers, and where they are made.
+struct source_options {
   std::string engine = "philox4x32x10";
   std::vector<std::uint64_t> seed = {1};
   std::uint64_t skip = 0;
@@ -19,16 +20,23 @@ struct generate_options {
   std::string method;
   parameter_values parameters;
   std::uint64_t count = 0;
-  bool forever = false; // until the reader closes, instead of `count`
   std::string device = "cpu";
+  std::string output; // empty: standard output
+};
+
+struct generate_options : source_options {
+  bool forever = false; // until the reader closes, instead of `count`
   output_format format = output_format::text;
-  std::string output;
 };
 
 void generate_numbers(const generate_options& options);
 
+// A histogram of the numbers under the exact density: SVG or PNG as the output's suffix says, otherwise text.
+void plot_numbers(const source_options& options);
+
 // "cpu", "gpu", or the number of a device as `list_devices` prints it.
 sycl::device find_device(const std::string& name);
+sycl::queue make_queue(const std::string& device);
 void list_devices();
 
 void list_catalogue();

@@ -1,0 +1,44 @@
+#!/usr/bin/env python3
+"""Draws every distribution with `hvl-rng plot` into FOLDER/gallery/ and writes FOLDER/gallery.md, which shows them."""
+import pathlib
+import subprocess
+import sys
+
+# Picture, what it is of, options.
+PICTURES = (
+    ("uniform", "Uniform on [a, b)", "-d uniform"),
+    ("uniform_int32", "Uniform integers a ... b - 1", "-d uniform -t int32 --a -5 --b 15"),
+    ("uniform_bits", "Uniform bits, as integers", "-d uniform_bits"),
+    ("gaussian", "Normal", "-d gaussian"),
+    ("lognormal", "Lognormal", "-d lognormal --s 0.5"),
+    ("exponential", "Exponential", "-d exponential"),
+    ("laplace", "Laplace", "-d laplace"),
+    ("weibull", "Weibull", "-d weibull --alpha 2.5"),
+    ("rayleigh", "Rayleigh: a + beta sqrt(-ln u), no factor 2 under the root", "-d rayleigh"),
+    ("gumbel", "Gumbel: a + beta ln(-ln u), so the long tail is the left one", "-d gumbel"),
+    ("cauchy", "Cauchy; the plot leaves the tails out", "-d cauchy"),
+)
+
+INTRODUCTION = """\
+# Gallery
+
+A million numbers of each distribution beside the exact density. `./dev gallery` draws the pictures anew; as every device
+gives the same numbers, they change only when the library or gnuplot does.
+"""
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit("usage: gallery.py HVL_RNG FOLDER")
+    program, folder = sys.argv[1], pathlib.Path(sys.argv[2])
+    (folder / "gallery").mkdir(parents=True, exist_ok=True)
+    page = INTRODUCTION
+    for name, title, options in PICTURES:
+        file = f"gallery/{name}.svg"
+        subprocess.run([program, "plot", *options.split(), "-o", folder / file], check=True)
+        page += f"\n## {title}\n\n    hvl-rng plot {options}\n\n![{name}]({file})\n"
+    (folder / "gallery.md").write_text(page)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,139 @@
+#include "exact_law.hpp"
+
+#include "listed_types.hpp"
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+namespace hvl_rng {
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+// The standard laws, in the variable z = (x - displacement) / scale.
+
+double normal(double z) {
+  return std::exp(-z * z / 2) * std::numbers::inv_sqrtpi / std::numbers::sqrt2;
+}
+
+double laplace_density(double z) {
+  return std::exp(-std::fabs(z)) / 2;
+}
+
+double cauchy_density(double z) {
+  return std::numbers::inv_pi / (1 + z * z);
+}
+
+// ln of an exponential variable: P(Z <= z) = 1 - exp(-e^z).
+double gumbel_density(double z) {
+  return std::exp(z - std::exp(z));
+}
+
+// Of (-ln u)^(1/alpha): P(Z > z) = exp(-z^alpha).
+double weibull_density(double alpha, double z) {
+  return alpha * std::pow(z, alpha - 1) * std::exp(-std::pow(z, alpha));
+}
+
+double lognormal_density(double m, double s, double z) {
+  return z == 0 ? 0 : normal((std::log(z) - m) / s) / (z * s);
+}
+
+template <class Standard>
+exact_law on_the_line(double displacement, double scale, Standard standard) {
+  return {[=](double x) { return standard((x - displacement) / scale) / scale; }, -infinity, infinity, false};
+}
+
+template <class Standard>
+exact_law above(double displacement, double scale, Standard standard) {
+  return {[=](double x) { return x < displacement ? 0 : standard((x - displacement) / scale) / scale; },
+          displacement, infinity, false};
+}
+
+exact_law constant(double lower, double upper, double height, bool is_discrete) {
+  return {[=](double x) { return lower <= x && x <= upper ? height : 0; }, lower, upper, is_discrete};
+}
+
+// One overload for each family. Parameters are taken as `double`, whatever the value type.
+
+template <class T, class M>
+exact_law law_of(const rng::uniform<T, M>& of) {
+  constexpr bool is_discrete = std::is_integral_v<T>;
+  const double a = of.a(), b = of.b();
+  return constant(a, is_discrete ? b - 1 : b, 1 / (b - a), is_discrete);
+}
+
+template <class T>
+exact_law law_of(const rng::uniform_bits<T>&) {
+  const double values = std::ldexp(1.0, std::numeric_limits<T>::digits);
+  return constant(0, values - 1, 1 / values, true);
+}
+
+template <class T, class M>
+exact_law law_of(const rng::gaussian<T, M>& of) {
+  return on_the_line(of.mean(), of.stddev(), normal);
+}
+
+template <class T, class M>
+exact_law law_of(const rng::lognormal<T, M>& of) {
+  const double m = of.m(), s = of.s();
+  return above(of.displ(), of.scale(), [=](double z) { return lognormal_density(m, s, z); });
+}
+
+template <class T, class M>
+exact_law law_of(const rng::exponential<T, M>& of) {
+  return above(of.a(), of.beta(), [](double z) { return weibull_density(1, z); });
+}
+
+template <class T, class M>
+exact_law law_of(const rng::laplace<T, M>& of) {
+  return on_the_line(of.a(), of.b(), laplace_density);
+}
+
+template <class T, class M>
+exact_law law_of(const rng::weibull<T, M>& of) {
+  const double alpha = of.alpha();
+  return above(of.a(), of.beta(), [=](double z) { return weibull_density(alpha, z); });
+}
+
+template <class T, class M>
+exact_law law_of(const rng::rayleigh<T, M>& of) {
+  return above(of.a(), of.beta(), [](double z) { return weibull_density(2, z); });
+}
+
+template <class T, class M>
+exact_law law_of(const rng::gumbel<T, M>& of) {
+  return on_the_line(of.a(), of.beta(), gumbel_density);
+}
+
+template <class T, class M>
+exact_law law_of(const rng::cauchy<T, M>& of) {
+  return on_the_line(of.a(), of.b(), cauchy_density);
+}
+
+template <class Distribution>
+exact_law make_law(const distribution_entry& entry, const parameter_values& parameters) {
+  const auto distribution = make_distribution<Distribution>(entry.name, parameters);
+  if constexpr (requires { law_of(distribution); })
+    return law_of(distribution);
+  else
+    throw failure(exit_status::usage, fmt::format("--distribution {}: has no density to plot", entry.name));
+}
+
+using law_function = exact_law (*)(const distribution_entry&, const parameter_values&);
+
+template <class... Distributions>
+constexpr auto all_laws(type_list<Distributions...>) {
+  return std::array<law_function, sizeof...(Distributions)>{&make_law<Distributions>...};
+}
+
+} // namespace
+
+exact_law find_law(const distribution_entry& distribution, const parameter_values& parameters) {
+  static constexpr auto laws = all_laws(distribution_list());
+  require_known(distribution, parameters);
+  return laws[distribution.index](distribution, parameters);
+}
+
+} // namespace hvl_rng

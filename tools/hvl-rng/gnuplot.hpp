@@ -1,0 +1,12 @@
+// The program gnuplot.
+#pragma once
+
+#include <string>
+
+namespace hvl_rng {
+
+// What gnuplot writes to its standard output for this script, which must draw in its last command. Throws
+// `failure` where gnuplot is missing or fails; its own messages are left to standard error.
+std::string run_gnuplot(const std::string& script);
+
+} // namespace hvl_rng

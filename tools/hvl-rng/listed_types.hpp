@@ -1,0 +1,92 @@
+// The library's engine and distribution classes as lists of types, and the making of a distribution from the
+// program's options.
+#pragma once
+
+#include "catalogue.hpp"
+#include "distribution_traits.hpp"
+#include "failure.hpp"
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <string>
+#include <tuple>
+#include <type_traits>
+
+namespace hvl_rng {
+
+template <class... Types>
+struct type_list {
+  static constexpr std::size_t size = sizeof...(Types);
+};
+
+// The lists begin every element with a comma, hence the type that stands before the first.
+template <class, class... Types>
+using list_after = type_list<Types...>;
+
+namespace listed {
+
+using namespace kestro::hvl::rng; // the lists name their classes unqualified
+
+// clang-format off
+#define KESTRO_HVL_ENGINE(name) , name
+using engine_list = list_after<void
+#include <kestro/hvl/rng/detail/engines.def>
+>;
+#undef KESTRO_HVL_ENGINE
+
+#define KESTRO_HVL_DISTRIBUTION(family, ...) , __VA_ARGS__
+using distribution_list = list_after<void
+#include <kestro/hvl/rng/detail/distributions.def>
+>;
+#undef KESTRO_HVL_DISTRIBUTION
+// clang-format on
+
+} // namespace listed
+
+using listed::distribution_list;
+using listed::engine_list;
+
+template <class T>
+T parse_value(const std::string& name, const std::string& text) {
+  T value{};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error == std::errc::result_out_of_range)
+    throw failure(exit_status::usage, fmt::format("--{} {}: out of range", name, text));
+  if (error != std::errc() || end != text.data() + text.size())
+    throw failure(exit_status::usage, fmt::format("--{} {}: not {}", name, text,
+                                                  std::is_integral_v<T> ? "an integer" : "a number"));
+  return value;
+}
+
+inline std::string spell(const parameter_values& given) {
+  std::string text;
+  for (const auto& [name, value] : given)
+    text += fmt::format(" --{} {}", name, value);
+  return text;
+}
+
+// Throws `failure` naming the option that is no number or that the class refuses.
+template <class Distribution>
+Distribution make_distribution(const std::string& name, const parameter_values& given) {
+  using value = typename Distribution::result_type;
+  const Distribution defaults;
+  const auto value_of = [&](const auto& parameter) -> value {
+    const auto found = given.find(parameter.name);
+    return found == given.end() ? (defaults.*parameter.accessor)()
+                                : parse_value<value>(found->first, found->second);
+  };
+  try {
+    return std::apply(
+        [&](const auto&... parameter) {
+          // Braces, so that the options are read in order and the first wrong one is reported.
+          return Distribution{value_of(parameter)...};
+        },
+        distribution_traits<Distribution>::parameters);
+  } catch (const kestro::hvl::invalid_argument& refused) {
+    throw failure(exit_status::usage,
+                  fmt::format("--distribution {}{}: {}", name, spell(given), refused.what()));
+  }
+}
+
+} // namespace hvl_rng

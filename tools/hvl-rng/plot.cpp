@@ -1,0 +1,166 @@
+#include "exact_law.hpp"
+#include "failure.hpp"
+#include "gnuplot.hpp"
+#include "histogram.hpp"
+#include "usm_memory.hpp"
+#include "verbs.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <string_view>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace hvl_rng {
+namespace {
+
+constexpr std::uint64_t fewest_numbers = 100;
+
+// The gnuplot terminal that draws what the output's suffix promises.
+std::string terminal_for(const std::string& output) {
+  const std::string_view name = output;
+  if (name.ends_with(".svg"))
+    return "svg size 720,440 dynamic noenhanced font 'sans-serif,13' background '#ffffff'";
+  if (name.ends_with(".png"))
+    return "pngcairo size 960,600 noenhanced font 'sans,13'";
+  if (!name.empty() && name != "-")
+    throw failure(exit_status::usage,
+                  fmt::format("--output {}: the suffix is neither .svg nor .png", output));
+  winsize window{};
+  const bool is_known =
+      ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col >= 40 && window.ws_row >= 12;
+  return fmt::format("dumb noenhanced size {},{}", is_known ? window.ws_col : 79,
+                     is_known ? window.ws_row - 2 : 24);
+}
+
+template <class T>
+std::vector<double> to_double(const void* values, std::uint64_t count) {
+  const T* first = static_cast<const T*>(values);
+  std::vector<double> converted(count);
+  std::transform(first, first + count, converted.begin(), [](T value) { return static_cast<double>(value); });
+  return converted;
+}
+
+std::vector<double> to_double(value_type type, const void* values, std::uint64_t count) {
+  switch (type) {
+  case value_type::float32:
+    return to_double<float>(values, count);
+  case value_type::float64:
+    return to_double<double>(values, count);
+  case value_type::int32:
+    return to_double<std::int32_t>(values, count);
+  case value_type::uint32:
+    return to_double<std::uint32_t>(values, count);
+  default:
+    return to_double<std::uint64_t>(values, count);
+  }
+}
+
+std::vector<double> draw_sample(const source_options& options, const distribution_entry& distribution) {
+  sycl::queue queue = make_queue(options.device);
+  const std::unique_ptr<source> numbers = make_source(queue, find_engine(options.engine), options.seed,
+                                                      options.skip, distribution, options.parameters);
+  const usm_memory memory(options.count * distribution.value_bytes, queue);
+  numbers->fill(memory.get(), static_cast<std::int64_t>(options.count)).wait();
+  queue.throw_asynchronous();
+  return to_double(distribution.type, memory.get(), options.count);
+}
+
+std::string title_of(const source_options& options, const distribution_entry& distribution) {
+  std::string title = distribution.name;
+  for (const parameter_entry& parameter : distribution.parameters) {
+    const auto given = options.parameters.find(parameter.name);
+    title += fmt::format("  {}={}", parameter.name,
+                         given == options.parameters.end() ? parameter.default_value : given->second);
+  }
+  return fmt::format(R"({}\n{} numbers ({}{}{}) of {}, seed {})", title, options.count,
+                     distribution.type_name, distribution.method.empty() ? "" : ", ", distribution.method,
+                     options.engine, fmt::join(options.seed, ","));
+}
+
+// Points of the law across the axis, with a step, not a slope, where the support ends.
+std::vector<double> places(const exact_law& law, double low, double high) {
+  constexpr int steps = 400;
+  std::vector<double> at;
+  for (int step = 0; step <= steps; ++step)
+    at.push_back(low + (high - low) * step / steps);
+  for (double end : {law.lower, law.upper})
+    if (low < end && end < high)
+      for (double beside : {std::nextafter(end, low), end, std::nextafter(end, high)})
+        at.push_back(beside);
+  std::sort(at.begin(), at.end());
+  return at;
+}
+
+// A probability is defined at integers only, but where those lie close together a line is what can be seen.
+std::vector<double> integer_places(const std::vector<bar>& bars) {
+  std::vector<double> at;
+  for (const bar& one : bars)
+    at.push_back((one.low + one.high) / 2);
+  return at;
+}
+
+std::string script_of(const std::string& terminal, const std::string& title, const std::vector<bar>& bars,
+                      const exact_law& law) {
+  constexpr double margin = 0.03, headroom = 1.2, tallest = 2, beyond = 1000;
+  const double low = bars.front().low, high = bars.back().high, space = margin * (high - low);
+  const bool has_points = law.is_discrete && bars.front().high - bars.front().low == 1;
+
+  double top = 0;
+  std::string rows = "$bars << END\n";
+  auto row = std::back_inserter(rows);
+  for (const bar& one : bars) {
+    top = std::max(top, one.height);
+    fmt::format_to(row, "{:.9g} {:.6g} {:.9g}\n", (one.low + one.high) / 2, one.height, one.high - one.low);
+  }
+  // The law may rise above the bars, but where it grows without bound they set the height.
+  const double highest_bar = top;
+  fmt::format_to(row, "END\n$law << END\n");
+  for (double x : law.is_discrete ? integer_places(bars) : places(law, low - space, high + space)) {
+    const double height = law.density(x);
+    if (height <= tallest * highest_bar)
+      top = std::max(top, height);
+    // Out of the picture, yet within what gnuplot can interpolate.
+    fmt::format_to(row, "{:.17g} {:.6g}\n", x, std::min(height, beyond * highest_bar));
+  }
+  fmt::format_to(row, "END\n");
+
+  return fmt::format("set terminal {}\n{}"
+                     "set title \"{}\"\nset xrange [{:.9g}:{:.9g}]\nset yrange [0:{:.9g}]\n"
+                     "set border 3\nset tics nomirror out\nset ylabel \"{}\"\n"
+                     "set style fill solid 1 noborder\nset key top right\n"
+                     "plot $bars using 1:2:3 with boxes linecolor rgb '#9ec1e0' title \"sample\", "
+                     "$law using 1:2 with {} title \"exact\"\n",
+                     terminal, rows, title, low - space, high + space, headroom * top,
+                     law.is_discrete ? "probability" : "density",
+                     has_points ? "points pointtype 7 pointsize 0.6 linecolor rgb '#c0392b'"
+                                : "lines linewidth 2 linecolor rgb '#c0392b'");
+}
+
+} // namespace
+
+void plot_numbers(const source_options& options) {
+  const std::string terminal = terminal_for(options.output);
+  if (options.count < fewest_numbers)
+    throw failure(exit_status::usage, fmt::format("--count {}: a histogram needs at least {} numbers",
+                                                  options.count, fewest_numbers));
+  const distribution_entry& distribution =
+      find_distribution(options.distribution, options.type, options.method);
+  const exact_law law = find_law(distribution, options.parameters);
+  const std::vector<bar> bars = make_histogram(draw_sample(options, distribution), law);
+
+  // The output is opened when the picture is complete: an old one survives a failure.
+  const std::string picture = run_gnuplot(script_of(terminal, title_of(options, distribution), bars, law));
+  try {
+    destination to(options.output);
+    to.write(picture.data(), picture.size());
+    to.close();
+  } catch (const closed_pipe&) {
+    // Whoever reads has enough.
+  }
+}
+
+} // namespace hvl_rng
