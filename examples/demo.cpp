@@ -113,8 +113,8 @@ bool show(const char* title, const Distribution& distribution, double exact_mean
   std::printf("%s: %lld million numbers from philox4x32x10 on each device\n", title,
               static_cast<long long>(total / 1000000));
   for (lane* one : lanes)
-    std::printf("  %-44s %6.2f billion numbers a second\n", one->name().c_str(),
-                double(total) * 1e-9 / one->take_seconds());
+    std::printf("  %-44s %8.1f million numbers a second\n", one->name().c_str(),
+                double(total) * 1e-6 / one->take_seconds());
   std::printf("  bits on all %zu devices: %s\n", lanes.size(), same ? "the same" : "DIFFERENT");
   std::printf("  mean     %12.8f  exact %12.8f  (%+.2f standard errors)\n", all.mean(), exact_mean,
               all.standard_errors(exact_variance));
@@ -144,9 +144,11 @@ int run(std::int64_t total) {
   for (const auto& one : owned)
     lanes.push_back(one.get());
 
-  const bool same =
+  const bool same_uniform =
       show("Uniform on [0, 1)", rng::uniform<float>(0.0f, 1.0f), 0.5, 1.0 / 12.0, 0.0, 1.0, total, lanes);
-  return same ? EXIT_SUCCESS : EXIT_FAILURE;
+  const bool same_gaussian = show("Normal, mean 0, deviation 1", rng::gaussian<float>(0.0f, 1.0f), 0.0, 1.0,
+                                  -4.0, 4.0, total, lanes);
+  return same_uniform && same_gaussian ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 } // namespace

@@ -50,6 +50,12 @@ class Numbers(unittest.TestCase):
     def test_parameters_reach_the_distribution(self):
         values = struct.unpack("<1000i", raw("-n", "1k", "-t", "int32", "--a", "-5", "--b", "5"))
         self.assertEqual(set(values), set(range(-5, 5)))
+        gaussian = ("-n", "1k", "-d", "gaussian", "--mean", "-7", "--stddev", "1e-3")
+        values = struct.unpack("<1000f", raw(*gaussian))
+        self.assertTrue(all(abs(value + 7) < 6e-3 for value in values))
+        self.assertGreater(len(set(values)), 900)
+        self.assertEqual(raw(*gaussian, "--method", "box_muller2"), raw(*gaussian))
+        self.assertNotEqual(raw(*gaussian, "--method", "icdf"), raw(*gaussian))
 
     def test_npy_is_what_numpy_defines(self):
         for type_name, descr, value_bytes in (("float", "<f4", 4), ("double", "<f8", 8), ("int32", "<i4", 4)):
@@ -126,6 +132,9 @@ class Refusals(unittest.TestCase):
                 ("--seed", "-n", "1", "-e", "mcg31m1", "-s", "4294967296"),
                 ("--beta", "-n", "1", "--beta", "2"), ("--a one", "-n", "1", "--a", "one"),
                 ("--a 1.5", "-n", "1", "-t", "int32", "--a", "1.5"), ("--b 1e99", "-n", "1", "--b", "1e99"),
+                ("--beta 2: gaussian has --mean, --stddev", "-n", "1", "-d", "gaussian", "--beta", "2"),
+                ("--stddev 0", "-n", "1", "-d", "gaussian", "--stddev", "0"),
+                ("--mean nan", "-n", "1", "-d", "gaussian", "--mean", "nan"),
                 ("--a 2 --b 1", "-n", "1", "--a", "2", "--b", "1"), ("--nothing", "-n", "1", "--nothing")):
             self.assert_refused(USAGE, named.replace("--format npy", "npy"), *arguments)
 
@@ -154,17 +163,25 @@ class Lists(unittest.TestCase):
         for number, kind in enumerate(kinds):
             self.assertEqual(raw("-n", "4", "--device", str(number)), raw("-n", "4", "--device", kind))
 
-    def test_every_listed_engine_and_default_distribution_is_understood(self):
-        text = run("list").stdout.decode()
-        engines = re.findall(r"^  (\w+)", text.split("\n\n")[0], re.MULTILINE)
-        distributions = re.findall(r"^  (\w+)", text.split("\n\n")[1], re.MULTILINE)
-        self.assertIn("philox4x32x10", engines)
-        self.assertIn("uniform_bits", distributions)
-        self.assertEqual(len(set(distributions)), len(distributions))
-        for name in engines:
-            self.assertIn(run("generate", "-n", "2", "-e", name).returncode, (0, UNSUPPORTED), name)
-        for name in distributions:
-            self.assertIn(run("generate", "-n", "2", "-d", name).returncode, (0, UNSUPPORTED), name)
+    def test_everything_listed_is_understood_and_the_same_on_both_devices(self):
+        engines, distributions = run("list").stdout.decode().split("\n\n")
+        engines = re.findall(r"^  (\w+)", engines, re.MULTILINE)
+        self.assertGreaterEqual(len(engines), 5)
+        lines = distributions.splitlines()[1:]
+        names, variants = [line.split()[0] for line in lines if line[2] != " "], []
+        for line in lines:
+            if line[2] != " ":
+                name = line.split()[0]
+            else:
+                variants.append(["-d", name, *line.split("*")[-1].split()])
+        self.assertEqual(len(set(names)), len(names))
+        self.assertEqual(sum("*" in line for line in lines), len(names), "one default each")
+        for variant in variants:
+            self.assertEqual(raw("-n", "101", *variant), raw("-n", "101", *variant, "--device", "gpu"), variant)
+        for engine in engines:
+            for name in names:
+                self.assertIn(run("generate", "-n", "2", "-e", engine, "-d", name).returncode, (0, UNSUPPORTED),
+                              (engine, name))
 
 
 class TraceSummary(unittest.TestCase):
