@@ -22,8 +22,8 @@ PICTURES = (
 INTRODUCTION = """\
 # Gallery
 
-A million numbers of each distribution beside the exact density. `./dev gallery` draws the pictures anew; as every device
-gives the same numbers, they change only when the library or gnuplot does.
+A million numbers of each distribution beside the exact density. `./dev gallery` draws the pictures anew; as every
+device gives the same numbers, they change only when the library or gnuplot does.
 """
 
 

@@ -158,7 +158,8 @@ class Refusals(unittest.TestCase):
     def test_usage_errors_name_the_option(self):
         for named, *arguments in (
                 ("--output picture.pdf", "-o", "picture.pdf"), ("--output picture", "-o", "picture"),
-                ("--count 99", "-n", "99"), ("--count", "-n", "many"), ("--distribution", "-d", "nothing"),
+                ("--count 99", "-n", "99"), ("--count 18446744073000000000", "-n", "18446744073G"),
+                ("--count", "-n", "many"), ("--distribution", "-d", "nothing"),
                 ("--distribution bits", "-d", "bits"), ("--stddev 0", "-d", "gaussian", "--stddev", "0"),
                 ("--beta 2: gaussian has --mean, --stddev", "-d", "gaussian", "--beta", "2"),
                 ("--engine", "-e", "nothing"), ("--format", "--format", "raw")):

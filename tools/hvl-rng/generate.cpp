@@ -5,8 +5,6 @@
 
 #include <kestro/hvl/exceptions.hpp>
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <limits>
 #include <unistd.h>

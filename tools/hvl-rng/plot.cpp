@@ -17,7 +17,8 @@
 namespace hvl_rng {
 namespace {
 
-constexpr std::uint64_t fewest_numbers = 100;
+// Fewer make no histogram; more would only fill memory, for the bars move by less than a pixel.
+constexpr std::uint64_t fewest_numbers = 100, most_numbers = 100'000'000;
 
 // The gnuplot terminal that draws what the output's suffix promises.
 std::string terminal_for(const std::string& output) {
@@ -144,9 +145,9 @@ std::string script_of(const std::string& terminal, const std::string& title, con
 
 void plot_numbers(const source_options& options) {
   const std::string terminal = terminal_for(options.output);
-  if (options.count < fewest_numbers)
-    throw failure(exit_status::usage, fmt::format("--count {}: a histogram needs at least {} numbers",
-                                                  options.count, fewest_numbers));
+  if (options.count < fewest_numbers || options.count > most_numbers)
+    throw failure(exit_status::usage, fmt::format("--count {}: a histogram is drawn of {} to {} numbers",
+                                                  options.count, fewest_numbers, most_numbers));
   const distribution_entry& distribution =
       find_distribution(options.distribution, options.type, options.method);
   const exact_law law = find_law(distribution, options.parameters);
