@@ -12,8 +12,7 @@ QORIN_EXPORT std::shared_ptr<void> hold_for_host(buffer_state& memory, access_mo
 } // namespace detail
 
 template <class T, int Dimensions = 1, access_mode Mode = detail::default_mode<T>>
-class host_accessor : public detail::element_access<std::remove_const_t<T>, Dimensions, Mode>,
-                      private std::shared_ptr<void> {
+class host_accessor : public detail::element_access<std::remove_const_t<T>, Dimensions, Mode> {
   using base = detail::element_access<std::remove_const_t<T>, Dimensions, Mode>;
   using plain = std::remove_const_t<T>;
 
@@ -32,12 +31,17 @@ class host_accessor : public detail::element_access<std::remove_const_t<T>, Dime
   template <class U, class A, class... Tags,
             class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
   host_accessor(buffer<U, Dimensions, A>& from, range<Dimensions> box, id<Dimensions> offset, const Tags&...)
-      : base(from.memory(), from.first_, from.get_range(), box, offset), std::shared_ptr<void>(
-                                                                             detail::hold_for_host(
-                                                                                 from.memory(), Mode)) {}
+      : base(from.memory(), from.first_, from.get_range(), box, offset),
+        hold_(detail::hold_for_host(from.memory(), Mode)) {
+    static_assert((detail::fits<Mode, target::device, Tags> && ...),
+                  "a tag of another mode, or an argument that host accessors do not take");
+  }
 
   std::add_pointer_t<value_type> get_pointer() const noexcept { return this->buffer_data(); }
   void swap(host_accessor& other) { std::swap(*this, other); }
+
+ private:
+  std::shared_ptr<void> hold_;
 };
 
 template <class T, int D, class A>
