@@ -66,8 +66,6 @@ struct engine_generation<mt19937> : plain_generation<mt19937> {
   static sycl::event on_device(engine_base_impl<mt19937>& impl, sycl::queue& queue,
                                const DistributionImpl& distribution, std::int64_t n, const Target& target) {
     using distribution_type = typename DistributionImpl::distribution_type;
-    using traits = typename DistributionImpl::traits;
-    constexpr int unit = traits::in_pairs ? 2 : traits::words_per_value;
 
     auto& extension = impl.extension();
     mt19937_device_state& device = *extension.device;
@@ -90,7 +88,7 @@ struct engine_generation<mt19937> : plain_generation<mt19937> {
       const auto coefficients = distribution.template coefficients<mt19937>();
       using from_word = gpu::mt19937_from_word<typename DistributionImpl::computation_type,
                                                std::decay_t<decltype(coefficients)>>;
-      using emit = gpu::mt19937_emit<unit, typename distribution_type::result_type,
+      using emit = gpu::mt19937_emit<typename distribution_type::result_type,
                                      std::decay_t<decltype(transform)>, from_word, decltype(output)>;
       const gpu::mt_local_words memory(sycl::range<1>(gpu::mt19937_window::capacity), handler);
       handler.parallel_for(sycl::nd_range<1>(plan.segments * plan.lanes, plan.lanes),

@@ -9,7 +9,7 @@ namespace kestro::hvl::rng::detail::gpu {
 namespace {
 
 // A jump costs as much as some hundred thousand words; a segment is worth several of them.
-constexpr int least_power = 20;
+constexpr int least_power = 22;
 
 // More segments than compute units, so that unequal speeds even out.
 constexpr std::uint64_t segments_per_unit = 8;

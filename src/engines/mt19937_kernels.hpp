@@ -31,6 +31,10 @@ mt19937_plan mt19937_plan_for(const sycl::device& device, std::uint64_t words);
 sycl::event mt19937_start_segments(sycl::queue& queue, mt19937_device_state& state, const mt19937_plan& plan,
                                    const sycl::event& after);
 
+/// Words that are turned into values together; segments and blocks start at whole units.
+inline constexpr int mt_unit = 4;
+static_assert(mt_block % mt_unit == 0);
+
 using mt_local_words = sycl::local_accessor<std::uint32_t, 1>;
 
 /// A work-group's view of the sequence: 624 live words, and new ones behind them. All items of the group make the same
@@ -136,8 +140,9 @@ class mt19937_generate {
     const std::uint64_t end = is_last ? words_ : position + length;
     while (position < end) {
       const int count = end - position < mt_block ? static_cast<int>(end - position) : mt_block;
-      const std::uint32_t* const block = window.extend(count);
-      emit_(block, position, count, window.lane(), window.lanes());
+      const int whole = (count + mt_unit - 1) / mt_unit * mt_unit;
+      const std::uint32_t* const block = window.extend(whole);
+      emit_(block, position, whole, window.lane(), window.lanes());
       window.advance(count);
       position += static_cast<std::uint64_t>(count);
     }
@@ -159,11 +164,11 @@ struct mt19937_drop {
   void operator()(const std::uint32_t*, std::uint64_t, int, int, int) const {}
 };
 
-/// Turns words into values, `Unit` words at a time. Blocks hold whole units: a block is even, and so is the number of
-/// words where values come in pairs.
-template <int Unit, class T, class Transform, class FromWord, class Output>
+/// Turns words into values, a unit of four words at a time: a loop over units vectorises, as in the kernel frame. The last
+/// unit of a call may reach past its words; what comes of those is not stored.
+template <class T, class Transform, class FromWord, class Output>
 struct mt19937_emit {
-  static constexpr int values_per_unit = Unit / Transform::words_per_value;
+  static constexpr int values_per_unit = mt_unit / Transform::words_per_value;
 
   Output output;
   FromWord from_word;
@@ -171,22 +176,22 @@ struct mt19937_emit {
   std::int64_t n;
 
   void operator()(const std::uint32_t* words, std::uint64_t position, int count, int lane, int lanes) const {
-    const std::int64_t first = static_cast<std::int64_t>(position) / Unit * values_per_unit;
-    const int units = count / Unit;
+    const std::int64_t first = static_cast<std::int64_t>(position) / mt_unit * values_per_unit;
+    const int units = count / mt_unit;
     if (lanes == 1 && first + units * values_per_unit <= n) {
       for (int u = 0; u < units; ++u)
-        emit<false>(words + u * Unit, first + u * values_per_unit);
+        emit<false>(words + u * mt_unit, first + u * values_per_unit);
     } else {
       for (int u = lane; u < units; u += lanes)
-        emit<true>(words + u * Unit, first + u * values_per_unit);
+        emit<true>(words + u * mt_unit, first + u * values_per_unit);
     }
   }
 
  private:
   template <bool AtEnd>
   void emit(const std::uint32_t* words, std::int64_t at) const {
-    typename FromWord::value_type uniforms[Unit];
-    for (int k = 0; k < Unit; ++k)
+    typename FromWord::value_type uniforms[mt_unit];
+    for (int k = 0; k < mt_unit; ++k)
       uniforms[k] = from_word(mt19937_temper(words[k]));
     T values[values_per_unit];
     transform(uniforms, values);

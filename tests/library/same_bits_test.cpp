@@ -43,7 +43,7 @@ TYPED_TEST(same_bits_test, every_distribution) {
 // Sizes at which calls are cut into pieces for threads, streamed past the caches, or made in segments.
 TYPED_TEST(same_bits_test, long_calls) {
   auto cpu = devices()[0].queue, gpu = devices()[1].queue;
-  for (const std::int64_t n : {300001, 5000003}) {
+  for (const std::int64_t n : {300001, 9000011}) {
     TypeParam on_cpu(cpu, 3), on_gpu(gpu, 3);
     const auto expected = usm_values(uniform<float>(), on_cpu, cpu, n);
     const auto actual = usm_values(uniform<float>(), on_gpu, gpu, n);

@@ -48,12 +48,15 @@ inline __attribute__((always_inline)) void run_group_items(const void* launch, w
     group_id[d] = rest % groups[d];
     rest /= groups[d];
   }
-  for_each_row(local, first, last, [&](id<Dimensions> at, std::ptrdiff_t from, std::ptrdiff_t to) {
+  // Forced: a copy of the body outside of this function would not be compiled for its instruction set.
+  const auto run_row = [&](id<Dimensions> at, std::ptrdiff_t from, std::ptrdiff_t to)
+      __attribute__((always_inline)) {
     for (std::ptrdiff_t i = from; i < to; ++i) {
       at[Dimensions - 1] = static_cast<std::size_t>(i);
       kernel(group_access::item_of(group_access::make(members, group_id, groups, at, local)));
     }
-  });
+  };
+  for_each_row(local, first, last, run_row);
 }
 
 #define QORIN_GROUP_FUNCTION(name, attributes)                                                               \

@@ -70,12 +70,15 @@ inline __attribute__((always_inline)) void run_range_chunk(const void* launch, s
   const auto& source = *static_cast<const range_launch<Dimensions, Kernel>*>(launch);
   const Kernel kernel = source.kernel;
   const range<Dimensions> extent = source.extent;
-  for_each_row(extent, begin, end, [&](id<Dimensions> at, std::ptrdiff_t first, std::ptrdiff_t last) {
+  // Forced: a copy of the body outside of this function would not be compiled for its instruction set.
+  const auto run_row = [&](id<Dimensions> at, std::ptrdiff_t first, std::ptrdiff_t last)
+      __attribute__((always_inline)) {
     for (std::ptrdiff_t i = first; i < last; ++i) {
       at[Dimensions - 1] = static_cast<std::size_t>(i);
       kernel(item_access::make(at, extent));
     }
-  });
+  };
+  for_each_row(extent, begin, end, run_row);
 }
 
 #pragma GCC diagnostic pop
