@@ -1,6 +1,7 @@
 #pragma once
 
 #include <hvl/math/ops.hpp>
+#include <hvl/math/transforms/words.hpp>
 #include <sycl/sycl.hpp>
 
 namespace kestro::hvl::rng::detail::gpu {
@@ -15,5 +16,13 @@ struct device_ops : ::hvl::math::scalar_ops<T> {
     return static_cast<T>(f(device_ops<double>{}, static_cast<double>(a)...));
   }
 };
+
+/// The declaration of a method's words, as the framework asks for it.
+constexpr int words_per_value_of(::hvl::math::word_use use) {
+  return static_cast<int>(use.words / use.values);
+}
+constexpr bool in_pairs_of(::hvl::math::word_use use) {
+  return use.values == 2;
+}
 
 } // namespace kestro::hvl::rng::detail::gpu

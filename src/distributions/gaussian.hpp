@@ -20,8 +20,8 @@ namespace gpu {
 template <class T>
 struct gaussian_box_muller {
   using distribution_type = gaussian<T, gaussian_method::box_muller>;
-  static constexpr int words_per_value = 2;
-  static constexpr bool in_pairs = false;
+  static constexpr int words_per_value = words_per_value_of(::hvl::math::gaussian_box_muller_words);
+  static constexpr bool in_pairs = in_pairs_of(::hvl::math::gaussian_box_muller_words);
 
   T mean, stddev;
 
@@ -36,8 +36,8 @@ struct gaussian_box_muller {
 template <class T>
 struct gaussian_box_muller2 {
   using distribution_type = gaussian<T, gaussian_method::box_muller2>;
-  static constexpr int words_per_value = 1;
-  static constexpr bool in_pairs = true;
+  static constexpr int words_per_value = words_per_value_of(::hvl::math::gaussian_box_muller2_words);
+  static constexpr bool in_pairs = in_pairs_of(::hvl::math::gaussian_box_muller2_words);
 
   T mean, stddev;
 
@@ -53,8 +53,8 @@ struct gaussian_box_muller2 {
 template <class T>
 struct gaussian_icdf {
   using distribution_type = gaussian<T, gaussian_method::icdf>;
-  static constexpr int words_per_value = 1;
-  static constexpr bool in_pairs = false;
+  static constexpr int words_per_value = words_per_value_of(::hvl::math::gaussian_icdf_words);
+  static constexpr bool in_pairs = in_pairs_of(::hvl::math::gaussian_icdf_words);
 
   T mean, scale;
 

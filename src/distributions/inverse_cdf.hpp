@@ -76,7 +76,7 @@ struct cauchy_icdf {
 template <class T>
 struct laplace_icdf {
   using distribution_type = laplace<T, laplace_method::icdf>;
-  static constexpr int words_per_value = 2;
+  static constexpr int words_per_value = words_per_value_of(::hvl::math::laplace_icdf_words);
 
   T a, b;
 
@@ -90,12 +90,12 @@ struct laplace_icdf {
 } // namespace gpu
 
 /// What the families share.
-template <class Computation, int WordsPerValue>
+template <class Computation, const ::hvl::math::word_use& Words>
 struct inverse_cdf_traits {
   using computation_type = Computation;
   static constexpr bool needs_uniform_bits = false;
   static constexpr bool has_substreams = false;
-  static constexpr int words_per_value = WordsPerValue;
+  static constexpr int words_per_value = gpu::words_per_value_of(Words);
   static constexpr bool in_pairs = false;
 
   template <class Distribution>
@@ -105,7 +105,8 @@ struct inverse_cdf_traits {
 };
 
 template <class T, class Method>
-struct distribution_traits<exponential<T, Method>> : inverse_cdf_traits<T, 1> {
+struct distribution_traits<exponential<T, Method>>
+    : inverse_cdf_traits<T, ::hvl::math::exponential_icdf_words> {
   static constexpr bool is_accurate = std::is_same_v<Method, exponential_method::icdf_accurate>;
   using transform = gpu::inverse_cdf<exponential<T, Method>, gpu::exponential_icdf<T>, is_accurate>;
   static constexpr const char* name = "exponential";
@@ -119,7 +120,7 @@ struct distribution_traits<exponential<T, Method>> : inverse_cdf_traits<T, 1> {
 };
 
 template <class T, class Method>
-struct distribution_traits<laplace<T, Method>> : inverse_cdf_traits<T, 2> {
+struct distribution_traits<laplace<T, Method>> : inverse_cdf_traits<T, ::hvl::math::laplace_icdf_words> {
   using transform = gpu::laplace_icdf<T>;
   static constexpr const char* name = "laplace";
 
@@ -131,7 +132,7 @@ struct distribution_traits<laplace<T, Method>> : inverse_cdf_traits<T, 2> {
 };
 
 template <class T, class Method>
-struct distribution_traits<weibull<T, Method>> : inverse_cdf_traits<T, 1> {
+struct distribution_traits<weibull<T, Method>> : inverse_cdf_traits<T, ::hvl::math::weibull_icdf_words> {
   static constexpr bool is_accurate = std::is_same_v<Method, weibull_method::icdf_accurate>;
   using transform = gpu::inverse_cdf<weibull<T, Method>, gpu::weibull_icdf<T>, is_accurate>;
   static constexpr const char* name = "weibull";
@@ -147,7 +148,7 @@ struct distribution_traits<weibull<T, Method>> : inverse_cdf_traits<T, 1> {
 };
 
 template <class T, class Method>
-struct distribution_traits<rayleigh<T, Method>> : inverse_cdf_traits<T, 1> {
+struct distribution_traits<rayleigh<T, Method>> : inverse_cdf_traits<T, ::hvl::math::rayleigh_icdf_words> {
   static constexpr bool is_accurate = std::is_same_v<Method, rayleigh_method::icdf_accurate>;
   using transform = gpu::inverse_cdf<rayleigh<T, Method>, gpu::rayleigh_icdf<T>, is_accurate>;
   static constexpr const char* name = "rayleigh";
@@ -161,7 +162,7 @@ struct distribution_traits<rayleigh<T, Method>> : inverse_cdf_traits<T, 1> {
 };
 
 template <class T, class Method>
-struct distribution_traits<gumbel<T, Method>> : inverse_cdf_traits<T, 1> {
+struct distribution_traits<gumbel<T, Method>> : inverse_cdf_traits<T, ::hvl::math::gumbel_icdf_words> {
   static constexpr bool is_accurate = false;
   using transform = gpu::inverse_cdf<gumbel<T, Method>, gpu::gumbel_icdf<T>, is_accurate>;
   static constexpr const char* name = "gumbel";
@@ -174,7 +175,7 @@ struct distribution_traits<gumbel<T, Method>> : inverse_cdf_traits<T, 1> {
 };
 
 template <class T, class Method>
-struct distribution_traits<cauchy<T, Method>> : inverse_cdf_traits<double, 1> {
+struct distribution_traits<cauchy<T, Method>> : inverse_cdf_traits<double, ::hvl::math::cauchy_icdf_words> {
   static constexpr bool is_accurate = false;
   using transform = gpu::inverse_cdf<cauchy<T, Method>, gpu::cauchy_icdf<T>, is_accurate>;
   static constexpr const char* name = "cauchy";

@@ -17,8 +17,8 @@ namespace gpu {
 template <class T, class Distribution>
 struct lognormal_box_muller2 {
   using distribution_type = Distribution;
-  static constexpr int words_per_value = 1;
-  static constexpr bool in_pairs = true;
+  static constexpr int words_per_value = words_per_value_of(::hvl::math::lognormal_box_muller2_words);
+  static constexpr bool in_pairs = in_pairs_of(::hvl::math::lognormal_box_muller2_words);
 
   T m, s, displ, scale;
 
@@ -34,8 +34,8 @@ struct lognormal_box_muller2 {
 template <class T, class Distribution>
 struct lognormal_icdf {
   using distribution_type = Distribution;
-  static constexpr int words_per_value = 1;
-  static constexpr bool in_pairs = false;
+  static constexpr int words_per_value = words_per_value_of(::hvl::math::lognormal_icdf_words);
+  static constexpr bool in_pairs = in_pairs_of(::hvl::math::lognormal_icdf_words);
 
   T m, s, displ, scale;
 
@@ -87,7 +87,8 @@ struct distribution_traits<lognormal<T, Method>> {
   static interval<T> uniforms(const distribution&) { return normal_uniforms<T>(is_icdf); }
 
   static transform device_transform(const distribution& d) {
-    const plain_transform plain{d.m(), is_icdf ? ::hvl::math::icdf_scale(d.s()) : d.s(), d.displ(), d.scale()};
+    const plain_transform plain{d.m(), is_icdf ? ::hvl::math::icdf_scale(d.s()) : d.s(), d.displ(),
+                                d.scale()};
     if constexpr (is_accurate)
       return {plain};
     else
