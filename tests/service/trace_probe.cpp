@@ -53,7 +53,7 @@ void buffer_call(sycl::queue queue) {
 
 // Long enough that kernels which place the segments of the sequence go before; prints the time of the last one.
 void segmented_call(sycl::queue queue) {
-  constexpr std::int64_t count = 8'000'000;
+  constexpr std::int64_t count = 20'000'000;
   mt19937 engine(queue, 777);
   float* const r = sycl::malloc_shared<float>(count, queue);
   sycl::event last = generate(uniform<float>(0.0f, 1.0f), engine, count, r);
