@@ -1,0 +1,87 @@
+#include "every_word.hpp"
+
+#include <hvl/math/transforms.hpp>
+
+#include <cmath>
+
+#include "hvl/streams_scaling.hpp"
+
+namespace hvl::streams::test {
+namespace {
+
+struct word_range {
+  const char* name;
+  word_scale scale;
+  std::uint64_t first, last, step; // of signed32: the words' bits
+};
+constexpr word_range ranges[] = {{"signed 32-bit", word_scale::signed32, 0, 0xFFFFFFFF, 1},
+                                 {"mcg31m1", word_scale::mcg31m1, 1, 0x7FFFFFFE, 1},
+                                 {"mrg32k3a", word_scale::mrg32k3a, 1, 4294967087, 1},
+                                 {"mcg59", word_scale::mcg59, 1, (std::uint64_t{1} << 59) - 1, 1u << 27}};
+
+template <class T>
+T uniform(const word_range& r, std::uint64_t word, T low, T high) {
+  const coefficients<T> c = uniform_coefficients(r.scale, low, high);
+  if (r.scale == word_scale::signed32)
+    return uniform_value<T>(static_cast<std::int32_t>(static_cast<std::uint32_t>(word)), c);
+  return uniform_value<T>(word, c);
+}
+
+// Calls see(method, value) for each value that the word makes; of two uniforms, the other is each of the extremes.
+template <class T, class See>
+void values_of(const word_range& r, std::uint64_t word, const See& see) {
+  using O = math::scalar_ops<T>;
+  const T u = uniform(r, word, T(0), T(1));
+  const T v = uniform(r, word, T(-1), T(1));
+  const T icdf_scale = math::icdf_scale(T(1));
+  for (const std::uint64_t other_word : {r.first, r.first + (r.last - r.first) / 2, r.last}) {
+    const T other = uniform(r, other_word, T(0), T(1));
+    T first, second;
+    for (const bool swapped : {false, true}) {
+      math::gaussian_box_muller2<O>(swapped ? other : u, swapped ? u : other, T(0), T(1), first, second);
+      see("gaussian_box_muller2, first", first);
+      see("gaussian_box_muller2, second", second);
+      math::lognormal_box_muller2<O>(swapped ? other : u, swapped ? u : other, T(0), T(1), T(0), T(1), first,
+                                     second);
+      see("lognormal_box_muller2, first", first);
+      see("lognormal_box_muller2, second", second);
+      see("laplace", math::laplace_icdf<O>(swapped ? other : u, swapped ? u : other, T(0), T(1)));
+    }
+  }
+  see("gaussian_icdf", math::gaussian_icdf<O>(v, T(0), icdf_scale));
+  see("lognormal_icdf", math::lognormal_icdf<O>(v, T(0), icdf_scale, T(0), T(1)));
+  see("exponential", math::exponential_icdf<O>(u, T(0), T(1)));
+  for (const T alpha : {T(0.25), T(1), T(40)})
+    see("weibull", math::weibull_icdf<O>(u, math::weibull_exponent(alpha), T(0), T(1)));
+  see("rayleigh", math::rayleigh_icdf<O>(u, T(0), T(1)));
+  see("gumbel", math::gumbel_icdf<O>(u, T(0), T(1)));
+  const double angle = uniform(r, word, math::cauchy_low, math::cauchy_high);
+  see("cauchy", static_cast<T>(math::cauchy_icdf<math::scalar_ops<double>>(angle, 0.0, 1.0)));
+}
+
+} // namespace
+
+word_report try_words(std::uint64_t stride) {
+  word_report report;
+  for (const word_range& r : ranges) {
+    const auto try_word = [&](std::uint64_t word) {
+      ++report.tried;
+      const auto see = [&](const char* method, auto value) {
+        if (!std::isfinite(value) && report.not_finite.size() < 20)
+          report.not_finite.push_back(std::string(method) + (sizeof value == 4 ? ", float, " : ", double, ") +
+                                      r.name + " word " + std::to_string(word));
+      };
+      values_of<float>(r, word, see);
+      values_of<double>(r, word, see);
+    };
+    for (std::uint64_t word = r.first; word < r.last; word += stride * r.step)
+      try_word(word);
+    try_word(r.last);
+    if (r.scale == word_scale::signed32) // both ends of the interval are in the middle of the unsigned words
+      for (const std::uint64_t word : {0x7FFFFF00u, 0x7FFFFFFFu, 0x80000000u, 0x80000001u, 0x800000FFu})
+        try_word(word);
+  }
+  return report;
+}
+
+} // namespace hvl::streams::test
