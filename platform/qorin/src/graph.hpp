@@ -5,6 +5,7 @@
 
 #include <sycl/detail/buffer_state.hpp>
 
+#include <deque>
 #include <mutex>
 #include <vector>
 
@@ -17,11 +18,16 @@ std::mutex& graph_mutex();
 /// Guarded by graph_mutex().
 struct buffer_users {
   std::shared_ptr<command> writer;
-  std::vector<std::shared_ptr<command>> readers; // since the writer
+  std::deque<std::shared_ptr<command>> readers; // since the writer
 
   /// Makes `c` wait for the commands its access conflicts with, and later ones for `c`.
   void enter(const std::shared_ptr<command>& c, access_mode mode);
   std::vector<std::shared_ptr<command>> all() const;
+
+ private:
+  void forget_complete_readers();
+
+  std::size_t crowded_ = 16; // so many readers are worth looking through
 };
 
 } // namespace sycl::detail

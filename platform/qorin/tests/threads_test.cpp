@@ -54,6 +54,25 @@ TEST(threads, share_queues_and_buffers) {
   }
 }
 
+TEST(threads, enter_the_users_of_one_buffer_without_pause) {
+  sycl::buffer<int> shared{sycl::range<1>(1)};
+  {
+    sycl::host_accessor zero(shared);
+    zero[0] = 0;
+  }
+  constexpr int rounds = 3000;
+  on_threads(4, [&](int) {
+    sycl::queue q; // of its own: nothing but the buffer is shared
+    for (int i = 0; i < rounds; ++i)
+      q.submit([&](sycl::handler& h) {
+        sycl::accessor value(shared, h, sycl::read_write_host_task);
+        h.host_task([=] { value[0] += 1; });
+      });
+    q.wait();
+  });
+  EXPECT_EQ(sycl::host_accessor(shared)[0], 4 * rounds);
+}
+
 TEST(threads, wait_for_one_event_together) {
   sycl::queue q;
   for (int round = 0; round < 100; ++round) {
