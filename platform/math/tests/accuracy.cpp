@@ -19,12 +19,14 @@ using D = scalar_ops<double>;
 
 template <class O>
 typename O::value sine(typename O::value x) {
-  return sin<O>(x);
+  typename O::value s, c;
+  sincos_turns<O>(x, s, c);
+  return s;
 }
 template <class O>
 typename O::value cosine(typename O::value x) {
   typename O::value s, c;
-  sincos<O>(x, s, c);
+  sincos_turns<O>(x, s, c);
   return c;
 }
 
@@ -88,12 +90,16 @@ constexpr auto log_of_double = [](double x) { return log<D>(x); };
 constexpr float_function float_functions[] = {
     {"log", "every positive normal number", over_block<[](float x) { return log<F>(x); }, log_of_double>,
      least, greatest, false},
-    {"log_below_one", "every normal number in (0, 1]",
-     over_block<[](float x) { return log_below_one<F>(x); }, log_of_double>, least, 1.0f, false},
+    {"log_of_uniform", "every normal number in (0, 1]",
+     over_block<[](float x) { return log_of_uniform<F>(x); }, log_of_double>, least, 1.0f, false},
+    {"log_of_uniform times -2", "every normal number in (0, 1]",
+     over_block<[](float x) { return log_of_uniform<F, -2>(x); }, [](double x) { return -2 * log<D>(x); }>,
+     least, 1.0f, false},
     {"exp", "every number", over_block<[](float x) { return exp<F>(x); }, [](double x) { return exp<D>(x); }>,
      0.0f, greatest, true},
-    {"sin", "every number in [-7, 7]", over_block<sine<F>, sine<D>>, 0.0f, 7.0f, true},
-    {"cos", "every number in [-7, 7]", over_block<cosine<F>, cosine<D>>, 0.0f, 7.0f, true},
+    {"sin of turns", "every number in [-1, 1] from 2^-100 on in magnitude", over_block<sine<F>, sine<D>>,
+     0x1p-100f, 1.0f, true},
+    {"cos of turns", "every number in [-1, 1]", over_block<cosine<F>, cosine<D>>, 0.0f, 1.0f, true},
     {"erfinv", "every number in (-1, 1) from 2^-100 on in magnitude",
      over_block<[](float x) { return erfinv<F>(x); }, [](double x) { return erfinv<D>(x); }>, 0x1p-100f,
      0x1.fffffep-1f, true},
@@ -145,7 +151,7 @@ void exact_erfinv(number& result, double v, double e) {
   mpfr_sub(result, at, residue, MPFR_RNDN);
 }
 
-using mpfr_function = int (*)(mpfr_t, const mpfr_t, mpfr_rnd_t);
+using mpfr_function = std::function<int(mpfr_t, const mpfr_t, mpfr_rnd_t)>;
 
 class double_measurement {
  public:
@@ -158,7 +164,7 @@ class double_measurement {
   }
 
   // `random` draws an argument; those of `hard` are tried with their neighbours.
-  void against(const char* name, const char* domain, double (*f)(double), mpfr_function exact,
+  void against(const char* name, const char* domain, double (*f)(double), const mpfr_function& exact,
                const std::function<double()>& random, const std::vector<double>& hard) {
     run(name, domain, random, hard, [&](double x) {
       number reference(x);
@@ -243,12 +249,20 @@ std::vector<measured> measure_double(std::uint64_t points) {
   d.against(
       "exp", "every number", [](double x) { return exp<D>(x); }, mpfr_exp,
       [&] { return d.fraction() < 0.2 ? d.of_exponents(-60, 2) : d.fraction() * 1460 - 748; }, exp_hard);
-  const auto angle = [&] { return d.fraction() * 14 - 7; };
-  const auto turns = multiples(1.5707963267948966, 4);
-  d.against("sin", "[-7, 7]", sine<D>, mpfr_sin, angle, turns);
-  d.against("cos", "[-7, 7]", cosine<D>, mpfr_cos, angle, turns);
+  const auto part_of_turn = [&] {
+    return d.fraction() < 0.1 ? d.of_exponents(-60, 0) : d.fraction() * 2 - 1;
+  };
+  const auto in_turns = [](auto exact) {
+    return
+        [exact](mpfr_t result, const mpfr_t x, mpfr_rnd_t rounding) { return exact(result, x, 1, rounding); };
+  };
+  auto eighths = multiples(0.25, 3);
+  eighths.push_back(1 - 0x1p-46); // and its neighbours stay inside
+  d.against("sin of turns", "[-1, 1]", sine<D>, in_turns(mpfr_sinu), part_of_turn, eighths);
+  d.against("cos of turns", "[-1, 1]", cosine<D>, in_turns(mpfr_cosu), part_of_turn, eighths);
   d.against(
-      "tan", "[-7, 7]", [](double x) { return tan<D>(x); }, mpfr_tan, angle, turns);
+      "tan", "[-7, 7]", [](double x) { return tan<D>(x); }, mpfr_tan, [&] { return d.fraction() * 14 - 7; },
+      multiples(1.5707963267948966, 4));
 
   std::vector<double> pieces = {0x1p-1000, 0x1p-30};
   for (int k = 1; k < 53; ++k)

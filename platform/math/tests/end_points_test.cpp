@@ -23,10 +23,23 @@ TYPED_TEST(end_points, logarithm) {
   using O = scalar_ops<T>;
   EXPECT_EQ(log_guarded<O>(T(0)), sizeof(T) == 4 ? T(-103.27893f) : T(-744.4400719213812));
   EXPECT_EQ(log_of_uniform<O>(T(0)), log_guarded<O>(T(0)));
+  EXPECT_EQ((log_of_uniform<O, -1>(T(0))), -log_guarded<O>(T(0)));
+  EXPECT_EQ((log_of_uniform<O, -2>(T(0))), -2 * log_guarded<O>(T(0)));
   EXPECT_EQ(log_guarded<O>(-T(0)), log_of_zero<T>);
   EXPECT_EQ(log_guarded<O>(T(1)), T(0));
   EXPECT_EQ(log_of_uniform<O>(T(1)), T(0));
   EXPECT_TRUE(std::isnan(log_guarded<O>(std::numeric_limits<T>::quiet_NaN())));
+}
+
+TYPED_TEST(end_points, quarters_of_a_turn) {
+  using T = TypeParam;
+  const T quarters[][3] = {{0, 0, 1}, {T(0.25), 1, 0}, {T(0.5), 0, -1}, {T(0.75), -1, 0}, {1, 0, 1}};
+  for (const auto& [turns, sine, cosine] : quarters) {
+    T s = 9, c = 9;
+    sincos_turns<scalar_ops<T>>(turns, s, c);
+    EXPECT_EQ(s, sine) << turns;
+    EXPECT_EQ(c, cosine) << turns;
+  }
 }
 
 TYPED_TEST(end_points, exponential_function) {

@@ -11,7 +11,7 @@ struct gaussian {
   static void box_muller(const void* parameters, const void* words, void* values,
                          std::size_t count) noexcept {
     const auto& p = *static_cast<const gaussian_parameters<T>*>(parameters);
-    for_each_of_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+    for_each_of_pair<T>(static_cast<T*>(values), count, unit_loader<Kind, T>(words, p.affine),
                         [&]<class O>(typename O::value u1, typename O::value u2) HVL_STREAMS_INLINE_LAMBDA {
                           return math::gaussian_box_muller<O>(u1, u2, p.mean, p.scale);
                         });
@@ -20,7 +20,7 @@ struct gaussian {
   static void box_muller2(const void* parameters, const void* words, void* values,
                           std::size_t count) noexcept {
     const auto& p = *static_cast<const gaussian_parameters<T>*>(parameters);
-    for_each_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+    for_each_pair<T>(static_cast<T*>(values), count, unit_loader<Kind, T>(words, p.affine),
                      [&]<class O>(typename O::value u1, typename O::value u2, typename O::value& first,
                                   typename O::value& second) HVL_STREAMS_INLINE_LAMBDA {
                        math::gaussian_box_muller2<O>(u1, u2, p.mean, p.scale, first, second);
@@ -29,7 +29,7 @@ struct gaussian {
 
   static void icdf(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
     const auto& p = *static_cast<const gaussian_parameters<T>*>(parameters);
-    for_each_value<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+    for_each_value<T>(static_cast<T*>(values), count, unit_loader<Kind, T>(words, p.affine),
                       [&]<class O>(typename O::value v)
                           HVL_STREAMS_INLINE_LAMBDA { return math::gaussian_icdf<O>(v, p.mean, p.scale); });
   }

@@ -21,7 +21,7 @@ HVL_MATH_INLINE auto formula(typename O::value u, const inverse_cdf_parameters<t
 template <word_kind Kind, class T, inverse_cdf_family Family, bool Accurate>
 void of_one_uniform(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
   const auto& p = *static_cast<const inverse_cdf_parameters<T>*>(parameters);
-  for_each_value<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+  for_each_value<T>(static_cast<T*>(values), count, unit_loader<Kind, T>(words, p.affine),
                     [&]<class O>(typename O::value u) HVL_STREAMS_INLINE_LAMBDA {
                       const auto result = formula<Family, O>(u, p);
                       if constexpr (Accurate)
@@ -34,7 +34,7 @@ void of_one_uniform(const void* parameters, const void* words, void* values, std
 template <word_kind Kind, class T>
 void laplace(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
   const auto& p = *static_cast<const inverse_cdf_parameters<T>*>(parameters);
-  for_each_of_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+  for_each_of_pair<T>(static_cast<T*>(values), count, unit_loader<Kind, T>(words, p.affine),
                       [&]<class O>(typename O::value u1, typename O::value u2)
                           HVL_STREAMS_INLINE_LAMBDA { return math::laplace_icdf<O>(u1, u2, p.a, p.scale); });
 }

@@ -12,7 +12,7 @@ struct lognormal {
   static void box_muller2(const void* parameters, const void* words, void* values,
                           std::size_t count) noexcept {
     const auto& p = *static_cast<const lognormal_parameters<T>*>(parameters);
-    for_each_pair<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+    for_each_pair<T>(static_cast<T*>(values), count, unit_loader<Kind, T>(words, p.affine),
                      [&]<class O>(typename O::value u1, typename O::value u2, typename O::value& first,
                                   typename O::value& second) HVL_STREAMS_INLINE_LAMBDA {
                        math::lognormal_box_muller2<O>(u1, u2, p.m, p.s, p.displacement, p.scale, first,
@@ -26,7 +26,7 @@ struct lognormal {
 
   static void icdf(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
     const auto& p = *static_cast<const lognormal_parameters<T>*>(parameters);
-    for_each_value<T>(static_cast<T*>(values), count, word_loader<Kind, T>(words, p.affine),
+    for_each_value<T>(static_cast<T*>(values), count, unit_loader<Kind, T>(words, p.affine),
                       [&]<class O>(typename O::value v) HVL_STREAMS_INLINE_LAMBDA {
                         const auto result = math::lognormal_icdf<O>(v, p.m, p.s, p.displacement, p.scale);
                         if constexpr (Accurate)

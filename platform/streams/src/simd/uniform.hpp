@@ -28,7 +28,7 @@ template <class T>
 inline constexpr std::size_t vector_values = 1;
 
 // Uniforms from words: operator()(i) is the vector that starts at word i.
-template <word_kind Kind, class T>
+template <word_kind Kind, class T, bool ExactProduct = false>
 class word_loader {
  public:
   word_loader(const void* words, coefficients<T> affine)
@@ -139,8 +139,9 @@ HWY_INLINE vector<double> to_double_unsigned32(const std::uint32_t* words) {
                  hn::Set(dd, 4503599627370496.0));
 }
 
-// Uniforms from words: operator()(i) is the vector that starts at word i.
-template <word_kind Kind, class T>
+// Uniforms from words: operator()(i) is the vector that starts at word i. Where the product is exact a fused sum rounds
+// the same number.
+template <word_kind Kind, class T, bool ExactProduct = false>
 class word_loader {
  public:
   HWY_INLINE word_loader(const void* words, coefficients<T> affine)
@@ -148,7 +149,10 @@ class word_loader {
         shift_(hn::Set(vector_tag<T>(), affine.shift)) {}
 
   HWY_INLINE vector<T> operator()(std::size_t i) const {
-    return hn::Add(hn::Mul(converted(i), scale_), shift_);
+    if constexpr (ExactProduct)
+      return hn::MulAdd(converted(i), scale_, shift_);
+    else
+      return hn::Add(hn::Mul(converted(i), scale_), shift_);
   }
 
  private:
@@ -232,6 +236,10 @@ HWY_INLINE void for_each_vector(Value* HWY_RESTRICT out, std::size_t count, cons
 }
 
 #endif
+
+// On [0, 1) and [-1, 1) the scale is a power of two, except in double where a prime bounds the words.
+template <word_kind Kind, class T>
+using unit_loader = word_loader<Kind, T, sizeof(T) == 4 || Kind != word_kind::unsigned32>;
 
 } // namespace
 } // namespace hvl::streams::HVL_STREAMS_ISA

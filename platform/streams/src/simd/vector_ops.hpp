@@ -75,6 +75,10 @@ struct vector_ops<float> : vector_basics<float, std::uint32_t> {
 #endif
   }
 
+  static HWY_INLINE value signed_value(word a) {
+    return hn::ConvertTo(vector_tag<float>(), hn::BitCast(vector_tag<std::int32_t>(), a));
+  }
+
   template <class F>
   static HWY_INLINE value widened(const F& f, value a);
 };
@@ -129,6 +133,7 @@ struct two_vectors_ops {
   static HWY_INLINE value lookup(const T (&table)[N], word index) {
     return {one::lookup(table, index.a), one::lookup(table, index.b)};
   }
+  static HWY_INLINE value signed_value(word x) { return {one::signed_value(x.a), one::signed_value(x.b)}; }
   template <class F>
   static HWY_INLINE value widened(const F& f, value x) {
     return {one::widened(f, x.a), one::widened(f, x.b)};

@@ -6,7 +6,7 @@
 namespace hvl::math {
 namespace detail {
 
-// log(1 + f) = f - f^2 / 2 + f^3 P(f), for 1 + f in [sqrt(1/2), sqrt(2)] and in (1/2, 1].
+// log(1 + f) = f - f^2 / 2 + f^3 P(f), for 1 + f in [sqrt(1/2), sqrt(2)]; below_one, for 1 + f in (1/2, 1], is -1/2 + f P(f).
 template <class T>
 struct log_terms;
 
@@ -14,8 +14,9 @@ template <>
 struct log_terms<float> {
   static constexpr float p[] = {0x1.55557p-2f,  -0x1.000234p-2f, 0x1.99944ep-3f, -0x1.5466fep-3f,
                                 0x1.239ce2p-3f, -0x1.0e96ccp-3f, 0x1.015974p-3f, -0x1.2a6f78p-4f};
-  static constexpr float below_one[] = {0x1.554f2ep-2f,  -0x1.01009ep-2f, 0x1.79ae6p-3f,  -0x1.2ca06ap-2f,
-                                        -0x1.c4e85ep-2f, -0x1.afd4ecp0f,  -0x1.179de6p1f, -0x1.9e2986p0f};
+  static constexpr float below_one[] = {-0.5f,          0x1.554f2ep-2f,  -0x1.01009ep-2f,
+                                        0x1.79ae6p-3f,  -0x1.2ca06ap-2f, -0x1.c4e85ep-2f,
+                                        -0x1.afd4ecp0f, -0x1.179de6p1f,  -0x1.9e2986p0f};
 };
 
 template <>
@@ -44,29 +45,35 @@ HVL_MATH_INLINE typename O::value log(typename O::value x) {
   const detail::split<O> s = detail::split_exponent<O>(x, detail::sqrt_half_bits<T>);
   const auto f = s.mantissa - O::set(T(1));
   const auto series = detail::log_series<O>(f, detail::log_terms<T>::p);
-  const auto tail = O::fma(s.exponent, O::set(detail::ln2<T>::low), series);
-  const auto head = O::fma(s.exponent, O::set(detail::ln2<T>::high), f);
+  constexpr T high = detail::ln2<T>::high / detail::exponent_unit<T>;
+  constexpr T low = detail::ln2<T>::low / detail::exponent_unit<T>;
+  const auto tail = O::fma(s.exponent, O::set(low), series);
+  const auto head = O::fma(s.exponent, O::set(high), f);
   if constexpr (sizeof(T) == 8)
     return head + tail;
   // what rounding took from head: without it the error would pass one ulp
-  const auto lost = f - O::fma(s.exponent, O::set(-detail::ln2<T>::high), head);
+  const auto lost = f - O::fma(s.exponent, O::set(-high), head);
   return head + (lost + tail);
 }
 
-// The same for x <= 1, a little faster in float: with the mantissa in (1/2, 1] both addends are negative.
-template <class O>
-HVL_MATH_INLINE typename O::value log_below_one(typename O::value x) {
-  using T = typename O::scalar;
-  if constexpr (sizeof(T) == 8)
-    return log<O>(x);
-  else {
-    constexpr auto half = detail::layout<T>::one - (detail::layout<T>::mantissa_mask + 1);
-    const detail::split<O> s = detail::split_exponent<O>(x, half + 1);
-    const auto f = s.mantissa - O::set(T(1));
-    const auto series = detail::log_series<O>(f, detail::log_terms<T>::below_one);
-    return O::fma(s.exponent, O::set(detail::ln2<T>::whole), f + series);
-  }
+namespace detail {
+
+template <class T, std::size_t N>
+struct coefficient_list {
+  T c[N];
+};
+
+// Q with Q(factor x) = P(x) / factor. Exact for a factor that is a power of two.
+template <class T, std::size_t N>
+constexpr coefficient_list<T, N> stretched(const T (&p)[N], T factor) {
+  coefficient_list<T, N> q{};
+  T power = factor;
+  for (std::size_t i = 0; i < N; ++i, power *= factor)
+    q.c[i] = p[i] / power;
+  return q;
 }
+
+} // namespace detail
 
 // The logarithm of the smallest positive subnormal number.
 template <class T>
@@ -81,11 +88,25 @@ HVL_MATH_INLINE typename O::value log_guarded(typename O::value x) {
   return O::select(O::lt(O::set(T(0)), x), log<O>(x), O::set(log_of_zero<T>) + x);
 }
 
-// log_guarded of a uniform: x <= 1.
-template <class O>
+// Factor * log_guarded(x) of a uniform, 0 or normal and at most 1. Factor is a power of two, its sign included. Less work
+// than log_guarded in float: with the mantissa in (1/2, 1] both addends have one sign, and the factor costs nothing.
+template <class O, int Factor = 1>
 HVL_MATH_INLINE typename O::value log_of_uniform(typename O::value x) {
   using T = typename O::scalar;
-  return O::select(O::lt(O::set(T(0)), x), log_below_one<O>(x), O::set(log_of_zero<T>) + x);
+  if constexpr (sizeof(T) == 8) {
+    return Factor == 1 ? log_guarded<O>(x) : O::set(T(Factor)) * log_guarded<O>(x);
+  } else {
+    constexpr auto half = detail::layout<T>::one - (detail::layout<T>::mantissa_mask + 1);
+    constexpr T unit = detail::exponent_unit<T>;
+    constexpr auto terms = detail::stretched(detail::log_terms<T>::below_one, T(Factor));
+    const detail::split<O> s = detail::split_exponent<O>(x, half + 1);
+    const auto f = O::fma(s.mantissa, O::set(T(Factor)), O::set(T(-Factor))); // exact
+    const auto f2 = f * f;
+    const auto of_mantissa = O::fma(f2, detail::polynomial<O>(f, f2, terms.c), f);
+    // the mantissa of 0 comes out as 1, and -149 ln 2 rounds to log_of_zero
+    const auto exponent = O::select(O::lt(O::set(T(0)), x), s.exponent, O::set(-149 * unit));
+    return O::fma(exponent, O::set(Factor * detail::ln2<T>::whole / unit), of_mantissa);
+  }
 }
 
 } // namespace hvl::math

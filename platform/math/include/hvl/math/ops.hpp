@@ -14,6 +14,7 @@
 //   odd(word)                its lowest bit, as a mask
 //   select(mask, a, b)       mask ? a : b
 //   lookup<n>(table, word)   table[word] of n numbers; every word is below n
+//   signed_value(word)       float only: the word as a signed integer, converted; it has 24 significant bits at most
 //   widened(f, a...)         float only: f over the policy for double, on the arguments converted to double; the result
 //                            is rounded to float. f is called as f(wide_policy{}, a...), perhaps once for each part of a
 //                            vector.
@@ -74,6 +75,9 @@ template <>
 struct scalar_ops<float> : detail::scalar_basics<float, std::uint32_t> {
   static HVL_MATH_INLINE float fma(float a, float b, float c) { return __builtin_fmaf(a, b, c); }
   static HVL_MATH_INLINE float sqrt(float a) { return __builtin_sqrtf(a); }
+  static HVL_MATH_INLINE float signed_value(std::uint32_t a) {
+    return static_cast<float>(static_cast<std::int32_t>(a));
+  }
   template <class F, class... Values>
   static HVL_MATH_INLINE float widened(const F& f, Values... a) {
     return static_cast<float>(f(scalar_ops<double>{}, static_cast<double>(a)...));

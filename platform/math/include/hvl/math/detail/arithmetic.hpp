@@ -119,12 +119,18 @@ inline constexpr auto rounding_word = (layout<T>::bias + static_cast<unsigned>(l
                                           << layout<T>::mantissa_bits
                                       | (layout<T>::mantissa_mask + 1) >> 1;
 
-// x = 2^exponent * mantissa for a positive normal x, mantissa in [least, 2 least), least given by its bits.
+// x = 2^(exponent / exponent_unit) * mantissa for a positive normal x, mantissa in [least, 2 least), least given by its
+// bits. In float the exponent keeps the place of its field, which saves moving it.
 template <class O>
 struct split {
   typename O::value exponent;
   typename O::value mantissa;
 };
+
+template <class T>
+inline constexpr T exponent_unit = 1;
+template <>
+inline constexpr float exponent_unit<float> = 0x1p23f;
 
 template <class T>
 inline constexpr auto sqrt_half_bits = 0x3f3504f3u;
@@ -133,14 +139,20 @@ inline constexpr auto sqrt_half_bits<double> = std::uint64_t{0x3fe6a09e667f3bcd}
 
 template <class O>
 HVL_MATH_INLINE split<O> split_exponent(typename O::value x, typename O::bits_type least) {
-  using L = layout<typename O::scalar>;
-  constexpr auto integer_unit = (L::bias + static_cast<unsigned>(L::mantissa_bits))
-                                << L::mantissa_bits; // 2^mantissa_bits
-  constexpr auto unbias = static_cast<typename O::scalar>((std::uint64_t{1} << L::mantissa_bits) + L::bias);
-  const auto moved = O::bits(x) + O::set_word(L::one - least);
-  const auto biased = O::template shift_right<L::mantissa_bits>(moved);
-  return {O::from_bits(biased | O::set_word(integer_unit)) - O::set(unbias),
-          O::from_bits((moved & O::set_word(L::mantissa_mask)) + O::set_word(least))};
+  using T = typename O::scalar;
+  using L = layout<T>;
+  if constexpr (sizeof(T) == 4) {
+    const auto field = (O::bits(x) - O::set_word(least)) & O::set_word(~L::mantissa_mask);
+    return {O::signed_value(field), O::from_bits(O::bits(x) - field)};
+  } else {
+    constexpr auto integer_unit = (L::bias + static_cast<unsigned>(L::mantissa_bits))
+                                  << L::mantissa_bits; // 2^mantissa_bits
+    constexpr auto unbias = static_cast<T>((std::uint64_t{1} << L::mantissa_bits) + L::bias);
+    const auto moved = O::bits(x) + O::set_word(L::one - least);
+    const auto biased = O::template shift_right<L::mantissa_bits>(moved);
+    return {O::from_bits(biased | O::set_word(integer_unit)) - O::set(unbias),
+            O::from_bits((moved & O::set_word(L::mantissa_mask)) + O::set_word(least))};
+  }
 }
 
 // ln 2 in two pieces: any exponent times the first is exact.

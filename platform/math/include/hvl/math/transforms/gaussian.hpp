@@ -8,15 +8,9 @@
 namespace hvl::math {
 namespace detail {
 
-template <class T>
-inline constexpr T two_pi = T(6.2831855f);
-template <>
-inline constexpr double two_pi<double> = 6.283185307179586;
-
 template <class O>
 HVL_MATH_INLINE typename O::value box_muller_radius(typename O::value u1) {
-  using T = typename O::scalar;
-  return O::sqrt(O::set(T(-2)) * log_of_uniform<O>(u1));
+  return O::sqrt(log_of_uniform<O, -2>(u1));
 }
 
 // Normal values of mean 0 and deviation 1, at a right angle to each other.
@@ -30,7 +24,7 @@ template <class O>
 HVL_MATH_INLINE normal_pair<O> box_muller_pair(typename O::value u1, typename O::value u2) {
   const auto radius = box_muller_radius<O>(u1);
   typename O::value sine, cosine;
-  sincos<O>(O::set(two_pi<typename O::scalar>) * u2, sine, cosine);
+  sincos_turns<O>(u2, sine, cosine);
   return {radius * sine, radius * cosine};
 }
 
@@ -41,8 +35,7 @@ HVL_MATH_INLINE normal_pair<O> box_muller_pair(typename O::value u1, typename O:
 template <class O>
 HVL_MATH_INLINE typename O::value gaussian_box_muller(typename O::value u1, typename O::value u2,
                                                       typename O::scalar mean, typename O::scalar stddev) {
-  const auto sine = sin<O>(O::set(detail::two_pi<typename O::scalar>) * u2);
-  return O::fma(O::set(stddev), detail::box_muller_radius<O>(u1) * sine, O::set(mean));
+  return O::fma(O::set(stddev), detail::box_muller_pair<O>(u1, u2).sine, O::set(mean));
 }
 
 // Two values of two uniforms; the first is that of gaussian_box_muller.

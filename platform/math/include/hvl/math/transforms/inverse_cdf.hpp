@@ -38,7 +38,7 @@ constexpr double weibull_exponent(T alpha) {
 template <class O>
 HVL_MATH_INLINE typename O::value weibull_icdf(typename O::value u, double exponent, typename O::scalar a,
                                                typename O::scalar beta) {
-  const auto base = detail::negated<O>(log_of_uniform<O>(u));
+  const auto base = log_of_uniform<O, -1>(u);
   if constexpr (sizeof(typename O::scalar) == 8) {
     return powr_affine<O>(base, exponent, beta, a);
   } else {
@@ -54,14 +54,14 @@ HVL_MATH_INLINE typename O::value weibull_icdf(typename O::value u, double expon
 template <class O>
 HVL_MATH_INLINE typename O::value rayleigh_icdf(typename O::value u, typename O::scalar a,
                                                 typename O::scalar beta) {
-  return O::fma(O::set(beta), O::sqrt(detail::negated<O>(log_of_uniform<O>(u))), O::set(a));
+  return O::fma(O::set(beta), O::sqrt(log_of_uniform<O, -1>(u)), O::set(a));
 }
 
 // beta ln(-ln u) + a
 template <class O>
 HVL_MATH_INLINE typename O::value gumbel_icdf(typename O::value u, typename O::scalar a,
                                               typename O::scalar beta) {
-  const auto logarithm = log_guarded<O>(detail::negated<O>(log_of_uniform<O>(u)));
+  const auto logarithm = log_guarded<O>(log_of_uniform<O, -1>(u));
   return O::fma(O::set(beta), logarithm, O::set(a));
 }
 
