@@ -6,6 +6,7 @@
 #include <oneapi/tbb/parallel_for.h>
 #include <oneapi/tbb/task_arena.h>
 
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -27,6 +28,24 @@ std::uint64_t streaming_threshold_bytes() noexcept {
   return bytes;
 }
 
+// body(i) for every i of [first, last), over the threads of the calling arena. oneTBB orders the bodies after
+// what precedes the call and before what follows it; the atomic says so once more, where the thread sanitizer
+// can see it.
+template <class Body>
+void in_parallel(std::size_t first, std::size_t last, const Body& body) {
+  std::atomic<std::size_t> order{0};
+  order.store(1, std::memory_order_release);
+  tbb::parallel_for(
+      first, last,
+      [&](std::size_t i) {
+        order.load(std::memory_order_acquire);
+        body(i);
+        order.fetch_add(1, std::memory_order_release);
+      },
+      tbb::simple_partitioner());
+  order.load(std::memory_order_acquire);
+}
+
 struct part {
   void* record;
   std::uint64_t values;
@@ -37,58 +56,75 @@ std::uint64_t words_of(std::uint64_t values, const transform& t) noexcept {
   return (values + t.values_per_group - 1) / t.values_per_group * t.words_per_group;
 }
 
-void run_words(word_reader& reader, const kernel_set& kernels, part p, std::size_t value_bytes,
+void run_words(word_reader& reader, const kernel_set& kernels, part& p, std::size_t value_bytes,
                bool streaming) noexcept {
-  while (p.values != 0) {
-    std::size_t taken = streaming ? 0 : reader.take_directly(p.out, p.values);
-    if (taken == 0) {
-      taken = reader.refill();
-      if (streaming)
-        kernels.stream_copy(p.out, reader.words(), taken * value_bytes);
-      else
-        std::memcpy(p.out, reader.words(), taken * value_bytes);
-      reader.take(taken);
-    }
-    p.out += taken * value_bytes;
-    p.values -= taken;
+  const std::size_t taken_directly = streaming ? 0 : reader.take_directly(p.out, p.values);
+  const std::size_t taken = taken_directly != 0 ? taken_directly : reader.refill();
+  if (taken_directly == 0) {
+    if (streaming)
+      kernels.stream_copy(p.out, reader.words(), taken * value_bytes);
+    else
+      std::memcpy(p.out, reader.words(), taken * value_bytes);
+    reader.take(taken);
   }
+  p.out += taken * value_bytes;
+  p.values -= taken;
 }
 
-void run_transform(word_reader& reader, const kernel_set& kernels, part p, const transform& t,
+void run_transform(word_reader& reader, const kernel_set& kernels, part& p, const transform& t,
                    bool streaming) noexcept {
-  alignas(vector_alignment) std::byte block[max_block_words * 8];
-  while (p.values != 0) {
-    const std::size_t groups = reader.refill() / t.words_per_group;
-    const auto values =
-        static_cast<std::size_t>(std::min<std::uint64_t>(groups * t.values_per_group, p.values));
-    const std::size_t bytes = values * t.value_bytes;
-    if (streaming) {
-      t.apply(t.parameters, reader.words(), block, values);
-      kernels.stream_copy(p.out, block, bytes);
-    } else {
-      t.apply(t.parameters, reader.words(), p.out, values);
-    }
-    reader.take(groups * t.words_per_group);
-    p.out += bytes;
-    p.values -= values;
+  const std::size_t groups = reader.refill() / t.words_per_group;
+  const auto values =
+      static_cast<std::size_t>(std::min<std::uint64_t>(groups * t.values_per_group, p.values));
+  const std::size_t bytes = values * t.value_bytes;
+  if (streaming) {
+    alignas(vector_alignment) std::byte block[max_block_words * 8];
+    t.apply(t.parameters, reader.words(), block, values);
+    kernels.stream_copy(p.out, block, bytes);
+  } else {
+    t.apply(t.parameters, reader.words(), p.out, values);
   }
+  reader.take(groups * t.words_per_group);
+  p.out += bytes;
+  p.values -= values;
 }
 
-void run_part(const engine& e, const kernel_set& kernels, const part& p, const transform& t,
-              bool streaming) noexcept {
-  word_reader reader(e, kernels.block(static_cast<engine_index>(index_of(e))), p.record,
-                     words_of(p.values, t));
-  if (t.apply == nullptr)
-    run_words(reader, kernels, p, t.value_bytes, streaming);
-  else
-    run_transform(reader, kernels, p, t, streaming);
+void run_with(const block_kernel* kernel, const engine& e, const kernel_set& kernels, part p,
+              const transform& t, bool streaming) noexcept {
+  word_reader reader(e, kernel, p.record, words_of(p.values, t));
+  while (p.values != 0) {
+    const std::size_t direct =
+        t.direct != nullptr ? reader.take_values(p.out, p.values, *t.direct, streaming) : 0;
+    p.out += direct * t.value_bytes;
+    p.values -= direct;
+    if (p.values == 0)
+      break;
+    if (t.apply == nullptr)
+      run_words(reader, kernels, p, t.value_bytes, streaming);
+    else
+      run_transform(reader, kernels, p, t, streaming);
+  }
   reader.close();
+}
+
+void run_part(const engine& e, const kernel_set& kernels, part p, const transform& t,
+              bool streaming) noexcept {
+  if (streaming && t.direct != nullptr) {
+    // a few values first, so that the engine finds the rest aligned
+    const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(p.out) % vector_alignment;
+    const std::size_t wanted = misaligned == 0 ? 0 : (vector_alignment - misaligned) / t.value_bytes;
+    const std::uint64_t head = std::min<std::uint64_t>(wanted, p.values);
+    run_with(nullptr, e, kernels, {p.record, head, p.out}, t, false);
+    p.out += head * t.value_bytes;
+    p.values -= head;
+  }
+  run_with(kernels.block(static_cast<engine_index>(index_of(e))), e, kernels, p, t, streaming);
   if (streaming)
     _mm_sfence();
 }
 
-// Records of parts after the first, each skipped to its start: record i from record i - 2^k, in rounds of doubling
-// count, so that dear skips run side by side and few distances occur.
+// Records of parts after the first, each skipped to its start: record i from record i - 2^k, in rounds of
+// doubling count, so that dear skips run side by side and few distances occur.
 class part_records {
  public:
   part_records(const engine& e, const void* record, std::size_t count, std::uint64_t words_apart)
@@ -100,8 +136,8 @@ class part_records {
     };
     derive(0, record, words_apart);
     for (std::size_t known = 1; known < count; known *= 2)
-      tbb::parallel_for(known, std::min(2 * known, count),
-                        [&](std::size_t part) { derive(part, (*this)[part - known], known * words_apart); });
+      in_parallel(known, std::min(2 * known, count),
+                  [&](std::size_t i) { derive(i, (*this)[i - known], known * words_apart); });
   }
 
   void* operator[](std::size_t i) const noexcept { return bytes_.get() + i * stride_; }
@@ -136,16 +172,13 @@ void generate(const engine& e, const kernel_set& kernels, void* record, std::uin
   }
 
   const part_records later(e, record, parts - 1, words_of(values_per_part, t));
-  tbb::parallel_for(
-      std::size_t{0}, parts,
-      [&](std::size_t i) {
-        const std::uint64_t first = i * values_per_part;
-        run_part(e, kernels,
-                 {i == 0 ? record : later[i - 1], std::min(values_per_part, n - first),
-                  bytes + first * t.value_bytes},
-                 t, streaming);
-      },
-      tbb::simple_partitioner());
+  in_parallel(0, parts, [&](std::size_t i) {
+    const std::uint64_t first = i * values_per_part;
+    run_part(
+        e, kernels,
+        {i == 0 ? record : later[i - 1], std::min(values_per_part, n - first), bytes + first * t.value_bytes},
+        t, streaming);
+  });
   std::memcpy(record, later[parts - 2], e.record_bytes);
 }
 

@@ -16,6 +16,7 @@ struct transform {
   std::uint32_t words_per_group;
   std::uint32_t values_per_group;
   std::uint32_t value_bytes;
+  const direct_values* direct = nullptr; // the same values, where an engine may write them itself
 };
 
 // Writes n values and advances the record. Throws std::bad_alloc, and then has changed nothing.

@@ -14,9 +14,15 @@ template <class T, class Value>
 int uniform(int status, uniform_result result, vqs_stream stream, std::int64_t n, Value* r, Value a,
             Value b) noexcept {
   uniform_parameters<T> p{{}, static_cast<T>(a), static_cast<T>(b)};
+  direct_values direct{sizeof(T) == 4 ? value_form::real32 : value_form::real64, {}, {}};
+  const bool plain = result == uniform_result::real32 || result == uniform_result::real64;
   return vector_call(status, stream, n, r, [&](const engine& e, const kernel_set& kernels) {
     p.affine = uniform_coefficients(e.scale, p.low, p.high);
-    return transform{kernels.uniform(e.kind, result), &p, 1, 1, sizeof(Value)};
+    if constexpr (sizeof(T) == 4)
+      direct.single = p.affine;
+    else
+      direct.wide = p.affine;
+    return transform{kernels.uniform(e.kind, result), &p, 1, 1, sizeof(Value), plain ? &direct : nullptr};
   });
 }
 
@@ -48,7 +54,8 @@ int bits_status(std::int64_t method) {
 transform bits32(const engine& e, const kernel_set& kernels) {
   if (e.kind == word_kind::unsigned64)
     return {kernels.uniform(e.kind, uniform_result::high32), nullptr, 1, 1, 4};
-  return {nullptr, nullptr, 1, 1, 4};
+  static constexpr direct_values words = {value_form::words, {}, {}};
+  return {nullptr, nullptr, 1, 1, 4, &words};
 }
 
 constexpr transform unsupported{};

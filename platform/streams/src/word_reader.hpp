@@ -72,6 +72,21 @@ class word_reader {
     return granules * kernel_->granule_words;
   }
 
+  // Writes values, one to a word, straight to `out`, as many as whole granules allow; returns how many: none
+  // when the engine or the place of `out` does not permit it.
+  std::size_t take_values(void* out, std::uint64_t values, const direct_values& form,
+                          bool streaming) noexcept {
+    const bool aligned = reinterpret_cast<std::uintptr_t>(out) % vector_alignment == 0;
+    if (kernel_ == nullptr || kernel_->run_values == nullptr || lead_ != 0 || unread_ != 0 ||
+        (streaming && !aligned))
+      return 0;
+    const std::size_t granules = values / kernel_->granule_words;
+    if (granules != 0)
+      kernel_->run_values(workspace_, out, granules, form, streaming);
+    left_ -= granules * kernel_->granule_words;
+    return granules * kernel_->granule_words;
+  }
+
   void close() noexcept {
     if (kernel_ == nullptr)
       return;

@@ -176,6 +176,22 @@ TEST_P(engine_properties, large_output_is_the_same_as_small_outputs) {
   EXPECT_EQ(stream.saved(), pieces.saved());
 }
 
+// Two hundred places for threads cut this call into parts of 79872 values and a last one of a single value.
+TEST_P(engine_properties, a_tiny_last_part_stays_within_the_output) {
+  constexpr std::size_t n = 106 * 79'872 + 1;
+  tbb::task_arena arena(200);
+  std::vector<float> memory(n + 64, -1.0f);
+  owned_stream stream(id());
+  const int status =
+      arena.execute([&] { return vsRngUniform_64(0, stream, n, memory.data() + 1, 0.0f, 1.0f); });
+  ASSERT_EQ(status, VQS_STATUS_OK);
+  EXPECT_EQ(memory[0], -1.0f);
+  EXPECT_TRUE(std::all_of(memory.begin() + n + 1, memory.end(), [](float value) { return value == -1.0f; }));
+  float last = -1.0f;
+  ASSERT_EQ(vsRngUniform_64(0, owned_stream(id()).skip(n - 1), 1, &last, 0.0f, 1.0f), VQS_STATUS_OK);
+  EXPECT_EQ(memory[n], last);
+}
+
 HVL_STREAMS_FOR_EACH_ENGINE(engine_properties);
 
 TEST(philox4x32x10, has_a_period_of_2_to_130) {

@@ -12,6 +12,14 @@
 
 namespace hvl::streams {
 
+// Values that some block kernels write themselves, in one pass: the words, or words scaled to uniform reals.
+enum class value_form : std::uint8_t { words, real32, real64 };
+struct direct_values {
+  value_form form;
+  coefficients<float> single; // of real32
+  coefficients<double> wide;  // of real64
+};
+
 // An engine's words at full speed, in whole granules. `open` reads a record into a workspace and returns how
 // many leading words of the first granule lie before the record's position. Each `run` writes the next
 // granules. `close` brings a record from where `open` read it to `words_taken` words further; null means that
@@ -23,14 +31,18 @@ struct block_kernel {
   std::uint32_t (*open)(const void* record, void* workspace) noexcept;
   void (*run)(void* workspace, void* words, std::size_t granules) noexcept;
   void (*close)(const void* workspace, void* record, std::uint64_t words_taken) noexcept;
+  // As run, a value to a word; streaming output is aligned to vector_alignment. Null where only transforms
+  // make values.
+  void (*run_values)(void* workspace, void* out, std::size_t granules, const direct_values& values,
+                     bool streaming) noexcept;
 };
 
 inline constexpr std::size_t max_block_words = 2048;
 inline constexpr std::size_t workspace_bytes = 4096;
 inline constexpr std::size_t vector_alignment = 64;
 
-// Turns words into `values` values. After the last word at least 128 readable bytes follow; nothing is written
-// past the last value.
+// Turns words into `values` values. After the last word at least 128 readable bytes follow; nothing is
+// written past the last value.
 using transform_function = void (*)(const void* parameters, const void* words, void* values,
                                     std::size_t values_count) noexcept;
 

@@ -2,12 +2,10 @@
 // of the multiplier that carries each to the next granule. So outputs leave in order.
 #include "generators/mcg.hpp"
 
-#include "simd/isa.hpp"
+#include "simd/value_sink.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
-
-namespace hn = hwy::HWY_NAMESPACE;
 
 const hn::ScalableTag<std::uint32_t> d32;
 const hn::ScalableTag<std::uint64_t> d64;
@@ -102,19 +100,18 @@ struct blocks {
     return 0;
   }
 
-  static void run(void* workspace_memory, void* words, std::size_t granules) noexcept {
-    auto& w = *static_cast<workspace*>(workspace_memory);
-    auto* out = static_cast<word*>(words);
+  template <class Sink>
+  static void run_to(const Sink& sink, workspace& w, std::size_t granules) noexcept {
     const hn::ScalableTag<word> d;
     const Product product(w.step);
     vec x[in_flight];
 #pragma GCC unroll 8
     for (std::size_t v = 0; v < in_flight; ++v)
       x[v] = hn::LoadU(d, w.position + v * lanes);
-    for (; granules != 0; --granules, out += granule) {
+    for (std::size_t at = 0; granules != 0; --granules, at += granule) {
 #pragma GCC unroll 8
       for (std::size_t v = 0; v < in_flight; ++v) {
-        hn::StoreU(Product::output(x[v]), d, out + v * lanes);
+        sink(Product::output(x[v]), at + v * lanes);
         x[v] = product(x[v]);
       }
     }
@@ -123,12 +120,30 @@ struct blocks {
       hn::StoreU(x[v], d, w.position + v * lanes);
   }
 
-  static constexpr block_kernel kernel = {granule, 1536 / granule* granule, granule, open, run, nullptr};
+  static void run(void* workspace_memory, void* words, std::size_t granules) noexcept {
+    auto* const out = static_cast<word*>(words);
+    const auto store = [out](vec x, std::size_t at) { hn::StoreU(x, hn::ScalableTag<word>(), out + at); };
+    run_to(store, *static_cast<workspace*>(workspace_memory), granules);
+  }
+
+  static void run_values(void* workspace_memory, void* out, std::size_t granules, const direct_values& values,
+                         bool streaming) noexcept {
+    auto& w = *static_cast<workspace*>(workspace_memory);
+    with_sink(out, values, streaming, [&](const auto& sink) { run_to(sink, w, granules); });
+  }
+
+  static constexpr block_kernel kernel(decltype(block_kernel::run_values) values) {
+    return {granule, 1536 / granule * granule, granule, open, run, nullptr, values};
+  }
 };
+
+using blocks31 = blocks<mcg31m1_arithmetic, product31>;
+using blocks59 = blocks<mcg59_arithmetic, product59>;
 
 } // namespace
 
-const block_kernel mcg31m1_blocks = blocks<mcg31m1_arithmetic, product31>::kernel;
-const block_kernel mcg59_blocks = blocks<mcg59_arithmetic, product59>::kernel;
+// Words below 2^31, as the sink asks.
+const block_kernel mcg31m1_blocks = blocks31::kernel(blocks31::run_values);
+const block_kernel mcg59_blocks = blocks59::kernel(nullptr);
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -229,6 +229,6 @@ static_assert(sizeof(workspace) <= workspace_bytes);
 
 } // namespace
 
-const block_kernel mrg32k3a_blocks = {granule, granule, 400, open, run, nullptr};
+const block_kernel mrg32k3a_blocks = {granule, granule, 400, open, run, nullptr, nullptr};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -3,12 +3,10 @@
 
 #include <cstring>
 
-#include "simd/isa.hpp"
+#include "simd/value_sink.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
-
-namespace hn = hwy::HWY_NAMESPACE;
 
 const hn::ScalableTag<std::uint32_t> d;
 using vec = hn::Vec<decltype(d)>;
@@ -38,13 +36,15 @@ HWY_INLINE vec twisted(vec first, vec second, vec middle) {
   return hn::Xor3(middle, hn::ShiftRight<1>(y), hn::And(odd, hn::Set(d, mt19937_matrix)));
 }
 
-// The next block, written over x; tempered to out. The first vector is also stored behind the block, where
-// the vector that straddles word 227 and the last one read it: the words before a vector are new by then.
-void next_block(std::uint32_t* HWY_RESTRICT x, std::uint32_t* HWY_RESTRICT out) {
+// The next block, written over x; tempered to the sink from word `at` on. The first vector is also stored
+// behind the block, where the vector that straddles word 227 and the last one read it: the words before a
+// vector are new by then.
+template <class Sink>
+HWY_INLINE void next_block(std::uint32_t* HWY_RESTRICT x, const Sink& sink, std::size_t at) {
   const auto step = [&](std::size_t i, std::size_t middle) __attribute__((always_inline)) {
     const vec y = twisted(hn::Load(d, x + i), hn::LoadU(d, x + i + 1), hn::LoadU(d, x + middle));
     hn::Store(y, d, x + i);
-    hn::StoreU(tempered(y), d, out + i);
+    sink(tempered(y), at + i);
     return y;
   };
   constexpr std::size_t straddling = (n - m) / lanes * lanes;
@@ -65,19 +65,29 @@ std::uint32_t open(const void* record, void* workspace_memory) noexcept {
   return static_cast<std::uint32_t>(w.start);
 }
 
-void run(void* workspace_memory, void* words, std::size_t granules) noexcept {
-  auto& w = *static_cast<workspace*>(workspace_memory);
-  auto* out = static_cast<std::uint32_t*>(words);
+template <class Sink>
+void run_to(const Sink& sink, workspace& w, std::size_t granules) noexcept {
   w.granules += granules;
+  std::size_t at = 0;
   if (w.block_is_next && granules != 0) {
     for (std::size_t i = 0; i < n; i += lanes)
-      hn::StoreU(tempered(hn::Load(d, w.words + i)), d, out + i);
+      sink(tempered(hn::Load(d, w.words + i)), i);
     w.block_is_next = false;
     --granules;
-    out += n;
+    at = n;
   }
-  for (; granules != 0; --granules, out += n)
-    next_block(w.words, out);
+  for (; granules != 0; --granules, at += n)
+    next_block(w.words, sink, at);
+}
+
+void run_values(void* workspace_memory, void* out, std::size_t granules, const direct_values& values,
+                bool streaming) noexcept {
+  auto& w = *static_cast<workspace*>(workspace_memory);
+  with_sink(out, values, streaming, [&](const auto& sink) { run_to(sink, w, granules); });
+}
+
+void run(void* workspace_memory, void* words, std::size_t granules) noexcept {
+  run_values(workspace_memory, words, granules, {value_form::words, {}, {}}, false);
 }
 
 void close(const void* workspace_memory, void* record, std::uint64_t words_taken) noexcept {
@@ -91,6 +101,6 @@ static_assert(sizeof(workspace) <= workspace_bytes);
 
 } // namespace
 
-const block_kernel mt19937_blocks = {n, 2 * n, 200, open, run, close};
+const block_kernel mt19937_blocks = {n, 2 * n, 200, open, run, close, run_values};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA
