@@ -14,10 +14,11 @@ namespace kestro::hvl::rng::detail {
 
 namespace gpu {
 
-/// The scaled word is the value; an integer is its floor.
-template <class T, class Computation>
-struct uniform_std {
-  using distribution_type = uniform<T, uniform_method::standard>;
+/// The scaled word is the value, clamped to [a, b] by the accurate method; an integer is its floor, whatever the
+/// method: there the methods differ in their computation type only.
+template <class T, class Computation, class Method>
+struct uniform_transform {
+  using distribution_type = uniform<T, Method>;
   static constexpr int words_per_value = 1;
 
   Computation a, b;
@@ -27,31 +28,18 @@ struct uniform_std {
     for (std::size_t k = 0; k < N; ++k) {
       if constexpr (std::is_integral_v<T>)
         values[k] = ::hvl::streams::floor_to<T>(u[k]);
+      else if constexpr (std::is_same_v<Method, uniform_method::accurate>)
+        values[k] = ::hvl::streams::clamp_to(u[k], a, b);
       else
         values[k] = u[k];
     }
   }
 };
 
-/// Real values are clamped to [a, b]; integers differ from the standard method only in their computation
-/// type.
 template <class T, class Computation>
-struct uniform_std_accurate {
-  using distribution_type = uniform<T, uniform_method::accurate>;
-  static constexpr int words_per_value = 1;
-
-  Computation a, b;
-
-  template <std::size_t N>
-  void operator()(const Computation (&u)[N], T (&values)[N]) const {
-    for (std::size_t k = 0; k < N; ++k) {
-      if constexpr (std::is_integral_v<T>)
-        values[k] = ::hvl::streams::floor_to<T>(u[k]);
-      else
-        values[k] = ::hvl::streams::clamp_to(u[k], a, b);
-    }
-  }
-};
+using uniform_std = uniform_transform<T, Computation, uniform_method::standard>;
+template <class T, class Computation>
+using uniform_std_accurate = uniform_transform<T, Computation, uniform_method::accurate>;
 
 } // namespace gpu
 

@@ -27,12 +27,22 @@ T uniform(const word_range& r, std::uint64_t word, T low, T high) {
   return uniform_value<T>(word, c);
 }
 
-// Calls see(method, value) for each value that the word makes; of two uniforms, the other is each of the extremes.
+// A word as the methods take it: on [0, 1) and on [-1, 1).
+template <class T>
+struct uniforms {
+  T u, v;
+};
+
+template <class T>
+uniforms<T> uniforms_of(const word_range& r, std::uint64_t word) {
+  return {uniform(r, word, T(0), T(1)), uniform(r, word, T(-1), T(1))};
+}
+
+// Calls see(method, value) for each value made of the uniforms; where two are taken, the other is each of the extremes.
 template <class T, class See>
-void values_of(const word_range& r, std::uint64_t word, const See& see) {
+void values_of(const word_range& r, uniforms<T> of_word, const See& see) {
   using O = math::scalar_ops<T>;
-  const T u = uniform(r, word, T(0), T(1));
-  const T v = uniform(r, word, T(-1), T(1));
+  const auto [u, v] = of_word;
   const T icdf_scale = math::icdf_scale(T(1));
   for (const std::uint64_t other_word : {r.first, r.first + (r.last - r.first) / 2, r.last}) {
     const T other = uniform(r, other_word, T(0), T(1));
@@ -55,31 +65,45 @@ void values_of(const word_range& r, std::uint64_t word, const See& see) {
     see("weibull", math::weibull_icdf<O>(u, math::weibull_exponent(alpha), T(0), T(1)));
   see("rayleigh", math::rayleigh_icdf<O>(u, T(0), T(1)));
   see("gumbel", math::gumbel_icdf<O>(u, T(0), T(1)));
+}
+
+template <class See>
+void cauchy_of(const word_range& r, std::uint64_t word, const See& see) {
   const double angle = uniform(r, word, math::cauchy_low, math::cauchy_high);
-  see("cauchy", static_cast<T>(math::cauchy_icdf<math::scalar_ops<double>>(angle, 0.0, 1.0)));
+  see("cauchy", math::cauchy_icdf<math::scalar_ops<double>>(angle, 0.0, 1.0));
 }
 
 } // namespace
 
-word_report try_words(std::uint64_t stride) {
+word_report try_words(std::uint64_t stride, std::uint64_t double_stride) {
   word_report report;
   for (const word_range& r : ranges) {
-    const auto try_word = [&](std::uint64_t word) {
+    uniforms<float> last{2, 2}; // many words in a row round to the same floats
+    const auto try_word = [&](std::uint64_t word, bool in_double) {
       ++report.tried;
       const auto see = [&](const char* method, auto value) {
-        if (!std::isfinite(value) && report.not_finite.size() < 20)
+        if (!std::isfinite(static_cast<float>(value)) && report.not_finite.size() < 20)
           report.not_finite.push_back(std::string(method) + (sizeof value == 4 ? ", float, " : ", double, ") +
                                       r.name + " word " + std::to_string(word));
       };
-      values_of<float>(r, word, see);
-      values_of<double>(r, word, see);
+      const auto now = uniforms_of<float>(r, word);
+      if (now.u != last.u || now.v != last.v)
+        values_of(r, now, see);
+      last = now;
+      cauchy_of(r, word, see);
+      if (in_double)
+        values_of(r, uniforms_of<double>(r, word), see);
     };
-    for (std::uint64_t word = r.first; word < r.last; word += stride * r.step)
-      try_word(word);
-    try_word(r.last);
+    std::uint64_t until_double = 0;
+    for (std::uint64_t word = r.first; word < r.last; word += stride * r.step) {
+      const bool in_double = until_double == 0;
+      until_double = in_double ? double_stride - 1 : until_double - 1;
+      try_word(word, in_double);
+    }
+    try_word(r.last, true);
     if (r.scale == word_scale::signed32) // both ends of the interval are in the middle of the unsigned words
       for (const std::uint64_t word : {0x7FFFFF00u, 0x7FFFFFFFu, 0x80000000u, 0x80000001u, 0x800000FFu})
-        try_word(word);
+        try_word(word, true);
   }
   return report;
 }

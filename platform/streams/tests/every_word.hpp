@@ -12,7 +12,8 @@ struct word_report {
   std::vector<std::string> not_finite; // method, engine scale and word; the first few
 };
 
-// Every `stride`-th word of each scale, the last one too; of mcg59's 59 bits, as many as of a 32-bit engine.
-word_report try_words(std::uint64_t stride);
+// Every `stride`-th word of each scale, the last one too; of mcg59's 59 bits, as many as of a 32-bit engine. The methods
+// in double are tried with each `double_stride`-th of these.
+word_report try_words(std::uint64_t stride, std::uint64_t double_stride);
 
 } // namespace hvl::streams::test

@@ -1,4 +1,5 @@
-// streams_every_word [stride]: every continuous method over all words of every engine, or each stride-th.
+// streams_every_word [stride]: every continuous method in float over all words of every engine, or each stride-th, and in
+// double over a 1009th of them.
 #include <cstdio>
 #include <cstdlib>
 
@@ -10,7 +11,7 @@ int main(int count, char** arguments) {
     std::fprintf(stderr, "usage: streams_every_word [stride]\n");
     return 2;
   }
-  const auto report = hvl::streams::test::try_words(stride);
+  const auto report = hvl::streams::test::try_words(stride, 1009);
   for (const std::string& line : report.not_finite)
     std::printf("not finite: %s\n", line.c_str());
   std::printf("%llu words tried\n", static_cast<unsigned long long>(report.tried));

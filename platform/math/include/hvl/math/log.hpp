@@ -6,7 +6,7 @@
 namespace hvl::math {
 namespace detail {
 
-// log(1 + f) = f - f^2 / 2 + f^3 P(f), for 1 + f in [sqrt(1/2), sqrt(2)]; below_one, for 1 + f in (1/2, 1], is -1/2 + f P(f).
+// log(1 + f) = f - f^2 / 2 + f^3 P(f), for 1 + f in [sqrt(1/2), sqrt(2)] and in (1/2, 1].
 template <class T>
 struct log_terms;
 
@@ -14,9 +14,8 @@ template <>
 struct log_terms<float> {
   static constexpr float p[] = {0x1.55557p-2f,  -0x1.000234p-2f, 0x1.99944ep-3f, -0x1.5466fep-3f,
                                 0x1.239ce2p-3f, -0x1.0e96ccp-3f, 0x1.015974p-3f, -0x1.2a6f78p-4f};
-  static constexpr float below_one[] = {-0.5f,          0x1.554f2ep-2f,  -0x1.01009ep-2f,
-                                        0x1.79ae6p-3f,  -0x1.2ca06ap-2f, -0x1.c4e85ep-2f,
-                                        -0x1.afd4ecp0f, -0x1.179de6p1f,  -0x1.9e2986p0f};
+  static constexpr float below_one[] = {0x1.554f2ep-2f,  -0x1.01009ep-2f, 0x1.79ae6p-3f,  -0x1.2ca06ap-2f,
+                                        -0x1.c4e85ep-2f, -0x1.afd4ecp0f,  -0x1.179de6p1f, -0x1.9e2986p0f};
 };
 
 template <>
@@ -63,11 +62,11 @@ struct coefficient_list {
   T c[N];
 };
 
-// Q with Q(factor x) = P(x) / factor. Exact for a factor that is a power of two.
+// Q with Q(factor x) = P(x) / factor^2. Exact for a factor that is a power of two.
 template <class T, std::size_t N>
 constexpr coefficient_list<T, N> stretched(const T (&p)[N], T factor) {
   coefficient_list<T, N> q{};
-  T power = factor;
+  T power = factor * factor;
   for (std::size_t i = 0; i < N; ++i, power *= factor)
     q.c[i] = p[i] / power;
   return q;
@@ -100,9 +99,10 @@ HVL_MATH_INLINE typename O::value log_of_uniform(typename O::value x) {
     constexpr T unit = detail::exponent_unit<T>;
     constexpr auto terms = detail::stretched(detail::log_terms<T>::below_one, T(Factor));
     const detail::split<O> s = detail::split_exponent<O>(x, half + 1);
-    const auto f = O::fma(s.mantissa, O::set(T(Factor)), O::set(T(-Factor))); // exact
+    const auto f = O::fma(s.mantissa, O::set(T(Factor)), O::set(T(-Factor))); // of the mantissa less 1; exact
     const auto f2 = f * f;
-    const auto of_mantissa = O::fma(f2, detail::polynomial<O>(f, f2, terms.c), f);
+    const auto slope = O::fma(f, detail::polynomial<O>(f, f2, terms.c), O::set(T(-0.5) / Factor));
+    const auto of_mantissa = O::fma(f2, slope, f);
     // the mantissa of 0 comes out as 1, and -149 ln 2 rounds to log_of_zero
     const auto exponent = O::select(O::lt(O::set(T(0)), x), s.exponent, O::set(-149 * unit));
     return O::fma(exponent, O::set(Factor * detail::ln2<T>::whole / unit), of_mantissa);
