@@ -5,7 +5,7 @@
 
 #include <sycl/sycl.hpp>
 
-#include "framework/portability.hpp"
+#include "service/portability.hpp"
 
 /// Where a generation writes, in its two forms. `on_device` and `on_host` are called inside the command
 /// group: they declare its dependencies and return what kernels and host tasks index.

@@ -1,16 +1,15 @@
 // The bridge's use of native OpenCL objects.
 #include "offload/completion.hpp"
 
-#include "service/backends.hpp"
-#ifdef KESTRO_HVL_HAS_ZERLIN
-#include <sycl/backend/opencl.hpp>
-#endif
+#include "service/portability.hpp"
+
+#ifdef KESTRO_HVL_HAS_OPENCL
 
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-using kestro::hvl::gpu::backends::opencl;
+using kestro::hvl::portability::opencl;
 
 namespace kestro::hvl::rng::detail::openmp {
 namespace {
@@ -79,3 +78,29 @@ cl_event hvl_vs_omp_get_native(sycl::event event) {
   const std::vector<cl_event> native = sycl::get_native<opencl>(event);
   return native.front();
 }
+
+#else // no native objects: the OpenCL path says so when it finds no native event
+
+namespace kestro::hvl::rng::detail::openmp {
+
+shared_virtual_memory::shared_virtual_memory(const sycl::queue& queue, foreign_runtime, void* memory,
+                                             std::int64_t, std::size_t)
+    : queue_(queue), memory_(memory), is_used_(false) {}
+
+shared_virtual_memory::~shared_virtual_memory() = default;
+
+sycl::event shared_virtual_memory::ready() const {
+  return {};
+}
+
+native_event shared_virtual_memory::release_after(const sycl::event& generation) {
+  return native_event(hvl_vs_omp_get_native(generation));
+}
+
+} // namespace kestro::hvl::rng::detail::openmp
+
+cl_event hvl_vs_omp_get_native(sycl::event) {
+  return nullptr;
+}
+
+#endif

@@ -3,15 +3,15 @@
 #include <algorithm>
 #include <iterator>
 
-#include "service/backends.hpp"
+#include "service/portability.hpp"
 
 namespace kestro::hvl::gpu {
 
 hvl_gpu_backend_t backend_code(sycl::backend backend) noexcept {
-  if (backend == backends::opencl)
+  if (backend == portability::opencl)
     return backend_opencl;
 #ifdef KESTRO_HVL_HAS_ZERLIN
-  if (backend == backends::zerlin)
+  if (backend == portability::zerlin)
     return backend_zerlin;
 #endif
   return backend_unknown;
