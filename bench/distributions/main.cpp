@@ -1,7 +1,6 @@
 #include "subjects.hpp"
 
 int main(int count, char** arguments) {
-  bench::register_bandwidth();
   bench::register_distribution_peers();
   bench::register_distributions();
   benchmark::Initialize(&count, arguments);

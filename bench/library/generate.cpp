@@ -26,7 +26,16 @@ void register_engine(const std::string& engine, const std::string& device, const
   register_pair<rng::uniform<double>, Engine>(prefix + "double", queue, {});
 }
 
+// The distributions whose mathematics shows.
+void register_continuous(const std::string& device, const sycl::queue& queue) {
+  const std::string prefix = "generate/" + device + "/philox4x32x10/";
+  register_pair<rng::gaussian<float>, rng::philox4x32x10>(prefix + "gaussian_float", queue, {});
+  register_pair<rng::gaussian<double>, rng::philox4x32x10>(prefix + "gaussian_double", queue, {});
+  register_pair<rng::exponential<float>, rng::philox4x32x10>(prefix + "exponential_float", queue, {});
+}
+
 void register_device(const std::string& device, const sycl::queue& queue) {
+  register_continuous(device, queue);
 #define KESTRO_HVL_ENGINE(name) register_engine<rng::name>(#name, device, queue);
 #include <kestro/hvl/rng/detail/engines.def>
 #undef KESTRO_HVL_ENGINE
