@@ -71,22 +71,29 @@ void run_words(word_reader& reader, const kernel_set& kernels, part& p, std::siz
   p.values -= taken;
 }
 
+// Streaming stores leave the processor while it computes, as long as they come in runs that its store buffer holds.
+constexpr std::size_t streamed_run_bytes = 2048;
+
 void run_transform(word_reader& reader, const kernel_set& kernels, part& p, const transform& t,
                    bool streaming) noexcept {
   const std::size_t groups = reader.refill() / t.words_per_group;
-  const auto values =
-      static_cast<std::size_t>(std::min<std::uint64_t>(groups * t.values_per_group, p.values));
-  const std::size_t bytes = values * t.value_bytes;
-  if (streaming) {
-    alignas(vector_alignment) std::byte block[max_block_words * 8];
-    t.apply(t.parameters, reader.words(), block, values);
-    kernels.stream_copy(p.out, block, bytes);
-  } else {
-    t.apply(t.parameters, reader.words(), p.out, values);
+  auto values = static_cast<std::size_t>(std::min<std::uint64_t>(groups * t.values_per_group, p.values));
+  const std::size_t run = streaming ? streamed_run_bytes / t.value_bytes : values;
+  while (values != 0) {
+    const std::size_t count = std::min(run, values);
+    const std::size_t bytes = count * t.value_bytes;
+    if (streaming) {
+      alignas(vector_alignment) std::byte block[streamed_run_bytes];
+      t.apply(t.parameters, reader.words(), block, count);
+      kernels.stream_copy(p.out, block, bytes);
+    } else {
+      t.apply(t.parameters, reader.words(), p.out, count);
+    }
+    reader.take(static_cast<std::size_t>(words_of(count, t)));
+    p.out += bytes;
+    p.values -= count;
+    values -= count;
   }
-  reader.take(groups * t.words_per_group);
-  p.out += bytes;
-  p.values -= values;
 }
 
 void run_with(const block_kernel* kernel, const engine& e, const kernel_set& kernels, part p,

@@ -52,10 +52,9 @@ int bits_status(std::int64_t method) {
 }
 
 transform bits32(const engine& e, const kernel_set& kernels) {
-  if (e.kind == word_kind::unsigned64)
-    return {kernels.uniform(e.kind, uniform_result::high32), nullptr, 1, 1, 4};
   static constexpr direct_values words = {value_form::words, {}, {}};
-  return {nullptr, nullptr, 1, 1, 4, &words};
+  const bool wide = e.kind == word_kind::unsigned64;
+  return {wide ? kernels.uniform(e.kind, uniform_result::high32) : nullptr, nullptr, 1, 1, 4, &words};
 }
 
 constexpr transform unsupported{};

@@ -132,18 +132,13 @@ struct blocks {
     with_sink(out, values, streaming, [&](const auto& sink) { run_to(sink, w, granules); });
   }
 
-  static constexpr block_kernel kernel(decltype(block_kernel::run_values) values) {
-    return {granule, 1536 / granule * granule, granule, open, run, nullptr, values};
-  }
+  static constexpr block_kernel kernel = {granule,   1536 / granule* granule, granule, open, run, nullptr,
+                                          run_values};
 };
-
-using blocks31 = blocks<mcg31m1_arithmetic, product31>;
-using blocks59 = blocks<mcg59_arithmetic, product59>;
 
 } // namespace
 
-// Words below 2^31, as the sink asks.
-const block_kernel mcg31m1_blocks = blocks31::kernel(blocks31::run_values);
-const block_kernel mcg59_blocks = blocks59::kernel(nullptr);
+const block_kernel mcg31m1_blocks = blocks<mcg31m1_arithmetic, product31>::kernel;
+const block_kernel mcg59_blocks = blocks<mcg59_arithmetic, product59>::kernel;
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

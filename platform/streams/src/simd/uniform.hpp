@@ -102,28 +102,25 @@ HWY_INLINE vector<double> to_double(vector<std::uint64_t> w) {
 #endif
 }
 
-HWY_INLINE vector<float> to_float_unsigned64(const std::uint64_t* words) {
-  const vector_tag<std::uint64_t> d;
-  const vector_tag<float> df;
-  const auto w0 = hn::LoadU(d, words);
-  const auto w1 = hn::LoadU(d, words + vector_values<std::uint64_t>);
+HWY_INLINE hn::Vec<hn::Half<vector_tag<float>>> to_float(vector<std::uint64_t> w) {
 #if HWY_TARGET <= HWY_AVX3
-  const __m256 low = _mm512_cvtepu64_ps(w0.raw);
-  const __m256 high = _mm512_cvtepu64_ps(w1.raw);
-  return hn::Combine(df, hn::Vec256<float>{high}, hn::Vec256<float>{low});
+  return hn::Vec256<float>{_mm512_cvtepu64_ps(w.raw)};
 #else
-  const hn::Half<vector_tag<float>> dh;
   // A word of more than 53 bits keeps the upper 53 of 59, the lowest of which also says whether one below it
   // was set: that is exact in double, and the step to float rounds it as it would the whole word.
+  const vector_tag<std::uint64_t> d;
   const auto low_bits = hn::Set(d, std::uint64_t{0x3F});
-  const auto narrowed = [&](vector<std::uint64_t> w) {
-    const auto carried = hn::Add(hn::And(w, low_bits), low_bits); // bit 6 set unless the low bits were all 0
-    const auto sticky = hn::AndNot(low_bits, hn::Or(w, carried));
-    const auto wide = hn::Gt(w, hn::Set(d, (std::uint64_t{1} << 53) - 1));
-    return hn::DemoteTo(dh, to_double(hn::IfThenElse(wide, sticky, w)));
-  };
-  return hn::Combine(df, narrowed(w1), narrowed(w0));
+  const auto carried = hn::Add(hn::And(w, low_bits), low_bits); // bit 6 set unless the low bits were all 0
+  const auto sticky = hn::AndNot(low_bits, hn::Or(w, carried));
+  const auto wide = hn::Gt(w, hn::Set(d, (std::uint64_t{1} << 53) - 1));
+  return hn::DemoteTo(hn::Half<vector_tag<float>>(), to_double(hn::IfThenElse(wide, sticky, w)));
 #endif
+}
+
+HWY_INLINE vector<float> to_float_unsigned64(const std::uint64_t* words) {
+  const vector_tag<std::uint64_t> d;
+  return hn::Combine(vector_tag<float>(), to_float(hn::LoadU(d, words + vector_values<std::uint64_t>)),
+                     to_float(hn::LoadU(d, words)));
 }
 
 HWY_INLINE vector<double> to_double_signed32(const std::int32_t* words) {

@@ -7,8 +7,8 @@
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
 
-// For words that are read as signed, or lie below 2^31. operator()(words, i) puts out the values of words i,
-// i + 1, ...; streaming output is aligned, and so is every i.
+// operator()(words, i) puts out the values of words i, i + 1, ...; streaming output is aligned, and so is every i. Words
+// of 32 bits are read as signed or lie below 2^31; of mcg59's words, 32-bit ones are the upper 32 of 59 bits.
 template <value_form Form, bool Streaming>
 class value_sink {
  public:
@@ -24,24 +24,42 @@ class value_sink {
     } else {
       const auto integers = hn::BitCast(vector_tag<std::int32_t>(), words);
       if constexpr (Form == value_form::real32) {
-        const auto converted = hn::ConvertTo(vector_tag<float>(), integers);
-        put(hn::Add(hn::Mul(converted, scale32_), shift32_), static_cast<float*>(out_) + i);
+        put_scaled(hn::ConvertTo(vector_tag<float>(), integers), i);
       } else {
         const hn::Half<vector_tag<std::int32_t>> half;
         const vector_tag<double> d;
-        auto* const to = static_cast<double*>(out_) + i;
-        const auto low = hn::PromoteTo(d, hn::LowerHalf(half, integers));
-        const auto high = hn::PromoteTo(d, hn::UpperHalf(half, integers));
-        put(hn::Add(hn::Mul(low, scale64_), shift64_), to);
-        put(hn::Add(hn::Mul(high, scale64_), shift64_), to + vector_values<double>);
+        put_scaled(hn::PromoteTo(d, hn::LowerHalf(half, integers)), i);
+        put_scaled(hn::PromoteTo(d, hn::UpperHalf(half, integers)), i + vector_values<double>);
       }
     }
   }
 
+  HWY_INLINE void operator()(vector<std::uint64_t> words, std::size_t i) const {
+    if constexpr (Form == value_form::words) {
+      const vector_tag<std::uint32_t> d;
+      const auto upper = hn::BitCast(d, hn::ShiftRight<27>(words));
+      put(hn::LowerHalf(hn::ConcatEven(d, upper, upper)), static_cast<std::uint32_t*>(out_) + i);
+    } else if constexpr (Form == value_form::real32) {
+      put_scaled(to_float(words), i);
+    } else {
+      put_scaled(to_double(words), i);
+    }
+  }
+
  private:
+  HWY_INLINE void put_scaled(vector<float> v, std::size_t i) const {
+    put(hn::Add(hn::Mul(v, scale32_), shift32_), static_cast<float*>(out_) + i);
+  }
+  HWY_INLINE void put_scaled(hn::Vec<hn::Half<vector_tag<float>>> v, std::size_t i) const {
+    put(hn::Add(hn::Mul(v, hn::LowerHalf(scale32_)), hn::LowerHalf(shift32_)), static_cast<float*>(out_) + i);
+  }
+  HWY_INLINE void put_scaled(vector<double> v, std::size_t i) const {
+    put(hn::Add(hn::Mul(v, scale64_), shift64_), static_cast<double*>(out_) + i);
+  }
+
   template <class V>
   HWY_INLINE void put(V v, hn::TFromV<V>* to) const {
-    const hn::ScalableTag<hn::TFromV<V>> d;
+    const hn::DFromV<V> d;
     if constexpr (Streaming)
       hn::Stream(v, d, to);
     else
