@@ -80,16 +80,6 @@ void run_to(const Sink& sink, workspace& w, std::size_t granules) noexcept {
     next_block(w.words, sink, at);
 }
 
-void run_values(void* workspace_memory, void* out, std::size_t granules, const direct_values& values,
-                bool streaming) noexcept {
-  auto& w = *static_cast<workspace*>(workspace_memory);
-  with_sink(out, values, streaming, [&](const auto& sink) { run_to(sink, w, granules); });
-}
-
-void run(void* workspace_memory, void* words, std::size_t granules) noexcept {
-  run_values(workspace_memory, words, granules, {value_form::words, {}, {}}, false);
-}
-
 void close(const void* workspace_memory, void* record, std::uint64_t words_taken) noexcept {
   const auto& w = *static_cast<const workspace*>(workspace_memory);
   auto& r = *static_cast<vqs_mt19937_record*>(record);
@@ -101,6 +91,6 @@ static_assert(sizeof(workspace) <= workspace_bytes);
 
 } // namespace
 
-const block_kernel mt19937_blocks = {n, 2 * n, 200, open, run, close, run_values};
+const block_kernel mt19937_blocks = {n, 2 * n, 200, open, run_words<workspace>, close, run_values<workspace>};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -164,26 +164,13 @@ void run_to(const Sink& sink, workspace& state, std::size_t granules) noexcept {
   state = w;
 }
 
-void run_values(void* workspace_memory, void* out, std::size_t granules, const direct_values& values,
-                bool streaming) noexcept {
-  auto& w = *static_cast<workspace*>(workspace_memory);
-  with_sink(out, values, streaming, [&](const auto& sink) { run_to(sink, w, granules); });
-}
-
-void run(void* workspace_memory, void* words, std::size_t granules) noexcept {
-  run_values(workspace_memory, words, granules, {value_form::words, {}, {}}, false);
-}
-
 } // namespace
 
 const block_kernel philox4x32x10_blocks = {
-    4 * granule_blocks,
-    4 * granule_blocks*(1536 / (4 * granule_blocks)),
-    4 * granule_blocks,
-    open,
-    run,
-    nullptr,
-    run_values,
+    4 * granule_blocks,    4 * granule_blocks*(1536 / (4 * granule_blocks)),
+    4 * granule_blocks,    open,
+    run_words<workspace>,  nullptr,
+    run_values<workspace>,
 };
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -90,5 +90,18 @@ HWY_INLINE void with_sink(void* out, const direct_values& values, bool streaming
   }
 }
 
+// `run_values` and `run` of a block kernel whose run_to(sink, workspace, granules) puts out vectors.
+template <class Workspace>
+void run_values(void* workspace, void* out, std::size_t granules, const direct_values& values,
+                bool streaming) noexcept {
+  auto& w = *static_cast<Workspace*>(workspace);
+  with_sink(out, values, streaming, [&](const auto& sink) { run_to(sink, w, granules); });
+}
+
+template <class Workspace>
+void run_words(void* workspace, void* words, std::size_t granules) noexcept {
+  run_values<Workspace>(workspace, words, granules, {value_form::words, {}, {}}, false);
+}
+
 } // namespace
 } // namespace hvl::streams::HVL_STREAMS_ISA
