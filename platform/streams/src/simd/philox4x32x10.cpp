@@ -39,12 +39,12 @@ HWY_INLINE vec64 last_words(vec64 product, vec64 x_odd, vec32 key) {
   return hn::BitCast(d64, both);
 }
 
+// The words of blocks, in the low halves of lanes; the other halves hold anything.
 struct blocks_in_flight {
-  vec64 x0[in_flight], x1[in_flight], x2[in_flight],
-      x3[in_flight]; // in the low halves; the others hold anything
+  vec64 x0[in_flight], x1[in_flight], x2[in_flight], x3[in_flight];
 };
 
-// The rounds from `first` on, whose keys are k0 and k1, and the words put out in order from word `at` on.
+// The rounds from First on, whose keys are k0 and k1, and the words put out in order from word `at` on.
 template <int First, class Sink>
 HWY_INLINE void remaining_rounds(blocks_in_flight& x, std::uint32_t k0, std::uint32_t k1, const Sink& sink,
                                  std::size_t at) {
