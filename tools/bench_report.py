@@ -7,8 +7,10 @@ The ratios are listed in files `ratios.txt` below the --ratios folder, a line ea
     label = NUMERATOR / DENOMINATOR [in items|bytes|runs] [>= AIM]
 
 where both sides are full benchmark names, separated by " / ". A ratio is of items per second where both sides count
-items, otherwise of bytes per second, otherwise of the inverse times ("runs"), or of what the line says. With repetitions
-the medians count.
+items, otherwise of bytes per second, otherwise of the inverse times ("runs"), or of what the line says.
+
+The repetitions of all benchmarks of a program take turns in random order, so that a neighbour's busy minute falls on all
+of them, and each benchmark counts with its best repetition: what else a machine does can only slow a run down.
 """
 import argparse
 import datetime
@@ -16,12 +18,14 @@ import json
 import os
 import pathlib
 import re
+import statistics
 import subprocess
 import sys
 import tempfile
 
 RATIO = re.compile(r"^(?P<label>[^=]+?)\s*=\s*(?P<top>\S.*?)\s+/\s+(?P<bottom>\S.*?)(?:\s+in\s+(?P<unit>items|bytes|runs))?(?:\s*>=\s*(?P<aim>[\d.]+))?$")
 SECONDS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
+TAKING_TURNS = ["--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=9", "--benchmark_min_time=0.05"]
 
 
 def programs_below(folder):
@@ -31,25 +35,52 @@ def programs_below(folder):
 
 
 def run(program, extra):
+    print(f"running {program.name}", flush=True)
     with tempfile.NamedTemporaryFile(suffix=".json") as out:
-        subprocess.run([program, f"--benchmark_out={out.name}", "--benchmark_out_format=json", *extra], check=True)
+        subprocess.run([program, *TAKING_TURNS, f"--benchmark_out={out.name}", "--benchmark_out_format=json", *extra],
+                       check=True, stdout=subprocess.DEVNULL)
         text = pathlib.Path(out.name).read_text()
     # A filter that matches nothing leaves the file empty.
     return json.loads(text) if text.strip() else {"benchmarks": []}
 
 
-def speeds(results):
-    """{benchmark name: {kind of speed: value}}, medians taking the place of single runs."""
+def repetitions(report):
+    """{benchmark name: [one {kind of speed: value} for each repetition]}"""
     table = {}
-    for result in sorted((one for report in results.values() for one in report["benchmarks"]),
-                         key=lambda one: one.get("aggregate_name") == "median"):
-        if result.get("error_occurred") or result.get("aggregate_name", "median") != "median":
+    for result in report["benchmarks"]:
+        if result.get("error_occurred") or "aggregate_name" in result:
             continue
         seconds = result["real_time"] * SECONDS[result.get("time_unit", "ns")]
         found = {"items": result.get("items_per_second"), "bytes": result.get("bytes_per_second"),
                  "runs": 1 / seconds if seconds else None}
-        table[result.get("run_name", result["name"])] = {kind: value for kind, value in found.items() if value}
+        table.setdefault(result.get("run_name", result["name"]), []).append({k: v for k, v in found.items() if v})
     return table
+
+
+def best(runs):
+    return {kind: max(one[kind] for one in runs if kind in one) for kind in {kind for one in runs for kind in one}}
+
+
+def speeds(results):
+    """{benchmark name: {kind of speed: its value in the best repetition}}"""
+    return {name: best(runs) for report in results.values() for name, runs in repetitions(report).items()}
+
+
+def show_speeds(report):
+    for name, runs in sorted(repetitions(report).items()):
+        fastest, usual = best(runs), statistics.median(one.get("runs", 0) for one in runs)
+        columns = [f"{name:<52}", f"{in_units(1 / fastest['runs'], 's'):>10}" if "runs" in fastest else f"{'':>10}",
+                   *(f"{in_units(fastest[kind], unit):>12}" if kind in fastest else f"{'':>12}"
+                     for kind, unit in (("items", "/s"), ("bytes", "B/s"))),
+                   f"{usual / fastest['runs']:6.0%}" if "runs" in fastest else ""]
+        print("  " + " ".join(columns).rstrip())
+
+
+def in_units(value, unit):
+    for factor, prefix in ((1e9, "G"), (1e6, "M"), (1e3, "k"), (1, ""), (1e-3, "m"), (1e-6, "u"), (1e-9, "n")):
+        if value >= factor:
+            return f"{value / factor:.3g} {prefix}{unit}"
+    return f"{value:.3g} {unit}"
 
 
 def ratios_below(folder):
@@ -111,6 +142,9 @@ def main():
     if busy > 0.5:
         print(f"The machine is busy (load {busy:.1f}): ratios over several threads will come out too low.", flush=True)
     results = {program.name: run(program, options.extra) for program in programs}
+    print(f"\n  {'best repetition':<52} {'time':>10} {'items':>12} {'bytes':>12} median")
+    for report in results.values():
+        show_speeds(report)
     evaluated = list(evaluate(ratios_below(options.ratios), speeds(results)))
     show(evaluated, previous_ratios(options.results))
 

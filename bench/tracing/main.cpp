@@ -16,8 +16,6 @@ namespace rng = kestro::hvl::rng;
 using engine_type = rng::philox4x32x10;
 using distribution_type = rng::uniform<float>;
 
-constexpr int repetitions = 15;
-
 // The call behind the door.
 struct dispatch_only {
   sycl::event operator()(engine_type& engine, std::int64_t n, float* r) const {
@@ -48,9 +46,7 @@ void register_call(const std::string& name, const sycl::queue& queue, int mode, 
                                  sycl::free(r, queue);
                                  state.SetItemsProcessed(state.iterations());
                                })
-      ->MinTime(0.05)
-      ->Repetitions(repetitions)
-      ->ReportAggregatesOnly();
+      ->UseRealTime();
 }
 
 void ask_the_mode(benchmark::State& state) {
