@@ -1,7 +1,6 @@
 #include "generate.hpp"
 
 #include <unistd.h>
-#include <xmmintrin.h>
 
 #include <oneapi/tbb/parallel_for.h>
 #include <oneapi/tbb/task_arena.h>
@@ -10,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+#include "streamed_output.hpp"
 #include "word_reader.hpp"
 
 namespace hvl::streams {
@@ -56,78 +56,77 @@ std::uint64_t words_of(std::uint64_t values, const transform& t) noexcept {
   return (values + t.values_per_group - 1) / t.values_per_group * t.words_per_group;
 }
 
-void run_words(word_reader& reader, const kernel_set& kernels, part& p, std::size_t value_bytes,
-               bool streaming) noexcept {
-  const std::size_t taken_directly = streaming ? 0 : reader.take_directly(p.out, p.values);
-  const std::size_t taken = taken_directly != 0 ? taken_directly : reader.refill();
-  if (taken_directly == 0) {
-    if (streaming)
-      kernels.stream_copy(p.out, reader.words(), taken * value_bytes);
-    else
-      std::memcpy(p.out, reader.words(), taken * value_bytes);
-    reader.take(taken);
-  }
-  p.out += taken * value_bytes;
-  p.values -= taken;
+void apply(const transform& t, const void* words, std::byte* out, std::size_t values) noexcept {
+  if (t.apply == nullptr)
+    std::memcpy(out, words, values * t.value_bytes);
+  else
+    t.apply(t.parameters, words, out, values);
 }
 
-// Streaming stores leave the processor while it computes, as long as they come in runs that its store buffer holds.
-constexpr std::size_t streamed_run_bytes = 2048;
-
-void run_transform(word_reader& reader, const kernel_set& kernels, part& p, const transform& t,
-                   bool streaming) noexcept {
+// Brings in words, and returns how many values can be made of them.
+std::size_t refill(word_reader& reader, const transform& t, std::uint64_t values) noexcept {
   const std::size_t groups = reader.refill() / t.words_per_group;
-  auto values = static_cast<std::size_t>(std::min<std::uint64_t>(groups * t.values_per_group, p.values));
-  const std::size_t run = streaming ? streamed_run_bytes / t.value_bytes : values;
-  while (values != 0) {
-    const std::size_t count = std::min(run, values);
-    const std::size_t bytes = count * t.value_bytes;
-    if (streaming) {
-      alignas(vector_alignment) std::byte block[streamed_run_bytes];
-      t.apply(t.parameters, reader.words(), block, count);
-      kernels.stream_copy(p.out, block, bytes);
+  return static_cast<std::size_t>(std::min<std::uint64_t>(groups * t.values_per_group, values));
+}
+
+void write(word_reader& reader, const part& p, const transform& t) noexcept {
+  std::byte* out = p.out;
+  for (std::uint64_t left = p.values; left != 0;) {
+    const std::size_t granule = t.direct != nullptr ? reader.direct_granule() : 0;
+    std::size_t made;
+    if (granule != 0 && left >= granule) {
+      made = reader.take_values(out, left, *t.direct, false);
     } else {
-      t.apply(t.parameters, reader.words(), p.out, count);
+      made = refill(reader, t, left);
+      apply(t, reader.words(), out, made);
+      reader.take(static_cast<std::size_t>(words_of(made, t)));
     }
-    reader.take(static_cast<std::size_t>(words_of(count, t)));
-    p.out += bytes;
-    p.values -= count;
-    values -= count;
+    out += made * t.value_bytes;
+    left -= made;
   }
 }
 
-void run_with(const block_kernel* kernel, const engine& e, const kernel_set& kernels, part p,
-              const transform& t, bool streaming) noexcept {
-  word_reader reader(e, kernel, p.record, words_of(p.values, t));
-  while (p.values != 0) {
-    const std::size_t direct =
-        t.direct != nullptr ? reader.take_values(p.out, p.values, *t.direct, streaming) : 0;
-    p.out += direct * t.value_bytes;
-    p.values -= direct;
-    if (p.values == 0)
-      break;
-    if (t.apply == nullptr)
-      run_words(reader, kernels, p, t.value_bytes, streaming);
-    else
-      run_transform(reader, kernels, p, t, streaming);
+void stream(word_reader& reader, const part& p, const transform& t, const kernel_set& kernels) noexcept {
+  const std::size_t run = streamed_output::run_bytes / t.value_bytes;
+  streamed_output out(p.out, kernels);
+  for (std::uint64_t left = p.values; left != 0;) {
+    const std::size_t granule = t.direct != nullptr ? reader.direct_granule() : 0;
+    if (granule != 0 && left >= granule) {
+      std::byte* const lines = reader.can_stream() ? out.whole_lines() : nullptr;
+      const std::size_t made =
+          lines != nullptr
+              ? reader.take_values(lines, left, *t.direct, true)
+              : reader.take_values(out.space(), std::min<std::uint64_t>(left, std::max(run, granule)),
+                                   *t.direct, false);
+      if (lines != nullptr)
+        out.pass(made * t.value_bytes);
+      else
+        out.commit(made * t.value_bytes);
+      left -= made;
+    } else {
+      std::size_t made = refill(reader, t, left);
+      left -= made;
+      while (made != 0) {
+        const std::size_t count = std::min(run, made);
+        apply(t, reader.words(), out.space(), count);
+        out.commit(count * t.value_bytes);
+        reader.take(static_cast<std::size_t>(words_of(count, t)));
+        made -= count;
+      }
+    }
   }
-  reader.close();
+  out.finish();
 }
 
-void run_part(const engine& e, const kernel_set& kernels, part p, const transform& t,
+void run_part(const engine& e, const kernel_set& kernels, const part& p, const transform& t,
               bool streaming) noexcept {
-  if (streaming && t.direct != nullptr) {
-    // a few values first, so that the engine finds the rest aligned
-    const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(p.out) % vector_alignment;
-    const std::size_t wanted = misaligned == 0 ? 0 : (vector_alignment - misaligned) / t.value_bytes;
-    const std::uint64_t head = std::min<std::uint64_t>(wanted, p.values);
-    run_with(nullptr, e, kernels, {p.record, head, p.out}, t, false);
-    p.out += head * t.value_bytes;
-    p.values -= head;
-  }
-  run_with(kernels.block(static_cast<engine_index>(index_of(e))), e, kernels, p, t, streaming);
+  word_reader reader(e, kernels.block(static_cast<engine_index>(index_of(e))), p.record,
+                     words_of(p.values, t));
   if (streaming)
-    _mm_sfence();
+    stream(reader, p, t, kernels);
+  else
+    write(reader, p, t);
+  reader.close();
 }
 
 // Records of parts after the first, each skipped to its start: record i from record i - 2^k, in rounds of

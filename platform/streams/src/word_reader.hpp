@@ -56,33 +56,18 @@ class word_reader {
     left_ -= words;
   }
 
-  // Writes words straight to `out`, as many as whole granules allow, at most `words`; returns how many. Only
-  // when nothing is unread.
-  std::size_t take_directly(void* out, std::uint64_t words) noexcept {
-    if (kernel_ == nullptr) {
-      engine_.draw(record_, out, words);
-      left_ -= words;
-      return words;
-    }
-    if (lead_ != 0)
-      return 0;
-    const std::size_t granules = words / kernel_->granule_words;
-    kernel_->run(workspace_, out, granules);
-    left_ -= granules * kernel_->granule_words;
-    return granules * kernel_->granule_words;
+  // The values, one to a word, that the engine can write itself at once; 0 where it cannot, or not here.
+  std::size_t direct_granule() const noexcept {
+    return kernel_ == nullptr || lead_ != 0 || unread_ != 0 ? 0 : kernel_->granule_words;
   }
+  bool can_stream() const noexcept { return kernel_->can_stream; }
 
-  // Writes values, one to a word, straight to `out`, as many as whole granules allow; returns how many: none
-  // when the engine or the place of `out` does not permit it.
+  // Has whole granules of values written to `out`, as many as `values` allow; returns how many values. Only where
+  // direct_granule is not 0; streaming where can_stream and `out` is aligned.
   std::size_t take_values(void* out, std::uint64_t values, const direct_values& form,
                           bool streaming) noexcept {
-    const bool aligned = reinterpret_cast<std::uintptr_t>(out) % vector_alignment == 0;
-    if (kernel_ == nullptr || kernel_->run_values == nullptr || lead_ != 0 || unread_ != 0 ||
-        (streaming && !aligned))
-      return 0;
     const std::size_t granules = values / kernel_->granule_words;
-    if (granules != 0)
-      kernel_->run_values(workspace_, out, granules, form, streaming);
+    kernel_->run_values(workspace_, out, granules, form, streaming);
     left_ -= granules * kernel_->granule_words;
     return granules * kernel_->granule_words;
   }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <random>
 
 #include "hvl/streams_record.h"
@@ -151,29 +152,55 @@ TEST_P(engine_properties, different_seeds_and_words_give_different_sequences) {
   EXPECT_NE(none[0], none[1]);
 }
 
-// Large enough for streaming stores and, with seven places for threads, for three parts of the engine that is
+// A large call at an address of any alignment, on a stream that stands anywhere in a block, gives what small calls give.
+// The count is enough for streaming stores and, with seven places for threads, for three parts of the engine that is
 // dearest to split and seven of the others.
-TEST_P(engine_properties, large_output_is_the_same_as_small_outputs) {
+template <class T, class Call>
+void expect_large_as_small(std::int32_t id, int isa, std::size_t lead, std::size_t offset, const Call& call) {
+  SCOPED_TRACE(testing::Message() << "isa " << isa << ", " << lead << " words before, at element " << offset);
   constexpr std::size_t n = 13'000'003;
-  const run_mode mode(-1, 7);
+  const run_mode mode(isa, 7);
   tbb::task_arena arena(7);
-  owned_stream stream(id());
-  stream.bits(1);
-  std::vector<float> whole(n + 1, -1.0f);
-  const int status =
-      arena.execute([&] { return vsRngUniform_64(0, stream, n, whole.data() + 1, 0.0f, 1.0f); });
-  ASSERT_EQ(status, VQS_STATUS_OK);
-  owned_stream pieces(id());
-  pieces.bits(1);
-  std::vector<float> piece(70'001);
+  owned_stream stream(id);
+  stream.bits(lead);
+  const auto storage = std::make_unique_for_overwrite<T[]>(n + 128 / sizeof(T));
+  const std::size_t to_line = -reinterpret_cast<std::uintptr_t>(storage.get()) % 64 / sizeof(T);
+  T* const whole = storage.get() + to_line + offset;
+  whole[n] = T(77);
+  ASSERT_EQ(arena.execute([&] { return call(stream, std::int64_t{n}, whole); }), VQS_STATUS_OK);
+  EXPECT_EQ(whole[n], T(77));
+  owned_stream pieces(id);
+  pieces.bits(lead);
+  std::vector<T> piece(70'002);
   for (std::size_t first = 0; first < n; first += piece.size()) {
     const std::size_t count = std::min(piece.size(), n - first);
-    ASSERT_EQ(vsRngUniform_64(0, pieces, static_cast<std::int64_t>(count), piece.data(), 0.0f, 1.0f),
-              VQS_STATUS_OK);
-    ASSERT_EQ(std::memcmp(piece.data(), whole.data() + 1 + first, count * sizeof(float)), 0)
-        << "from " << first;
+    ASSERT_EQ(call(pieces, static_cast<std::int64_t>(count), piece.data()), VQS_STATUS_OK);
+    ASSERT_EQ(std::memcmp(piece.data(), whole + first, count * sizeof(T)), 0) << "from " << first;
   }
   EXPECT_EQ(stream.saved(), pieces.saved());
+}
+
+TEST_P(engine_properties, large_output_is_the_same_as_small_outputs) {
+  const auto uniform = [](vqs_stream stream, std::int64_t n, float* r) {
+    return vsRngUniform_64(0, stream, n, r, 0.0f, 1.0f);
+  };
+  for (const std::size_t lead : {0u, 1u})
+    for (const std::size_t offset : {0u, 1u})
+      expect_large_as_small<float>(id(), -1, lead, offset, uniform);
+  if (hvl_serv_isa_supported(HVL_ISA_AVX2))
+    expect_large_as_small<float>(id(), HVL_ISA_AVX2, 0, 0, uniform);
+  const auto bits = [](vqs_stream stream, std::int64_t n, std::uint32_t* r) {
+    return viRngUniformBits_64(0, stream, n, r);
+  };
+  expect_large_as_small<std::uint32_t>(id(), -1, 1, 3, bits);
+  const auto gaussian = [](vqs_stream stream, std::int64_t n, float* r) {
+    return vsRngGaussian_64(VQS_METHOD_GAUSSIAN_BOX_MULLER2, stream, n, r, 0.0f, 1.0f);
+  };
+  expect_large_as_small<float>(id(), -1, 1, 1, gaussian);
+  const auto wide = [](vqs_stream stream, std::int64_t n, double* r) {
+    return vdRngExponential_64(0, stream, n, r, 0.0, 1.0);
+  };
+  expect_large_as_small<double>(id(), -1, 0, 5, wide);
 }
 
 // Two hundred places for threads cut this call into parts of 79872 values and a last one of a single value.

@@ -18,6 +18,6 @@ const block_kernel* block_kernel_of([[maybe_unused]] engine_index e) noexcept {
 }
 
 const kernel_set kernels = {block_kernel_of,       uniform_transform, gaussian_transform, lognormal_transform,
-                            inverse_cdf_transform, stream_copy,       xor_windows};
+                            inverse_cdf_transform, stream_lines,      xor_windows};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

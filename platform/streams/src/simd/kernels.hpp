@@ -31,10 +31,10 @@ struct block_kernel {
   std::uint32_t (*open)(const void* record, void* workspace) noexcept;
   void (*run)(void* workspace, void* words, std::size_t granules) noexcept;
   void (*close)(const void* workspace, void* record, std::uint64_t words_taken) noexcept;
-  // As run, a value to a word; streaming output is aligned to vector_alignment. Null where only transforms
-  // make values.
+  // As run, a value to a word. Streaming output is aligned to vector_alignment.
   void (*run_values)(void* workspace, void* out, std::size_t granules, const direct_values& values,
                      bool streaming) noexcept;
+  bool can_stream; // run_values fills line after line, so that it may stream
 };
 
 inline constexpr std::size_t max_block_words = 2048;
@@ -77,8 +77,9 @@ struct kernel_set {
                                   precision p) noexcept;
   transform_function (*inverse_cdf)(word_kind kind, inverse_cdf_family family, bool accurate,
                                     precision p) noexcept;
-  // Copies past the caches; the stores need a fence before another thread may rely on them.
-  void (*stream_copy)(void* out, const void* in, std::size_t bytes) noexcept;
+  // Copies past the caches, to an address and of a size that are multiples of vector_alignment; the stores need a fence
+  // before another thread may rely on them.
+  void (*stream_lines)(void* out, const void* in, std::size_t bytes) noexcept;
   // sum[j] = the exclusive or of sequence[i + j] over the set bits i of the polynomial, for 624 words.
   void (*xor_windows)(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
                       std::size_t degree) noexcept;

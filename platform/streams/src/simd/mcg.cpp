@@ -72,7 +72,8 @@ class product59 {
 #endif
 };
 
-template <class Arithmetic, class Product>
+// Kind is how values read the words.
+template <class Arithmetic, class Product, word_kind Kind>
 struct blocks {
   using word = typename Arithmetic::word;
   using vec = typename Product::vec;
@@ -129,16 +130,17 @@ struct blocks {
   static void run_values(void* workspace_memory, void* out, std::size_t granules, const direct_values& values,
                          bool streaming) noexcept {
     auto& w = *static_cast<workspace*>(workspace_memory);
-    with_sink(out, values, streaming, [&](const auto& sink) { run_to(sink, w, granules); });
+    with_sink<Kind>(out, values, streaming, [&](const auto& sink) { run_to(sink, w, granules); });
   }
 
-  static constexpr block_kernel kernel = {granule,   1536 / granule* granule, granule, open, run, nullptr,
-                                          run_values};
+  static constexpr block_kernel kernel = {
+      granule, 1536 / granule* granule, granule, open, run, nullptr, run_values, true};
 };
 
 } // namespace
 
-const block_kernel mcg31m1_blocks = blocks<mcg31m1_arithmetic, product31>::kernel;
-const block_kernel mcg59_blocks = blocks<mcg59_arithmetic, product59>::kernel;
+// Words below 2^31 are the same read as signed, which converts faster.
+const block_kernel mcg31m1_blocks = blocks<mcg31m1_arithmetic, product31, word_kind::signed32>::kernel;
+const block_kernel mcg59_blocks = blocks<mcg59_arithmetic, product59, word_kind::unsigned64>::kernel;
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -4,8 +4,8 @@
 // multiple of the modulus is exact too.
 #include "generators/mrg32k3a.hpp"
 
-#include "simd/isa.hpp"
 #include "simd/transpose.hpp"
+#include "simd/value_sink.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
@@ -181,7 +181,9 @@ HWY_INLINE void rotate(vec (&values)[3][in_flight]) {
   }
 }
 
-void one_granule(workspace& w, std::uint32_t* HWY_RESTRICT out) {
+// Puts out a granule, words `at` and on.
+template <class Sink>
+HWY_INLINE void one_granule(workspace& w, const Sink& sink, std::size_t at) {
   lane_states s;
 #pragma GCC unroll 3
   for (std::size_t i = 0; i < 3; ++i)
@@ -204,7 +206,7 @@ void one_granule(workspace& w, std::uint32_t* HWY_RESTRICT out) {
       rotate(s.y);
     }
     for (std::size_t row = 0; row < rows; row += tile)
-      transpose_tile(&steps[0][row], rows, out + row * columns + column, columns);
+      transpose_tile(&steps[0][row], rows, sink, at + row * columns + column, columns);
   }
 #pragma GCC unroll 3
   for (std::size_t i = 0; i < 3; ++i)
@@ -215,11 +217,10 @@ void one_granule(workspace& w, std::uint32_t* HWY_RESTRICT out) {
     }
 }
 
-void run(void* workspace_memory, void* words, std::size_t granules) noexcept {
-  auto& w = *static_cast<workspace*>(workspace_memory);
-  auto* out = static_cast<std::uint32_t*>(words);
-  for (; granules != 0; --granules, out += granule) {
-    one_granule(w, out);
+template <class Sink>
+void run_to(const Sink& sink, workspace& w, std::size_t granules) noexcept {
+  for (std::size_t at = 0; granules != 0; --granules, at += granule) {
+    one_granule(w, sink, at);
     multiply(w.x, jumps().to_granule.x, m1);
     multiply(w.y, jumps().to_granule.y, m2);
   }
@@ -229,6 +230,15 @@ static_assert(sizeof(workspace) <= workspace_bytes);
 
 } // namespace
 
-const block_kernel mrg32k3a_blocks = {granule, granule, 400, open, run, nullptr, nullptr};
+const block_kernel mrg32k3a_blocks = {
+    granule,
+    granule,
+    400,
+    open,
+    run_words<workspace, word_kind::unsigned32>,
+    nullptr,
+    run_values<workspace, word_kind::unsigned32>,
+    false,
+};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -91,6 +91,13 @@ static_assert(sizeof(workspace) <= workspace_bytes);
 
 } // namespace
 
-const block_kernel mt19937_blocks = {n, 2 * n, 200, open, run_words<workspace>, close, run_values<workspace>};
+const block_kernel mt19937_blocks = {n,
+                                     2 * n,
+                                     200,
+                                     open,
+                                     run_words<workspace, word_kind::signed32>,
+                                     close,
+                                     run_values<workspace, word_kind::signed32>,
+                                     true};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

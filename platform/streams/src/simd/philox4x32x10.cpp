@@ -167,10 +167,14 @@ void run_to(const Sink& sink, workspace& state, std::size_t granules) noexcept {
 } // namespace
 
 const block_kernel philox4x32x10_blocks = {
-    4 * granule_blocks,    4 * granule_blocks*(1536 / (4 * granule_blocks)),
-    4 * granule_blocks,    open,
-    run_words<workspace>,  nullptr,
-    run_values<workspace>,
+    4 * granule_blocks,
+    4 * granule_blocks*(1536 / (4 * granule_blocks)),
+    4 * granule_blocks,
+    open,
+    run_words<workspace, word_kind::signed32>,
+    nullptr,
+    run_values<workspace, word_kind::signed32>,
+    true,
 };
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

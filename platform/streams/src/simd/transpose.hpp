@@ -8,9 +8,10 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Row i of the tile starts at in + i * in_stride (aligned); its column i goes to out + i * out_stride.
-HWY_INLINE void transpose_tile(const std::uint32_t* in, std::size_t in_stride, std::uint32_t* out,
-                               std::size_t out_stride) {
+// Row i of the tile starts at in + i * in_stride (aligned); its column i goes to sink(column, at + i * stride).
+template <class Sink>
+HWY_INLINE void transpose_tile(const std::uint32_t* in, std::size_t in_stride, const Sink& sink,
+                               std::size_t at, std::size_t stride) {
   const hn::ScalableTag<std::uint32_t> d;
   const hn::ScalableTag<std::uint64_t> d64;
   using vec = hn::Vec<decltype(d)>;
@@ -38,7 +39,7 @@ HWY_INLINE void transpose_tile(const std::uint32_t* in, std::size_t in_stride, s
 #pragma GCC unroll 4
   for (std::size_t j = 0; j < 4; ++j) {
     const auto store = [&](std::size_t block, auto raw) __attribute__((always_inline)) {
-      hn::StoreU(vec{raw}, d, out + (4 * block + j) * out_stride);
+      sink(vec{raw}, at + (4 * block + j) * stride);
     };
 #if HWY_TARGET <= HWY_AVX3
     const auto low01 = _mm512_shuffle_i32x4(part[0][j].raw, part[1][j].raw, 0x44);

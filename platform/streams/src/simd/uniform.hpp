@@ -3,26 +3,19 @@
 #pragma once
 
 #include <cstring>
+#include <type_traits>
 
 #include "simd/isa.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
 
-#ifdef HVL_STREAMS_ISA_IS_SCALAR
-
 template <word_kind Kind>
-struct word_of {
-  using type = std::int32_t;
-};
-template <>
-struct word_of<word_kind::unsigned32> {
-  using type = std::uint32_t;
-};
-template <>
-struct word_of<word_kind::unsigned64> {
-  using type = std::uint64_t;
-};
+using word_of =
+    std::conditional_t<Kind == word_kind::signed32, std::int32_t,
+                       std::conditional_t<Kind == word_kind::unsigned32, std::uint32_t, std::uint64_t>>;
+
+#ifdef HVL_STREAMS_ISA_IS_SCALAR
 
 template <class T>
 inline constexpr std::size_t vector_values = 1;
@@ -32,11 +25,11 @@ template <word_kind Kind, class T, bool ExactProduct = false>
 class word_loader {
  public:
   word_loader(const void* words, coefficients<T> affine)
-      : words_(static_cast<const typename word_of<Kind>::type*>(words)), affine_(affine) {}
+      : words_(static_cast<const word_of<Kind>*>(words)), affine_(affine) {}
   T operator()(std::size_t i) const { return uniform_value<T>(words_[i], affine_); }
 
  private:
-  const typename word_of<Kind>::type* words_;
+  const word_of<Kind>* words_;
   coefficients<T> affine_;
 };
 
@@ -69,16 +62,15 @@ template <class T>
 inline constexpr std::size_t vector_values = hn::MaxLanes(vector_tag<T>());
 
 // The conversions round once, to nearest even.
-HWY_INLINE vector<float> to_float_signed32(const std::int32_t* words) {
-  return hn::ConvertTo(vector_tag<float>(), hn::LoadU(vector_tag<std::int32_t>(), words));
+HWY_INLINE vector<float> to_float(vector<std::int32_t> w) {
+  return hn::ConvertTo(vector_tag<float>(), w);
 }
 
-HWY_INLINE vector<float> to_float_unsigned32(const std::uint32_t* words) {
-  const vector_tag<std::uint32_t> d;
-  const auto w = hn::LoadU(d, words);
+HWY_INLINE vector<float> to_float(vector<std::uint32_t> w) {
 #if HWY_TARGET <= HWY_AVX3
   return vector<float>{_mm512_cvtepu32_ps(w.raw)};
 #else
+  const vector_tag<std::uint32_t> d;
   const vector_tag<std::int32_t> di;
   const vector_tag<float> df;
   // both halves and the product are exact, so only the sum rounds
@@ -117,23 +109,19 @@ HWY_INLINE hn::Vec<hn::Half<vector_tag<float>>> to_float(vector<std::uint64_t> w
 #endif
 }
 
-HWY_INLINE vector<float> to_float_unsigned64(const std::uint64_t* words) {
-  const vector_tag<std::uint64_t> d;
-  return hn::Combine(vector_tag<float>(), to_float(hn::LoadU(d, words + vector_values<std::uint64_t>)),
-                     to_float(hn::LoadU(d, words)));
+HWY_INLINE vector<double> to_double(hn::Vec<hn::Half<vector_tag<std::int32_t>>> w) {
+  return hn::PromoteTo(vector_tag<double>(), w);
 }
 
-HWY_INLINE vector<double> to_double_signed32(const std::int32_t* words) {
-  const vector_tag<double> dd;
-  return hn::PromoteTo(dd, hn::LoadU(hn::Half<vector_tag<std::int32_t>>(), words));
-}
-
-HWY_INLINE vector<double> to_double_unsigned32(const std::uint32_t* words) {
+HWY_INLINE vector<double> to_double(hn::Vec<hn::Half<vector_tag<std::uint32_t>>> w) {
+#if HWY_TARGET <= HWY_AVX3
+  return vector<double>{_mm512_cvtepu32_pd(w.raw)};
+#else
   const vector_tag<std::uint64_t> d;
   const vector_tag<double> dd;
-  const auto w = hn::PromoteTo(d, hn::LoadU(hn::Half<vector_tag<std::uint32_t>>(), words));
-  return hn::Sub(hn::BitCast(dd, hn::Or(w, hn::Set(d, 0x4330000000000000u))),
+  return hn::Sub(hn::BitCast(dd, hn::Or(hn::PromoteTo(d, w), hn::Set(d, 0x4330000000000000u))),
                  hn::Set(dd, 4503599627370496.0));
+#endif
 }
 
 // Uniforms from words: operator()(i) is the vector that starts at word i. Where the product is exact a fused sum rounds
@@ -154,26 +142,18 @@ class word_loader {
 
  private:
   HWY_INLINE vector<T> converted(std::size_t i) const {
-    constexpr bool single = sizeof(T) == 4;
-    if constexpr (Kind == word_kind::signed32) {
-      const auto* w = static_cast<const std::int32_t*>(words_) + i;
-      if constexpr (single)
-        return to_float_signed32(w);
-      else
-        return to_double_signed32(w);
-    } else if constexpr (Kind == word_kind::unsigned32) {
-      const auto* w = static_cast<const std::uint32_t*>(words_) + i;
-      if constexpr (single)
-        return to_float_unsigned32(w);
-      else
-        return to_double_unsigned32(w);
-    } else {
-      const auto* w = static_cast<const std::uint64_t*>(words_) + i;
-      if constexpr (single)
-        return to_float_unsigned64(w);
-      else
-        return to_double(hn::LoadU(vector_tag<std::uint64_t>(), w));
-    }
+    using word = word_of<Kind>;
+    const vector_tag<word> d;
+    const auto* const w = static_cast<const word*>(words_) + i;
+    if constexpr (sizeof(T) == 8 && sizeof(word) == 4)
+      return to_double(hn::LoadU(hn::Half<vector_tag<word>>(), w));
+    else if constexpr (sizeof(T) == 8)
+      return to_double(hn::LoadU(d, w));
+    else if constexpr (sizeof(word) == 4)
+      return to_float(hn::LoadU(d, w));
+    else
+      return hn::Combine(vector_tag<float>(), to_float(hn::LoadU(d, w + vector_values<word>)),
+                         to_float(hn::LoadU(d, w)));
   }
 
   const void* words_;

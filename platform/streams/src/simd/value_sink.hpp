@@ -8,8 +8,8 @@ namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
 
 // operator()(words, i) puts out the values of words i, i + 1, ...; streaming output is aligned, and so is every i. Words
-// of 32 bits are read as signed or lie below 2^31; of mcg59's words, 32-bit ones are the upper 32 of 59 bits.
-template <value_form Form, bool Streaming>
+// of 32 bits are read as Kind says; of mcg59's words, 32-bit ones are the upper 32 of 59 bits.
+template <word_kind Kind, value_form Form, bool Streaming>
 class value_sink {
  public:
   HWY_INLINE value_sink(void* out, const direct_values& values)
@@ -22,14 +22,13 @@ class value_sink {
     if constexpr (Form == value_form::words) {
       put(words, static_cast<std::uint32_t*>(out_) + i);
     } else {
-      const auto integers = hn::BitCast(vector_tag<std::int32_t>(), words);
+      const auto integers = hn::BitCast(vector_tag<word_of<Kind>>(), words);
       if constexpr (Form == value_form::real32) {
-        put_scaled(hn::ConvertTo(vector_tag<float>(), integers), i);
+        put_scaled(to_float(integers), i);
       } else {
-        const hn::Half<vector_tag<std::int32_t>> half;
-        const vector_tag<double> d;
-        put_scaled(hn::PromoteTo(d, hn::LowerHalf(half, integers)), i);
-        put_scaled(hn::PromoteTo(d, hn::UpperHalf(half, integers)), i + vector_values<double>);
+        const hn::Half<vector_tag<word_of<Kind>>> half;
+        put_scaled(to_double(hn::LowerHalf(half, integers)), i);
+        put_scaled(to_double(hn::UpperHalf(half, integers)), i + vector_values<double>);
       }
     }
   }
@@ -72,13 +71,13 @@ class value_sink {
 };
 
 // Calls body(sink) with the sink for a form.
-template <class Body>
+template <word_kind Kind, class Body>
 HWY_INLINE void with_sink(void* out, const direct_values& values, bool streaming, const Body& body) {
   const auto call = [&]<value_form Form>() {
     if (streaming)
-      body(value_sink<Form, true>(out, values));
+      body(value_sink<Kind, Form, true>(out, values));
     else
-      body(value_sink<Form, false>(out, values));
+      body(value_sink<Kind, Form, false>(out, values));
   };
   switch (values.form) {
   case value_form::words:
@@ -91,16 +90,16 @@ HWY_INLINE void with_sink(void* out, const direct_values& values, bool streaming
 }
 
 // `run_values` and `run` of a block kernel whose run_to(sink, workspace, granules) puts out vectors.
-template <class Workspace>
+template <class Workspace, word_kind Kind>
 void run_values(void* workspace, void* out, std::size_t granules, const direct_values& values,
                 bool streaming) noexcept {
   auto& w = *static_cast<Workspace*>(workspace);
-  with_sink(out, values, streaming, [&](const auto& sink) { run_to(sink, w, granules); });
+  with_sink<Kind>(out, values, streaming, [&](const auto& sink) { run_to(sink, w, granules); });
 }
 
-template <class Workspace>
+template <class Workspace, word_kind Kind>
 void run_words(void* workspace, void* words, std::size_t granules) noexcept {
-  run_values<Workspace>(workspace, words, granules, {value_form::words, {}, {}}, false);
+  run_values<Workspace, Kind>(workspace, words, granules, {value_form::words, {}, {}}, false);
 }
 
 } // namespace
