@@ -20,7 +20,7 @@ HVL_MATH_INLINE typename O::value erfinv(typename O::value v) {
   constexpr T last = static_cast<T>(sizeof(T) == 4 ? 0x1p-24 : 0x1p-53);
 
   const auto a = detail::magnitude<O>(v);
-  const auto y = detail::greater<O>(O::set(T(1)) - a, O::set(last));
+  const auto y = O::greater(O::set(T(1)) - a, O::set(last));
   const auto below_one = O::set_word(L::one) - O::bits(y);
   const auto piece = O::template shift_right<L::mantissa_bits - piece_bits>(below_one);
   const auto position =

@@ -64,7 +64,7 @@ HVL_MATH_INLINE exp_factors<O> exp_assembled(exp_reduced<O> x, const typename O:
 template <class O>
 HVL_MATH_INLINE exp_reduced<O> exp_reduce(typename O::value x) {
   using T = typename O::scalar;
-  const auto clamped = lesser<O>(greater<O>(x, O::set(exp_terms<T>::least)), O::set(exp_terms<T>::greatest));
+  const auto clamped = O::lesser(O::greater(x, O::set(exp_terms<T>::least)), O::set(exp_terms<T>::greatest));
   const rounded<O> k = round_product<O>(clamped, exp_terms<T>::per_ln2);
   return {k.word, O::fma(k.value, O::set(-ln2<T>::high), clamped), k.value * O::set(-ln2<T>::low)};
 }

@@ -13,6 +13,8 @@
 //   lt(a, b)                 a < b; false when one is NaN
 //   odd(word)                its lowest bit, as a mask
 //   select(mask, a, b)       mask ? a : b
+//   greater(a, b)            a < b ? b : a, so a when they are equal or one is NaN
+//   lesser(a, b)             b < a ? b : a, likewise
 //   lookup<n>(table, word)   table[word] of n numbers; every word is below n
 //   signed_value(word)       float only: the word as a signed integer, converted; it has 24 significant bits at most
 //   widened(f, a...)         float only: f over the policy for double, on the arguments converted to double; the result
@@ -57,6 +59,8 @@ struct scalar_basics {
   static HVL_MATH_INLINE bool lt(T a, T b) { return a < b; }
   static HVL_MATH_INLINE bool odd(Bits a) { return (a & 1) != 0; }
   static HVL_MATH_INLINE T select(bool m, T a, T b) { return m ? a : b; }
+  static HVL_MATH_INLINE T greater(T a, T b) { return a < b ? b : a; }
+  static HVL_MATH_INLINE T lesser(T a, T b) { return b < a ? b : a; }
   template <std::size_t N>
   static HVL_MATH_INLINE T lookup(const T (&table)[N], Bits index) {
     return table[index];

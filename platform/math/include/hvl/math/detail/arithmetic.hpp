@@ -84,17 +84,6 @@ HVL_MATH_INLINE typename O::value magnitude(typename O::value a) {
   return O::from_bits(O::bits(a) & O::set_word(layout<typename O::scalar>::sign_mask - 1));
 }
 
-// The greater of the two; a when they are equal or one is NaN.
-template <class O>
-HVL_MATH_INLINE typename O::value greater(typename O::value a, typename O::value b) {
-  return O::select(O::lt(a, b), b, a);
-}
-
-template <class O>
-HVL_MATH_INLINE typename O::value lesser(typename O::value a, typename O::value b) {
-  return O::select(O::lt(b, a), b, a);
-}
-
 // A value and a word that belongs to it.
 template <class O>
 struct rounded {

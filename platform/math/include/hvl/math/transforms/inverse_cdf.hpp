@@ -9,7 +9,7 @@ namespace hvl::math {
 // The last step of every accurate method: no result below the displacement.
 template <class O>
 HVL_MATH_INLINE typename O::value raised_to(typename O::value result, typename O::scalar displacement) {
-  return detail::greater<O>(result, O::set(displacement));
+  return O::greater(result, O::set(displacement));
 }
 
 // a - beta ln u
