@@ -24,7 +24,11 @@ endif()
 option(KESTRO_BUILD_TESTS "Build the tests" ON)
 option(KESTRO_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 set(KESTRO_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, 'address;undefined' or 'thread'")
-option(KESTRO_WERROR "Treat warnings as errors" ON)
+set(kestro_gnu OFF)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  set(kestro_gnu ON)
+endif()
+option(KESTRO_WERROR "Treat warnings as errors; off where a compiler may have warnings of its own" ${kestro_gnu})
 
 # kestro_target(<target>): warnings, no floating-point contraction, the x86-64-v2 baseline, sanitizers;
 # a shared library exports nothing of the C++ libraries that it uses.
@@ -32,6 +36,7 @@ option(KESTRO_WERROR "Treat warnings as errors" ON)
 function(kestro_target target)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic $<$<COMPILE_LANGUAGE:CXX>:-Wconversion -Wshadow>
+    $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-sign-conversion>
     $<$<BOOL:${KESTRO_WERROR}>:-Werror>
     -ffp-contract=off -march=x86-64-v2
     $<$<CONFIG:Release>:-O3>)

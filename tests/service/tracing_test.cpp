@@ -200,7 +200,7 @@ TYPED_TEST(BufferWrappers, WaitForAllCommandsOnTheBuffer) {
     const auto slow_reader = [&] {
       return this->queue_.submit([&](sycl::handler& handler) {
         const sycl::accessor<TypeParam, 1, sycl::access_mode::read, sycl::target::host_task> read(r, handler);
-        handler.host_task([read] { std::this_thread::sleep_for(std::chrono::milliseconds(30)); });
+        handler.host_task([] { std::this_thread::sleep_for(std::chrono::milliseconds(30)); });
       });
     };
     const sycl::event before = slow_reader();

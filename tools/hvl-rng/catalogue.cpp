@@ -227,7 +227,7 @@ void require_known(const distribution_entry& distribution, const parameter_value
   const auto& known = distribution.parameters;
   for (const auto& [name, value] : given)
     if (std::none_of(known.begin(), known.end(),
-                     [&](const parameter_entry& one) { return one.name == name; })) {
+                     [&name = name](const parameter_entry& one) { return one.name == name; })) {
       const std::string has =
           known.empty() ? "no parameters"
                         : choices(known, [](const parameter_entry& one) { return "--" + one.name; });

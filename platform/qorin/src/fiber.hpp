@@ -41,11 +41,11 @@ private:
   bool quit_ = false;
 
   // What the sanitizers want remembered.
-  const void* outer_bottom_ = nullptr;
-  std::size_t outer_bytes_ = 0;
-  void* fake_inside_ = nullptr;
-  void* tsan_inside_ = nullptr;
-  void* tsan_outside_ = nullptr;
+  [[maybe_unused]] const void* outer_bottom_ = nullptr;
+  [[maybe_unused]] std::size_t outer_bytes_ = 0;
+  [[maybe_unused]] void* fake_inside_ = nullptr;
+  [[maybe_unused]] void* tsan_inside_ = nullptr;
+  [[maybe_unused]] void* tsan_outside_ = nullptr;
 };
 
 } // namespace sycl::detail

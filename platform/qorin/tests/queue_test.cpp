@@ -36,7 +36,7 @@ TEST(devices, selectors_find_the_cpu_and_the_emulated_gpu) {
   EXPECT_NE(cpu.get_platform(), gpu.get_platform());
   EXPECT_EQ(std::hash<sycl::device>()(gpu), std::hash<sycl::device>()(sycl::device(sycl::gpu_selector_v)));
   EXPECT_THAT(gpu.get_info<sycl::info::device::name>(), testing::HasSubstr("Emulated"));
-  EXPECT_EQ(code_of([] { sycl::device(sycl::accelerator_selector_v); }), errc::runtime);
+  EXPECT_EQ(code_of([] { sycl::device{sycl::accelerator_selector_v}; }), errc::runtime);
   EXPECT_EQ(code_of([] { sycl::device([](const sycl::device&) { return -1; }); }), errc::runtime);
 }
 

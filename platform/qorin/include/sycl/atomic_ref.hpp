@@ -12,6 +12,7 @@ namespace sycl {
 inline void atomic_fence(memory_order order, memory_scope) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpragmas"
+#pragma GCC diagnostic ignored "-Wunknown-warning-option"
 #pragma GCC diagnostic ignored "-Wtsan" // the thread sanitizer does not model fences
   __atomic_thread_fence(static_cast<int>(order));
 #pragma GCC diagnostic pop

@@ -28,9 +28,10 @@ class item : public detail::number_if_1d<item<Dimensions, WithOffset>, Dimension
     return {};
   }
 
-  template <bool HasOffset = WithOffset, std::enable_if_t<!HasOffset, int> = 0>
-  constexpr operator item<Dimensions, true>() const {
-    return item<Dimensions, true>(id_, range_);
+  template <typename Other,
+            std::enable_if_t<!WithOffset && std::is_same_v<Other, item<Dimensions, true>>, int> = 0>
+  constexpr operator Other() const {
+    return Other(id_, range_);
   }
 
   friend constexpr bool operator==(const item& a, const item& b) {

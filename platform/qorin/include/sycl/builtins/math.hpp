@@ -2,6 +2,8 @@
 // the roundings to integral values are exact, and one instruction where the target has it.
 #pragma once
 
+#include <math.h> // lgamma_r and exp10, which not every compiler has as builtins
+
 #include <cstdint>
 
 #include <sycl/builtins/elementwise.hpp>
@@ -10,12 +12,13 @@
 namespace sycl {
 
 // half computes in float, whose rounding to half is within the accuracy asked of half.
-#define QORIN_MATH_1(name)                                                                                   \
+#define QORIN_MATH_1(name) QORIN_MATH_1_BY(name, __builtin_##name##f, __builtin_##name)
+#define QORIN_MATH_1_BY(name, of_float, of_double)                                                           \
   inline float name(float x) {                                                                               \
-    return __builtin_##name##f(x);                                                                           \
+    return of_float(x);                                                                                      \
   }                                                                                                          \
   inline double name(double x) {                                                                             \
-    return __builtin_##name(x);                                                                              \
+    return of_double(x);                                                                                     \
   }                                                                                                          \
   inline half name(half x) {                                                                                 \
     return name(static_cast<float>(x));                                                                      \
@@ -47,7 +50,7 @@ QORIN_MATH_1(erf)
 QORIN_MATH_1(erfc)
 QORIN_MATH_1(exp)
 QORIN_MATH_1(exp2)
-QORIN_MATH_1(exp10)
+QORIN_MATH_1_BY(exp10, ::exp10f, ::exp10)
 QORIN_MATH_1(expm1)
 QORIN_MATH_1(fabs)
 QORIN_MATH_1(floor)
@@ -73,6 +76,7 @@ QORIN_MATH_2(hypot)
 QORIN_MATH_2(pow)
 QORIN_MATH_2(remainder)
 #undef QORIN_MATH_1
+#undef QORIN_MATH_1_BY
 #undef QORIN_MATH_2
 
 inline float fma(float a, float b, float c) {
@@ -236,7 +240,7 @@ T root(T x, int n) {
   }                                                                                                          \
   inline T lgamma(T x) {                                                                                     \
     int sign; /* not the C library's global one, which threads would race on */                              \
-    return static_cast<T>(__builtin_lgamma_r(static_cast<double>(x), &sign));                                \
+    return static_cast<T>(::lgamma_r(static_cast<double>(x), &sign));                                        \
   }
 QORIN_FOR_EACH_FLOATING(QORIN_SCALED)
 #undef QORIN_SCALED

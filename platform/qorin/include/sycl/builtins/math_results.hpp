@@ -34,7 +34,7 @@ T frexp_of(T x, int& exponent) {
 }
 template <typename T>
 T lgamma_r_of(T x, int& sign) {
-  return static_cast<T>(__builtin_lgamma_r(static_cast<double>(x), &sign));
+  return static_cast<T>(::lgamma_r(static_cast<double>(x), &sign));
 }
 
 template <typename Result, typename Second, typename F, typename... A>

@@ -44,11 +44,12 @@ constexpr auto widened(T value) {
     return a = a op type(b);                                                                                 \
   }
 
-#define QORIN_RELATION_OPERATOR(op, type, element, count, relation, yes)                                     \
+// `as` converts the elements first, where it is not empty.
+#define QORIN_RELATION_OPERATOR(op, as, type, element, count, relation, yes)                                 \
   friend constexpr relation operator op(const type& a, const type& b) {                                      \
     relation result{};                                                                                       \
     for (int i = 0; i < count; ++i)                                                                          \
-      result[i] = (a.data_[i] op b.data_[i]) ? yes : 0;                                                      \
+      result[i] = (as(a.data_[i]) op as(b.data_[i])) ? yes : 0;                                              \
     return result;                                                                                           \
   }                                                                                                          \
   QORIN_SCALAR_FORMS(op, relation, type, element)
@@ -84,14 +85,14 @@ constexpr auto widened(T value) {
   QORIN_BINARY_OPERATOR(^, type, element, count)                                                             \
   QORIN_BINARY_OPERATOR(<<, type, element, count)                                                            \
   QORIN_BINARY_OPERATOR(>>, type, element, count)                                                            \
-  QORIN_RELATION_OPERATOR(==, type, element, count, relation, yes)                                           \
-  QORIN_RELATION_OPERATOR(!=, type, element, count, relation, yes)                                           \
-  QORIN_RELATION_OPERATOR(<, type, element, count, relation, yes)                                            \
-  QORIN_RELATION_OPERATOR(>, type, element, count, relation, yes)                                            \
-  QORIN_RELATION_OPERATOR(<=, type, element, count, relation, yes)                                           \
-  QORIN_RELATION_OPERATOR(>=, type, element, count, relation, yes)                                           \
-  QORIN_RELATION_OPERATOR(&&, type, element, count, relation, yes)                                           \
-  QORIN_RELATION_OPERATOR(||, type, element, count, relation, yes)                                           \
+  QORIN_RELATION_OPERATOR(==, , type, element, count, relation, yes)                                         \
+  QORIN_RELATION_OPERATOR(!=, , type, element, count, relation, yes)                                         \
+  QORIN_RELATION_OPERATOR(<, , type, element, count, relation, yes)                                          \
+  QORIN_RELATION_OPERATOR(>, , type, element, count, relation, yes)                                          \
+  QORIN_RELATION_OPERATOR(<=, , type, element, count, relation, yes)                                         \
+  QORIN_RELATION_OPERATOR(>=, , type, element, count, relation, yes)                                         \
+  QORIN_RELATION_OPERATOR(&&, bool, type, element, count, relation, yes)                                     \
+  QORIN_RELATION_OPERATOR(||, bool, type, element, count, relation, yes)                                     \
   QORIN_UNARY_OPERATOR(+, type, element, count)                                                              \
   QORIN_UNARY_OPERATOR(-, type, element, count)                                                              \
   QORIN_UNARY_OPERATOR(~, type, element, count)                                                              \
@@ -100,6 +101,6 @@ constexpr auto widened(T value) {
   friend constexpr relation operator!(const type& a) {                                                       \
     relation result{};                                                                                       \
     for (int i = 0; i < count; ++i)                                                                          \
-      result[i] = !a.data_[i] ? yes : 0;                                                                     \
+      result[i] = bool(a.data_[i]) ? 0 : yes;                                                                \
     return result;                                                                                           \
   }

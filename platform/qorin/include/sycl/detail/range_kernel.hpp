@@ -83,9 +83,14 @@ inline __attribute__((always_inline)) void run_range_chunk(const void* launch, s
 
 #pragma GCC diagnostic pop
 
+#if defined(__clang__)
+#define QORIN_AVX512 "arch=x86-64-v4"
+#else
+#define QORIN_AVX512 "arch=x86-64-v4,prefer-vector-width=512"
+#endif
 #define QORIN_FOR_BASELINE __attribute__((flatten, noinline))
 #define QORIN_FOR_AVX2 __attribute__((target("arch=x86-64-v3"), flatten, noinline))
-#define QORIN_FOR_AVX512 __attribute__((target("arch=x86-64-v4,prefer-vector-width=512"), flatten, noinline))
+#define QORIN_FOR_AVX512 __attribute__((target(QORIN_AVX512), flatten, noinline))
 
 template <int Dimensions, class Kernel>
 QORIN_FOR_BASELINE void range_chunk_baseline(const void* launch, std::ptrdiff_t begin, std::ptrdiff_t end) {
