@@ -151,12 +151,19 @@ int run(std::int64_t total) {
   return same_uniform && same_gaussian ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
+std::int64_t millions(const char* text) {
+  char* end = nullptr;
+  const long number = std::strtol(text, &end, 10);
+  if (end == text || *end != '\0' || number < 1 || number > 100000)
+    throw std::invalid_argument("'" + std::string(text) + "' is no number of millions from 1 to 100000");
+  return number;
+}
+
 } // namespace
 
 int main(int count, char** words) {
   try {
-    const std::int64_t millions = count > 1 ? std::max(1l, std::atol(words[1])) : 250;
-    return run(millions * 1000000);
+    return run(1000000 * (count > 1 ? millions(words[1]) : 250));
   } catch (const std::exception& failed) {
     std::fprintf(stderr, "demo: %s\n", failed.what());
     return EXIT_FAILURE;

@@ -16,7 +16,7 @@ namespace hvl::streams {
 namespace {
 
 // Every part starts at a multiple of this many words, so that no SIMD block straddles two parts.
-constexpr std::uint64_t part_alignment_words = 624 * 64;
+constexpr std::uint64_t part_alignment_words = std::uint64_t{624} * 64;
 
 // Streaming stores pay once the output no longer fits the last cache.
 std::uint64_t streaming_threshold_bytes() noexcept {

@@ -68,7 +68,7 @@ struct vector_ops<float> : vector_basics<float, std::uint32_t> {
 #if HWY_TARGET <= HWY_AVX3
     return value{_mm512_permutex2var_ps(_mm512_loadu_ps(table), index.raw, _mm512_loadu_ps(table + 16))};
 #else
-    const auto quarter = [&](int i) {
+    const auto quarter = [&](std::size_t i) {
       return _mm256_permutevar8x32_ps(_mm256_loadu_ps(table + 8 * i), index.raw);
     };
     const __m256 bit3 = _mm256_castsi256_ps(_mm256_slli_epi32(index.raw, 28));
