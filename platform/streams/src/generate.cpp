@@ -92,16 +92,15 @@ void stream(word_reader& reader, const part& p, const transform& t, const kernel
   for (std::uint64_t left = p.values; left != 0;) {
     const std::size_t granule = t.direct != nullptr ? reader.direct_granule() : 0;
     if (granule != 0 && left >= granule) {
-      std::byte* const lines = reader.can_stream() ? out.whole_lines() : nullptr;
-      const std::size_t made =
-          lines != nullptr
-              ? reader.take_values(lines, left, *t.direct, true)
-              : reader.take_values(out.space(), std::min<std::uint64_t>(left, std::max(run, granule)),
-                                   *t.direct, false);
-      if (lines != nullptr)
+      std::size_t made;
+      if (std::byte* const lines = out.whole_lines(); lines != nullptr && reader.can_stream()) {
+        made = reader.take_values(lines, left, *t.direct, true);
         out.pass(made * t.value_bytes);
-      else
+      } else {
+        made = reader.take_values(out.space(), std::min<std::uint64_t>(left, std::max(run, granule)),
+                                  *t.direct, false);
         out.commit(made * t.value_bytes);
+      }
       left -= made;
     } else {
       std::size_t made = refill(reader, t, left);
