@@ -24,10 +24,7 @@ endif()
 option(KESTRO_BUILD_TESTS "Build the tests" ON)
 option(KESTRO_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 set(KESTRO_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, 'address;undefined' or 'thread'")
-set(kestro_gnu OFF)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  set(kestro_gnu ON)
-endif()
+string(COMPARE EQUAL "${CMAKE_CXX_COMPILER_ID}" GNU kestro_gnu)
 option(KESTRO_WERROR "Treat warnings as errors; off where a compiler may have warnings of its own" ${kestro_gnu})
 
 # kestro_target(<target>): warnings, no floating-point contraction, the x86-64-v2 baseline, sanitizers;

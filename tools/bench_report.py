@@ -52,7 +52,7 @@ def repetitions(report):
             continue
         seconds = result["real_time"] * SECONDS[result.get("time_unit", "ns")]
         found = {"items": result.get("items_per_second"), "bytes": result.get("bytes_per_second"),
-                 "runs": 1 / seconds if seconds else None}
+                 "runs": 1 / seconds}
         table.setdefault(result.get("run_name", result["name"]), []).append({k: v for k, v in found.items() if v})
     return table
 
@@ -68,12 +68,11 @@ def speeds(results):
 
 def show_speeds(report):
     for name, runs in sorted(repetitions(report).items()):
-        fastest, usual = best(runs), statistics.median(one.get("runs", 0) for one in runs)
-        columns = [f"{name:<52}", f"{in_units(1 / fastest['runs'], 's'):>10}" if "runs" in fastest else f"{'':>10}",
-                   *(f"{in_units(fastest[kind], unit):>12}" if kind in fastest else f"{'':>12}"
-                     for kind, unit in (("items", "/s"), ("bytes", "B/s"))),
-                   f"{usual / fastest['runs']:6.0%}" if "runs" in fastest else ""]
-        print("  " + " ".join(columns).rstrip())
+        fastest = best(runs)
+        items, volume = (in_units(fastest[kind], unit) if kind in fastest else ""
+                         for kind, unit in (("items", "/s"), ("bytes", "B/s")))
+        usual = statistics.median(one["runs"] for one in runs) / fastest["runs"]
+        print(f"  {name:<52} {in_units(1 / fastest['runs'], 's'):>10} {items:>12} {volume:>12} {usual:6.0%}")
 
 
 def in_units(value, unit):

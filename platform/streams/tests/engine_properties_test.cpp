@@ -163,11 +163,13 @@ void expect_large_as_small(std::int32_t id, int isa, std::size_t lead, std::size
   tbb::task_arena arena(7);
   owned_stream stream(id);
   stream.bits(lead);
-  const auto storage = std::make_unique_for_overwrite<T[]>(n + 128 / sizeof(T));
+  constexpr std::size_t line = 64 / sizeof(T);
+  const auto storage = std::make_unique_for_overwrite<T[]>(n + 3 * line);
   const std::size_t to_line = -reinterpret_cast<std::uintptr_t>(storage.get()) % 64 / sizeof(T);
-  T* const whole = storage.get() + to_line + offset;
-  whole[n] = T(77);
+  T* const whole = storage.get() + to_line + line + offset;
+  whole[-1] = whole[n] = T(77);
   ASSERT_EQ(arena.execute([&] { return call(stream, std::int64_t{n}, whole); }), VQS_STATUS_OK);
+  EXPECT_EQ(whole[-1], T(77));
   EXPECT_EQ(whole[n], T(77));
   owned_stream pieces(id);
   pieces.bits(lead);
