@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 #include <hvl/streams.h>
@@ -13,70 +12,58 @@ namespace kestro::hvl::rng::detail {
 namespace gpu {
 
 /// Words as they are.
-template <class Distribution>
 struct words_32 {
-  using distribution_type = Distribution;
-  static constexpr int words_per_value = 1;
-  template <std::size_t N>
-  void operator()(const raw_word (&words)[N], std::uint32_t (&values)[N]) const {
-    for (std::size_t k = 0; k < N; ++k)
-      values[k] = words[k];
+  using result_type = std::uint32_t;
+  using uniform_type = raw_word;
+  static constexpr word_use words{1, 1};
+
+  void operator()(const word_group<raw_word, 1>& group, std::uint32_t (&values)[1]) const {
+    values[0] = group.raw[0];
   }
 };
 
 /// Two words a value, the first one low.
-template <class Distribution>
 struct words_64 {
-  using distribution_type = Distribution;
-  static constexpr int words_per_value = 2;
-  template <std::size_t N>
-  void operator()(const raw_word (&words)[N], std::uint64_t (&values)[N / 2]) const {
-    for (std::size_t k = 0; k < N / 2; ++k)
-      values[k] = std::uint64_t{words[2 * k + 1]} << 32 | words[2 * k];
-  }
-};
+  using result_type = std::uint64_t;
+  using uniform_type = raw_word;
+  static constexpr word_use words{2, 1};
 
-template <class Distribution, template <class> class Transform>
-struct bits_traits {
-  static constexpr bool has_substreams = false;
-  static constexpr int words_per_value = Transform<Distribution>::words_per_value;
-  static constexpr bool in_pairs = false;
-  using computation_type = raw_word;
-  using transform = Transform<Distribution>;
-  static transform device_transform(const Distribution&) { return {}; }
+  void operator()(const word_group<raw_word, 2>& group, std::uint64_t (&values)[1]) const {
+    values[0] = std::uint64_t{group.raw[1]} << 32 | group.raw[0];
+  }
 };
 
 } // namespace gpu
 
 template <>
-struct distribution_traits<bits<std::uint32_t>> : gpu::bits_traits<bits<std::uint32_t>, gpu::words_32> {
+struct distribution_traits<bits<std::uint32_t>> {
   static constexpr const char* name = "bits";
   static constexpr bool needs_uniform_bits = false;
+  static constexpr bool has_substreams = false;
+
+  static gpu::words_32 transform_of(const bits<std::uint32_t>&) { return {}; }
+
   static int generate_on_host(const bits<std::uint32_t>&, vqs_stream stream, std::int64_t n,
                               std::uint32_t* r) {
     return viRngUniformBits_64(0, stream, n, r);
   }
 };
 
-template <>
-struct distribution_traits<uniform_bits<std::uint32_t>>
-    : gpu::bits_traits<uniform_bits<std::uint32_t>, gpu::words_32> {
+template <class T>
+struct distribution_traits<uniform_bits<T>> {
   static constexpr const char* name = "uniform_bits";
   static constexpr bool needs_uniform_bits = true;
-  static int generate_on_host(const uniform_bits<std::uint32_t>&, vqs_stream stream, std::int64_t n,
-                              std::uint32_t* r) {
-    return viRngUniformBits32_64(0, stream, n, r);
-  }
-};
+  static constexpr bool has_substreams = false;
 
-template <>
-struct distribution_traits<uniform_bits<std::uint64_t>>
-    : gpu::bits_traits<uniform_bits<std::uint64_t>, gpu::words_64> {
-  static constexpr const char* name = "uniform_bits";
-  static constexpr bool needs_uniform_bits = true;
-  static int generate_on_host(const uniform_bits<std::uint64_t>&, vqs_stream stream, std::int64_t n,
-                              std::uint64_t* r) {
-    return viRngUniformBits64_64(0, stream, n, r);
+  static auto transform_of(const uniform_bits<T>&) {
+    return std::conditional_t<sizeof(T) == 4, gpu::words_32, gpu::words_64>();
+  }
+
+  static int generate_on_host(const uniform_bits<T>&, vqs_stream stream, std::int64_t n, T* r) {
+    if constexpr (sizeof(T) == 4)
+      return viRngUniformBits32_64(0, stream, n, r);
+    else
+      return viRngUniformBits64_64(0, stream, n, r);
   }
 };
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <hvl/math/ops.hpp>
-#include <hvl/math/transforms/words.hpp>
+#include <hvl/math/transforms/inverse_cdf.hpp>
 #include <sycl/sycl.hpp>
+
+#include "framework/transform.hpp"
 
 namespace kestro::hvl::rng::detail::gpu {
 
@@ -17,12 +19,15 @@ struct device_ops : ::hvl::math::scalar_ops<T> {
   }
 };
 
-/// The declaration of a method's words, as the framework asks for it.
-constexpr int words_per_value_of(::hvl::math::word_use use) {
-  return static_cast<int>(use.words / use.values);
-}
-constexpr bool in_pairs_of(::hvl::math::word_use use) {
-  return use.values == 2;
-}
+/// The last step of accurate methods: the values of `Plain`, none below `Displacement`, which is a member of it.
+template <class Plain, auto Displacement>
+struct raised : Plain {
+  void operator()(const word_group<typename Plain::uniform_type, Plain::words.words>& group,
+                  typename Plain::result_type (&values)[Plain::words.values]) const {
+    Plain::operator()(group, values);
+    for (auto& value : values)
+      value = ::hvl::math::raised_to<device_ops<typename Plain::result_type>>(value, this->*Displacement);
+  }
+};
 
 } // namespace kestro::hvl::rng::detail::gpu

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
@@ -18,21 +17,21 @@ namespace gpu {
 /// method: there the methods differ in their computation type only.
 template <class T, class Computation, class Method>
 struct uniform_transform {
-  using distribution_type = uniform<T, Method>;
-  static constexpr int words_per_value = 1;
+  using result_type = T;
+  using uniform_type = Computation;
+  static constexpr word_use words{1, 1};
 
   Computation a, b;
 
-  template <std::size_t N>
-  void operator()(const Computation (&u)[N], T (&values)[N]) const {
-    for (std::size_t k = 0; k < N; ++k) {
-      if constexpr (std::is_integral_v<T>)
-        values[k] = ::hvl::streams::floor_to<T>(u[k]);
-      else if constexpr (std::is_same_v<Method, uniform_method::accurate>)
-        values[k] = ::hvl::streams::clamp_to(u[k], a, b);
-      else
-        values[k] = u[k];
-    }
+  interval<Computation> uniforms() const { return {a, b}; }
+  void operator()(const word_group<Computation, 1>& group, T (&values)[1]) const {
+    const Computation u = group.uniforms[0];
+    if constexpr (std::is_integral_v<T>)
+      values[0] = ::hvl::streams::floor_to<T>(u);
+    else if constexpr (std::is_same_v<Method, uniform_method::accurate>)
+      values[0] = ::hvl::streams::clamp_to(u, a, b);
+    else
+      values[0] = u;
   }
 };
 
@@ -50,21 +49,12 @@ struct distribution_traits<uniform<T, Method>> {
   static constexpr const char* name = "uniform";
   static constexpr bool needs_uniform_bits = false;
   static constexpr bool has_substreams = true;
-  static constexpr int words_per_value = 1;
-  static constexpr bool in_pairs = false;
 
-  using computation_type =
-      std::conditional_t<std::is_floating_point_v<T>, T, std::conditional_t<is_accurate, double, float>>;
-  using transform = std::conditional_t<is_accurate, gpu::uniform_std_accurate<T, computation_type>,
-                                       gpu::uniform_std<T, computation_type>>;
-
-  static interval<computation_type> uniforms(const uniform<T, Method>& d) {
-    return {static_cast<computation_type>(d.a()), static_cast<computation_type>(d.b())};
-  }
-
-  static transform device_transform(const uniform<T, Method>& d) {
-    const auto bounds = uniforms(d);
-    return {bounds.a, bounds.b};
+  static auto transform_of(const uniform<T, Method>& d) {
+    using computation_type =
+        std::conditional_t<std::is_floating_point_v<T>, T, std::conditional_t<is_accurate, double, float>>;
+    return gpu::uniform_transform<T, computation_type, Method>{static_cast<computation_type>(d.a()),
+                                                               static_cast<computation_type>(d.b())};
   }
 
   static int generate_on_host(const uniform<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {

@@ -82,8 +82,8 @@ struct mcg_kernel {
     }
   };
 
-  static cursor at(const state& from, std::int64_t item) {
-    const word_type jump = gpu::power<Modulus>(from.a, 4 * static_cast<std::uint64_t>(item));
+  static cursor at(const state& from, std::int64_t block) {
+    const word_type jump = gpu::power<Modulus>(from.a, 4 * static_cast<std::uint64_t>(block));
     return {Modulus::multiply(from.x, jump), from.a};
   }
 };

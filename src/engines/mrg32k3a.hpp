@@ -113,9 +113,9 @@ struct engine_kernel<mrg32k3a> {
     }
   };
 
-  static cursor at(const state& from, std::int64_t item) {
+  static cursor at(const state& from, std::int64_t block) {
     cursor result{from};
-    gpu::mrg32k3a_skip(&result.s, item * 4 * blocks_per_item);
+    gpu::mrg32k3a_skip(&result.s, 4 * block);
     return result;
   }
 };
@@ -146,16 +146,15 @@ struct mrg32k3a_row {
 };
 
 /// The kernel of the substream modes: work-item i makes every value of the call that belongs to substream i.
-template <class T, class Computation, class Transform, class Coefficients, class Output>
+template <class Transform, class Output>
 class engine_func_sub_seq {
-  static constexpr int steps_per_value = Transform::words_per_value;
+  using writer = value_writer<mrg32k3a, Transform, Output>;
+  static_assert(writer::group_values == 1);
 
  public:
   engine_func_sub_seq(Output output, const tag_vqs_sycl_brng_mrg32k3a_stream_t& state,
-                      const mrg32k3a_row& row, const Coefficients& coefficients, const Transform& transform,
-                      std::int64_t n)
-      : output_(output), state_(state), row_(row), coefficients_(coefficients), transform_(transform), n_(n) {
-  }
+                      const mrg32k3a_row& row, const Transform& transform, std::int64_t n)
+      : state_(state), row_(row), writer_(output, transform, n), n_(n) {}
 
   void operator()(sycl::id<1> id) const {
     const auto item = static_cast<std::int64_t>(id[0]);
@@ -167,31 +166,27 @@ class engine_func_sub_seq {
     mrg32k3a_skipahead_substream(&s, static_cast<std::uint64_t>(item));
     int ahead = static_cast<int>(row_.first_steps); // of the first row, not taken yet
     if (in_first_row) {
-      store(j, s);
+      write(j, s);
       j += row_.substreams;
-      ahead -= steps_per_value;
+      ahead -= writer::group_words;
     }
     for (; ahead > 0; --ahead)
       mrg32k3a_step(s);
     for (; j < n_; j += row_.substreams)
-      store(j, s);
+      write(j, s);
   }
 
  private:
-  void store(std::int64_t j, tag_vqs_sycl_brng_mrg32k3a_stream_t& s) const {
-    Computation uniforms[steps_per_value];
-    for (auto& uniform : uniforms)
-      uniform = from_word<mrg32k3a, Computation>(mrg32k3a_step(s), coefficients_);
-    T value[1];
-    transform_(uniforms, value);
-    output_[static_cast<std::size_t>(j)] = value[0];
+  void write(std::int64_t j, tag_vqs_sycl_brng_mrg32k3a_stream_t& s) const {
+    std::uint32_t words[writer::group_words];
+    for (auto& word : words)
+      word = mrg32k3a_step(s);
+    writer_.write(words, j);
   }
 
-  Output output_;
   tag_vqs_sycl_brng_mrg32k3a_stream_t state_;
   mrg32k3a_row row_;
-  Coefficients coefficients_;
-  Transform transform_;
+  writer writer_;
   std::int64_t n_;
 };
 
@@ -199,63 +194,48 @@ class engine_func_sub_seq {
 
 /// In the substream modes the CPU device runs the same kernel as a GPU, and so makes the same numbers.
 template <>
-struct engine_generation<mrg32k3a> : plain_generation<mrg32k3a> {
-  using impl_type = engine_base_impl<mrg32k3a>;
+struct engine_generation<mrg32k3a> : generation_at_position<mrg32k3a> {
+  static constexpr bool has_substream_modes = true;
 
   template <class DistributionImpl, class Target>
-  static sycl::event on_host(impl_type& impl, sycl::queue& queue, const DistributionImpl& distribution,
-                             std::int64_t n, const Target& target) {
-    if (!impl.extension().has_substreams())
-      return plain_generation::on_host(impl, queue, distribution, n, target);
-    return in_substreams(impl, queue, distribution.on_device(), n, target);
-  }
-
-  template <class DistributionImpl, class Target>
-  static sycl::event on_device(impl_type& impl, sycl::queue& queue, const DistributionImpl& distribution,
-                               std::int64_t n, const Target& target) {
-    if (!impl.extension().has_substreams())
-      return plain_generation::on_device(impl, queue, distribution, n, target);
-    return in_substreams(impl, queue, distribution, n, target);
-  }
-
- private:
-  template <class DistributionImpl, class Target>
-  static sycl::event in_substreams(impl_type& impl, sycl::queue& queue, const DistributionImpl& distribution,
-                                   std::int64_t n, const Target& target) {
-    using traits = typename DistributionImpl::traits;
-    if constexpr (!traits::has_substreams) {
+  static sycl::event generate_impl_sub_seq(engine_base_impl<mrg32k3a>& impl, sycl::queue& queue,
+                                           const DistributionImpl& distribution, std::int64_t n,
+                                           const Target& target) {
+    if constexpr (!DistributionImpl::traits::has_substreams) {
       throw invalid_argument("rng", "generate",
                              "mrg32k3a with optimal/custom modes doesn't support this distribution");
     } else {
-      using T = typename DistributionImpl::distribution_type::result_type;
-      constexpr std::uint32_t steps = traits::words_per_value;
-      auto& extension = impl.extension();
-      const std::uint32_t substreams = extension.substreams();
-      // A row begun with values of more steps keeps that length, so that no step is used twice.
-      const std::uint32_t first_steps = extension.row_steps > steps ? extension.row_steps : steps;
-      const gpu::mrg32k3a_row row{substreams, extension.offset, first_steps};
-
-      sycl::event event = queue.submit([&](sycl::handler& handler) {
-        auto output = target.on_device(handler, n);
-        const auto coefficients = distribution.template coefficients<mrg32k3a>();
-        const auto transform = distribution.transform();
-        using func = gpu::engine_func_sub_seq<T, typename DistributionImpl::computation_type,
-                                              std::decay_t<decltype(transform)>,
-                                              std::decay_t<decltype(coefficients)>, decltype(output)>;
-        const func kernel(output, engine_kernel<mrg32k3a>::capture(impl.stream()), row, coefficients,
-                          transform, n);
-        if (n > 0)
-          handler.parallel_for(sycl::range<1>(substreams), kernel);
-      });
-
-      const std::uint64_t end = extension.offset + static_cast<std::uint64_t>(n);
-      const std::uint64_t rows = end / substreams;
-      extension.offset = static_cast<std::uint32_t>(end % substreams);
-      if (rows != 0)
-        impl.skip_ahead(first_steps + (rows - 1) * steps);
-      extension.row_steps = extension.offset == 0 ? 0 : rows != 0 ? steps : first_steps;
-      return event;
+      return distribution.with_transform(
+          [&](const auto& transform) { return submit_in_substreams(impl, queue, transform, n, target); });
     }
+  }
+
+ private:
+  template <class Transform, class Target>
+  static sycl::event submit_in_substreams(engine_base_impl<mrg32k3a>& impl, sycl::queue& queue,
+                                          const Transform& transform, std::int64_t n, const Target& target) {
+    constexpr std::uint32_t steps = Transform::words.words;
+    auto& extension = impl.extension();
+    const std::uint32_t substreams = extension.substreams();
+    // A row begun with values of more steps keeps that length, so that no step is used twice.
+    const std::uint32_t first_steps = extension.row_steps > steps ? extension.row_steps : steps;
+    const gpu::mrg32k3a_row row{substreams, extension.offset, first_steps};
+
+    sycl::event event = queue.submit([&](sycl::handler& handler) {
+      auto output = target.on_device(handler, n);
+      const gpu::engine_func_sub_seq<Transform, decltype(output)> kernel(
+          output, engine_kernel<mrg32k3a>::capture(impl.stream()), row, transform, n);
+      if (n > 0)
+        handler.parallel_for(sycl::range<1>(substreams), kernel);
+    });
+
+    const std::uint64_t end = extension.offset + static_cast<std::uint64_t>(n);
+    const std::uint64_t rows = end / substreams;
+    extension.offset = static_cast<std::uint32_t>(end % substreams);
+    if (rows != 0)
+      impl.skip_ahead(first_steps + (rows - 1) * steps);
+    extension.row_steps = extension.offset == 0 ? 0 : rows != 0 ? steps : first_steps;
+    return event;
   }
 };
 

@@ -8,74 +8,67 @@
 
 namespace kestro::hvl::rng {
 namespace detail {
+namespace {
 
-engine_extension<mt19937>::~engine_extension() {
-  if (!device || last.get_info<sycl::info::event::command_execution_status>() ==
-                     sycl::info::event_command_status::complete)
-    return;
-  // The device state lives as long as the work that uses it.
-  sycl::queue queue = device->queue();
-  queue.submit([&](sycl::handler& handler) {
-    handler.depends_on(last);
-    portability::host_task(handler, [state = device] {});
-  });
+constexpr int size = gpu::mt19937_recurrence::size;
+constexpr int middle = gpu::mt19937_recurrence::middle;
+
+} // namespace
+
+void mt19937_state_shift(const std::uint32_t* classic_words, std::uint32_t* out, std::uint32_t index) {
+  std::uint32_t sequence[2 * size];
+  std::copy(classic_words, classic_words + size, sequence);
+  for (std::uint32_t k = 0; k < index; ++k)
+    sequence[size + k] = gpu::mt19937_recurrence().next(sequence + k);
+  std::copy(sequence + index, sequence + index + size, out);
 }
 
-void engine_extension<mt19937>::attach(const sycl::queue& queue, const stream_handle& stream) {
-  device = std::make_shared<mt19937_device_state>(queue, stream.record<vqs_mt19937_record>());
+void mt19937_state_unwind(std::uint32_t* words) {
+  std::uint32_t sequence[2 * size] = {};
+  std::copy(words, words + size, sequence + size);
+  for (int k = size - 1; k >= 0; --k) {
+    // What the twist of words k and k + 1 added; the constant's top bit tells whether it took part.
+    const std::uint32_t mixed = sequence[k + size] ^ sequence[k + middle];
+    const std::uint32_t odd = mixed >> 31;
+    const std::uint32_t joined = (mixed ^ (odd != 0 ? 0x9908B0DF : 0)) << 1 | odd;
+    sequence[k] = joined & 0x80000000;
+    if (k + 1 < size)
+      sequence[k + 1] |= joined & 0x7FFFFFFF;
+  }
+  std::copy(sequence, sequence + size, words);
 }
 
-void engine_extension<mt19937>::store(const stream_handle& stream) const {
-  if (!device)
-    return;
+void engine_kernel<mt19937>::load(const stream_handle& stream, std::uint32_t* words) {
+  const auto& record = stream.record<vqs_mt19937_record>();
+  if (record.position >= size) {
+    std::copy_n(record.words, size, words);
+  } else {
+    mt19937_state_shift(record.words, words, record.position);
+    mt19937_state_unwind(words);
+  }
+}
+
+void engine_kernel<mt19937>::store(const std::uint32_t* words, const stream_handle& stream) {
   auto& record = *static_cast<vqs_mt19937_record*>(stream.get());
-  device->copy_live_words(record.words);
-  record.position = gpu::mt_words;
+  std::copy_n(words, size, record.words);
+  record.position = size;
+}
+
+int engine_kernel<mt19937>::jump(std::uint32_t* words, std::uint64_t distance) {
+  return vqsMt19937Jump(words, distance);
+}
+
+int engine_kernel<mt19937>::jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients) {
+  return vqsMt19937JumpPolynomial(distance, coefficients);
 }
 
 void mt19937_gpu_state_to_vqs_stream(engine_base_impl<mt19937>& engine, vqs_stream stream) {
   const auto& from = engine.up_to_date_stream().record<vqs_mt19937_record>();
   auto& to = *static_cast<vqs_mt19937_record*>(stream);
-  std::copy_n(from.words, gpu::mt_words, to.words);
+  std::copy_n(from.words, size, to.words);
   to.position = from.position;
 }
 
-namespace gpu {
-namespace {
-
-// Up to here stepping on the device takes less time than the polynomial of a new distance.
-constexpr std::uint64_t stepping_words = std::uint64_t{1} << 22;
-
-void skip_ahead_gpu(sycl::queue& queue, engine_base_impl<mt19937>& engine, std::uint64_t n) {
-  auto& extension = engine.extension();
-  const std::size_t lanes = mt19937_plan_for(queue.get_device(), 0).lanes;
-  extension.last = queue.submit([&](sycl::handler& handler) {
-    handler.depends_on(extension.last);
-    const mt_local_words memory(sycl::range<1>(mt19937_window::capacity), handler);
-    handler.parallel_for(sycl::nd_range<1>(lanes, lanes),
-                         mt19937_generate<mt19937_drop>(extension.device->ring(), nullptr, n, 0, memory, {}));
-  });
-  engine.set_in_flight(extension.last);
-}
-
-} // namespace
-
-void skip_ahead(sycl::queue& queue, engine_base_impl<mt19937>& engine, std::uint64_t n) {
-  if (n == 0)
-    return;
-  if (n <= stepping_words) {
-    skip_ahead_gpu(queue, engine, n);
-    return;
-  }
-  auto& extension = engine.extension();
-  extension.last.wait();
-  std::uint32_t words[mt_words];
-  extension.device->copy_live_words(words);
-  check_stream_status(vqsMt19937Jump(words, n), "skip_ahead", "");
-  extension.device->replace_live_words(words);
-}
-
-} // namespace gpu
 } // namespace detail
 
 namespace {
@@ -93,8 +86,8 @@ mt19937::mt19937(sycl::queue queue, std::initializer_list<std::uint32_t> seed)
 
 void mt19937::skip_ahead(std::uint64_t num_to_skip) {
   auto& impl = detail::engine_access::impl<mt19937>(*this, "skip_ahead");
-  if (impl.extension().device)
-    detail::gpu::skip_ahead(queue_, impl, num_to_skip);
+  if (impl.extension().ring)
+    detail::skip_on_ring(queue_, impl, num_to_skip);
   else
     impl.skip_ahead(num_to_skip);
 }

@@ -1,14 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
+#include <hvl/streams_record.h>
 #include <kestro/hvl/rng/engines.hpp>
 
-#include "engines/mt19937_kernels.hpp"
-#include "framework/generation.hpp"
+#include "framework/ring/generation.hpp"
 
-/// mt19937. On a GPU device its state lives in device memory.
 namespace kestro::hvl::rng::detail {
 
 template <>
@@ -18,87 +16,55 @@ struct engine_traits<mt19937> {
   static constexpr bool has_uniform_bits = true;
 };
 
-template <>
-struct engine_kernel<mt19937> {
-  using word_type = std::uint32_t;
-  static constexpr word_scale scale = word_scale::signed32;
-  static constexpr std::uint32_t raw(word_type word) { return word; }
-};
-
-/// The GPU backend's device state, which stands for the stream; the stream is brought up to date when asked for.
-template <>
-struct engine_extension<mt19937> {
-  engine_extension() = default;
-  engine_extension(const engine_extension&) {} // a copy is built from the stream
-  engine_extension& operator=(const engine_extension&) = delete;
-  ~engine_extension();
-
-  void attach(const sycl::queue& queue, const stream_handle& stream);
-  void store(const stream_handle& stream) const;
-
-  std::shared_ptr<mt19937_device_state> device;
-  sycl::event last; // of the work that uses the device state
-};
-
-/// Waits, then writes the device state of an engine to a stream: the 624 live words, all of them used.
-void mt19937_gpu_state_to_vqs_stream(engine_base_impl<mt19937>& engine, vqs_stream stream);
-
 namespace gpu {
 
-/// Advances an engine on a GPU device: on the device, or by a jump on the host where that is faster.
-void skip_ahead(sycl::queue& queue, engine_base_impl<mt19937>& engine, std::uint64_t n);
+struct mt19937_recurrence {
+  static constexpr int size = 624;
+  static constexpr int middle = 397;
+  static constexpr int step = 224;
 
-/// `from_word` of the kernel frame with its coefficients.
-template <class Computation, class Coefficients>
-struct mt19937_from_word {
-  using value_type = Computation;
-  Coefficients coefficients;
-  Computation operator()(std::uint32_t word) const {
-    return from_word<mt19937, Computation>(word, coefficients);
+  constexpr std::uint32_t next(const std::uint32_t* x) const {
+    const std::uint32_t joined = (x[0] & 0x80000000) | (x[1] & 0x7FFFFFFF);
+    return x[middle] ^ joined >> 1 ^ ((0 - (x[1] & 1)) & 0x9908B0DF);
+  }
+  constexpr std::uint32_t output(std::uint32_t y) const {
+    y ^= y >> 11;
+    y ^= y << 7 & 0x9D2C5680;
+    y ^= y << 15 & 0xEFC60000;
+    return y ^ y >> 18;
   }
 };
 
 } // namespace gpu
 
 template <>
-struct engine_generation<mt19937> : plain_generation<mt19937> {
-  template <class DistributionImpl, class Target>
-  static sycl::event on_device(engine_base_impl<mt19937>& impl, sycl::queue& queue,
-                               const DistributionImpl& distribution, std::int64_t n, const Target& target) {
-    using distribution_type = typename DistributionImpl::distribution_type;
+struct engine_kernel<mt19937> {
+  using word_type = std::uint32_t;
+  static constexpr word_scale scale = word_scale::signed32;
+  static constexpr std::uint32_t raw(word_type word) { return word; }
 
-    auto& extension = impl.extension();
-    mt19937_device_state& device = *extension.device;
-    const std::uint64_t words = words_of<distribution_type>(n);
-    const gpu::mt19937_plan plan = gpu::mt19937_plan_for(queue.get_device(), words);
-    const std::uint32_t* states = nullptr;
-    if (plan.segments > 1) {
-      if (!device.has_room_for(plan.segments))
-        extension.last.wait();
-      extension.last = gpu::mt19937_start_segments(queue, device, plan, extension.last);
-      states = device.segment_states(plan.segments);
-    }
-
-    sycl::event event = queue.submit([&](sycl::handler& handler) {
-      auto output = target.on_device(handler, n);
-      handler.depends_on(extension.last);
-      if (n == 0)
-        return;
-      const auto transform = distribution.transform();
-      const auto coefficients = distribution.template coefficients<mt19937>();
-      using from_word = gpu::mt19937_from_word<typename DistributionImpl::computation_type,
-                                               std::decay_t<decltype(coefficients)>>;
-      using emit = gpu::mt19937_emit<typename distribution_type::result_type,
-                                     std::decay_t<decltype(transform)>, from_word, decltype(output)>;
-      const gpu::mt_local_words memory(sycl::range<1>(gpu::mt19937_window::capacity), handler);
-      handler.parallel_for(sycl::nd_range<1>(plan.segments * plan.lanes, plan.lanes),
-                           gpu::mt19937_generate<emit>(device.ring(), states, words, plan.power, memory,
-                                                       emit{output, from_word{coefficients}, transform, n}));
-    });
-    extension.last = event;
-    impl.set_in_flight(event);
-    return event;
-  }
+  using recurrence = gpu::mt19937_recurrence;
+  static recurrence recurrence_of(const stream_handle&) { return {}; }
+  static void load(const stream_handle& stream, std::uint32_t* words);
+  static void store(const std::uint32_t* words, const stream_handle& stream);
+  static int jump(std::uint32_t* words, std::uint64_t distance);
+  static int jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients);
 };
+
+template <>
+struct engine_extension<mt19937> : ring_extension<mt19937> {};
+
+template <>
+struct engine_generation<mt19937> : generation_on_ring<mt19937> {};
+
+/// Writes to `out` the 624 words of the sequence that start at word `index` (0 ... 624) of the block `classic_words`.
+void mt19937_state_shift(const std::uint32_t* classic_words, std::uint32_t* out, std::uint32_t index);
+
+/// Replaces 624 consecutive words of the sequence by the 624 before them. (The lower 31 bits of the first of these
+/// take no part in the sequence and come out 0.)
+void mt19937_state_unwind(std::uint32_t* words);
+
+/// Waits, then writes the device state of an engine to a stream: the 624 live words, all of them used.
+void mt19937_gpu_state_to_vqs_stream(engine_base_impl<mt19937>& engine, vqs_stream stream);
 
 } // namespace kestro::hvl::rng::detail

@@ -90,11 +90,11 @@ struct engine_kernel<philox4x32x10> {
 
   struct cursor {
     const state& from;
-    std::int64_t item;
-    void next(word_type (&words)[4]) { gpu::philox4x32x10_generate(from, item++, words); }
+    std::int64_t block;
+    void next(word_type (&words)[4]) { gpu::philox4x32x10_generate(from, block++, words); }
   };
 
-  static cursor at(const state& from, std::int64_t item) { return {from, item * blocks_per_item}; }
+  static cursor at(const state& from, std::int64_t block) { return {from, block}; }
 };
 
 } // namespace kestro::hvl::rng::detail

@@ -13,25 +13,13 @@
 
 namespace kestro::hvl::rng::detail {
 
-/// The implementation behind an engine object: its stream, what the engine keeps beside it, and the last work
-/// in flight that reads or writes either. Where a kernel has a copy of the state, nothing is in flight.
-template <class Engine>
-class engine_base_impl {
+/// What every engine has: its stream, and the last work in flight that reads or writes its state. Where a kernel has a
+/// copy of the state, nothing is in flight.
+class engine_state {
  public:
-  engine_base_impl(std::int32_t identifier, std::uint64_t seed) : stream_(new_stream(identifier, seed)) {}
-  engine_base_impl(std::int32_t identifier, std::int64_t count, const std::uint32_t* words)
-      : stream_(new_stream(identifier, count, words)) {}
-
-  /// A deep copy of `other` as it stands after all its earlier calls.
-  explicit engine_base_impl(engine_base_impl* other)
-      : stream_(copy_stream(other->up_to_date_stream())), extension_(other->extension_) {}
-
-  /// Takes over a stream.
-  explicit engine_base_impl(stream_handle stream) : stream_(std::move(stream)) {}
-
-  engine_base_impl(const engine_base_impl&) = delete;
-  engine_base_impl& operator=(const engine_base_impl&) = delete;
-  virtual ~engine_base_impl() = default;
+  explicit engine_state(stream_handle stream) : stream_(std::move(stream)) {}
+  engine_state(const engine_state&) = delete;
+  engine_state& operator=(const engine_state&) = delete;
 
   /// On the host, after the work in flight.
   void skip_ahead(std::uint64_t num_to_skip) {
@@ -53,23 +41,47 @@ class engine_base_impl {
     return stream_;
   }
 
-  /// As above, with what lives on the device brought back.
-  const stream_handle& up_to_date_stream() {
-    extension_.store(settled_stream());
-    return stream_;
-  }
-
   /// For submissions, which order themselves behind `in_flight`.
   const stream_handle& stream() const { return stream_; }
   const sycl::event& in_flight() const { return in_flight_; }
   void set_in_flight(sycl::event event) { in_flight_ = std::move(event); }
 
-  engine_extension<Engine>& extension() { return extension_; }
+ protected:
+  ~engine_state() = default;
 
  private:
   stream_handle stream_;
-  engine_extension<Engine> extension_;
   sycl::event in_flight_;
+};
+
+/// The implementation behind an engine object.
+template <class Engine>
+class engine_base_impl : public engine_state {
+ public:
+  engine_base_impl(std::int32_t identifier, std::uint64_t seed)
+      : engine_state(new_stream(identifier, seed)) {}
+  engine_base_impl(std::int32_t identifier, std::int64_t count, const std::uint32_t* words)
+      : engine_state(new_stream(identifier, count, words)) {}
+
+  /// A deep copy of `other` as it stands after all its earlier calls.
+  explicit engine_base_impl(engine_base_impl* other)
+      : engine_state(copy_stream(other->up_to_date_stream())), extension_(other->extension_) {}
+
+  /// Takes over a stream.
+  explicit engine_base_impl(stream_handle stream) : engine_state(std::move(stream)) {}
+
+  virtual ~engine_base_impl() = default;
+
+  /// The settled stream, with what lives on the device brought back.
+  const stream_handle& up_to_date_stream() {
+    extension_.store(settled_stream());
+    return stream();
+  }
+
+  engine_extension<Engine>& extension() { return extension_; }
+
+ private:
+  engine_extension<Engine> extension_;
 };
 
 /// One type per kind of device, so that generation is compiled once for each.

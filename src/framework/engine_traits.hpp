@@ -25,11 +25,11 @@ struct engine_traits;
 ///   using word_type = ...;
 ///   static constexpr word_scale scale;
 ///   static constexpr std::uint32_t raw(word_type);   its 32 bits
-///   static constexpr int blocks_per_item;            blocks of four words that one work-item makes
+///   static constexpr int blocks_per_item;            blocks of four words that repay a jump
 ///   struct state;
 ///   static state capture(const stream_handle&);
 ///   struct cursor { void next(word_type (&words)[4]); };
-///   static cursor at(const state&, std::int64_t item);
+///   static cursor at(const state&, std::int64_t block);   words 4 block, 4 block + 1, ... from the state's position
 template <class Engine>
 struct engine_kernel;
 

@@ -2,70 +2,74 @@
 
 #include <cstdint>
 
+#include "framework/distribution_impl.hpp"
 #include "framework/engine_impl.hpp"
 #include "framework/kernel_frame.hpp"
 #include "framework/output.hpp"
 
 namespace kestro::hvl::rng::detail {
 
-/// How an engine generates. Engines with a way of their own (a device-side state, substreams) specialise it
-/// and fall back to this one where the ordinary way serves.
-template <class Engine>
-struct engine_generation;
-
-/// The ordinary way.
-template <class Engine>
-struct plain_generation {
-  /// The stream advances when the host task runs, so tasks on one engine follow each other.
-  template <class DistributionImpl, class Target>
-  static sycl::event on_host(engine_base_impl<Engine>& impl, sycl::queue& queue,
-                             const DistributionImpl& distribution, std::int64_t n, const Target& target) {
-    sycl::event event = queue.submit([&](sycl::handler& handler) {
-      auto output = target.on_host(handler, n);
-      handler.depends_on(impl.in_flight());
-      portability::host_task(handler, [stream = impl.stream(), distribution, n, output] {
-        if (n == 0)
-          return;
-        const int status = distribution.generate(stream.get(), n, &output[0]);
-        check_stream_status(status, "generate", vqsStatusText(status));
-      });
+/// On a CPU device the stream library generates, for engines of every type alike. The stream advances when the host task
+/// runs, so tasks on one engine follow each other.
+template <class DistributionImpl, class Target>
+sycl::event generate_on_host(engine_state& state, sycl::queue& queue, const DistributionImpl& distribution,
+                             std::int64_t n, const Target& target) {
+  sycl::event event = queue.submit([&](sycl::handler& handler) {
+    auto output = target.on_host(handler, n);
+    handler.depends_on(state.in_flight());
+    portability::host_task(handler, [stream = state.stream(), distribution, n, output] {
+      if (n == 0)
+        return;
+      const int status = distribution.generate(stream.get(), n, &output[0]);
+      check_stream_status(status, "generate", vqsStatusText(status));
     });
-    impl.set_in_flight(event);
-    return event;
-  }
+  });
+  state.set_in_flight(event);
+  return event;
+}
 
-  /// The kernel has a copy of the state; the stream advances here, so that the next call need not wait.
-  template <class DistributionImpl, class Target>
-  static sycl::event on_device(engine_base_impl<Engine>& impl, sycl::queue& queue,
-                               const DistributionImpl& distribution, std::int64_t n, const Target& target) {
-    using distribution_type = typename DistributionImpl::distribution_type;
-    return queue.submit([&](sycl::handler& handler) {
+/// How an engine whose words follow from a position generates on a GPU device. The kernel has a copy of the state; the
+/// stream advances once it is submitted, so that the next call need not wait. Engines with a way of their own specialise
+/// `engine_generation`.
+template <class Engine>
+struct generation_at_position {
+  static constexpr bool has_substream_modes = false;
+
+  template <class Transform, class Target>
+  static sycl::event submit(engine_base_impl<Engine>& impl, sycl::queue& queue, const Transform& transform,
+                            std::uint64_t words, std::int64_t n, const Target& target) {
+    sycl::event event = queue.submit([&](sycl::handler& handler) {
       auto output = target.on_device(handler, n);
-      using func = gpu::engine_func<Engine, typename distribution_type::result_type,
-                                    typename DistributionImpl::computation_type,
-                                    typename DistributionImpl::transform_type, decltype(output)>;
-      const func kernel(output, engine_kernel<Engine>::capture(impl.stream()),
-                        distribution.template coefficients<Engine>(), distribution.transform(), n);
-      impl.skip_ahead(words_of<distribution_type>(n));
+      using func = gpu::engine_func<Engine, typename Transform::result_type, typename Transform::uniform_type,
+                                    Transform, decltype(output)>;
+      const func kernel(output, engine_kernel<Engine>::capture(impl.stream()), transform, n);
       if (n > 0)
         handler.parallel_for(sycl::range<1>(static_cast<std::size_t>((n + func::width - 1) / func::width)),
                              kernel);
     });
+    impl.skip_ahead(words);
+    return event;
   }
 };
 
 template <class Engine>
-struct engine_generation : plain_generation<Engine> {};
+struct engine_generation : generation_at_position<Engine> {};
 
 template <class Engine, device_type Device>
 template <class DistributionImpl, class Target>
 sycl::event engine_base_impl_backend<Engine, Device>::generate(sycl::queue& queue,
                                                                const DistributionImpl& distribution,
                                                                std::int64_t n, const Target& target) {
+  using generation = engine_generation<Engine>;
+  if constexpr (generation::has_substream_modes)
+    if (this->extension().has_substreams())
+      return generation::generate_impl_sub_seq(*this, queue, distribution, n, target);
   if constexpr (Device == device_type::cpu)
-    return engine_generation<Engine>::on_host(*this, queue, distribution, n, target);
+    return generate_on_host(*this, queue, distribution, n, target);
   else
-    return engine_generation<Engine>::on_device(*this, queue, distribution, n, target);
+    return distribution.with_transform([&](const auto& transform) {
+      return generation::submit(*this, queue, transform, distribution.words_of(n), n, target);
+    });
 }
 
 } // namespace kestro::hvl::rng::detail

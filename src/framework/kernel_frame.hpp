@@ -1,79 +1,123 @@
 #pragma once
 
 #include <cstdint>
+#include <numeric>
 #include <type_traits>
 
-#include "framework/distribution_impl.hpp"
 #include "framework/engine_traits.hpp"
+#include "framework/transform.hpp"
 
+/// The one frame from words to values. Kernels differ in where their words come from; `value_writer` does the rest.
 namespace kestro::hvl::rng::detail::gpu {
 
-/// An engine's word as the transform takes it.
-template <class Engine, class Computation, class Coefficients>
-constexpr Computation from_word(typename engine_kernel<Engine>::word_type word,
-                                const Coefficients& coefficients) {
-  using kernel = engine_kernel<Engine>;
-  if constexpr (std::is_same_v<Computation, raw_word>)
-    return kernel::raw(word);
-  else if constexpr (kernel::scale == word_scale::signed32)
-    return ::hvl::streams::uniform_value<Computation>(static_cast<std::int32_t>(word), coefficients);
-  else
-    return ::hvl::streams::uniform_value<Computation>(word, coefficients);
+/// The coefficients that carry words of `Engine` to the uniforms that `transform` takes.
+template <class Engine, class Transform>
+auto coefficients_for(const Transform& transform) {
+  using uniform_type = typename Transform::uniform_type;
+  if constexpr (std::is_same_v<uniform_type, raw_word>) {
+    return std::monostate{};
+  } else {
+    const interval<uniform_type> u = transform.uniforms();
+    return ::hvl::streams::uniform_coefficients<uniform_type>(engine_kernel<Engine>::scale, u.a, u.b);
+  }
 }
 
-/// The kernel of one engine and one distribution: a work-item makes `width` consecutive values from its own
-/// copy of the state and stores them whole, or, at the end of the output, as many as belong to it.
-template <class Engine, class T, class Computation, class Transform, class Output>
-class engine_func {
+/// Makes values of an engine's words and stores those that belong to the call.
+template <class Engine, class Transform, class Output>
+class value_writer {
   using kernel = engine_kernel<Engine>;
-  using coefficients_type =
-      decltype(std::declval<distribution_impl<T, typename Transform::distribution_type, device_type::gpu>>()
-                   .template coefficients<Engine>());
+  using word_type = typename kernel::word_type;
+  using uniform_type = typename Transform::uniform_type;
 
  public:
-  static constexpr int values_per_block = 4 / Transform::words_per_value;
-  static constexpr std::int32_t width = values_per_block * kernel::blocks_per_item;
+  static constexpr int group_words = Transform::words.words;
+  static constexpr int group_values = Transform::words.values;
 
-  engine_func(Output output, const typename kernel::state& state, const coefficients_type& coefficients,
-              const Transform& transform, std::int64_t n)
-      : output_(output), state_(state), coefficients_(coefficients), transform_(transform), n_(n),
-        full_items_(n / width) {}
+  /// Groups whose words fill blocks of four.
+  static constexpr int unit_words = std::lcm(4, group_words);
+  static constexpr int unit_groups = unit_words / group_words;
+  static constexpr int unit_values = unit_groups * group_values;
 
-  void operator()(sycl::id<1> id) const {
-    const auto item = static_cast<std::int64_t>(id[0]);
-    auto cursor = kernel::at(state_, item);
-    for (int block = 0; block < kernel::blocks_per_item; ++block) {
-      typename kernel::word_type words[4];
-      cursor.next(words);
-      Computation uniforms[4];
-      for (int k = 0; k < 4; ++k)
-        uniforms[k] = from_word<Engine, Computation>(words[k], coefficients_);
-      T values[values_per_block];
-      transform_(uniforms, values);
-      store(values, item, item * width + block * values_per_block);
+  value_writer(Output output, const Transform& transform, std::int64_t n)
+      : output_(output), coefficients_(coefficients_for<Engine>(transform)), transform_(transform), n_(n) {}
+
+  /// Consecutive groups; `first` is the index of their first value.
+  template <std::size_t Words>
+  void write(const word_type (&words)[Words], std::int64_t first) const {
+    static_assert(Words % group_words == 0);
+    constexpr int groups = static_cast<int>(Words) / group_words;
+    typename Transform::result_type values[groups][group_values];
+    for (int g = 0; g < groups; ++g) {
+      word_group<uniform_type, group_words> group;
+      for (int k = 0; k < group_words; ++k) {
+        const word_type word = words[g * group_words + k];
+        group.raw[k] = kernel::raw(word);
+        if constexpr (std::is_same_v<uniform_type, raw_word>)
+          group.uniforms[k] = kernel::raw(word);
+        else if constexpr (kernel::scale == word_scale::signed32)
+          group.uniforms[k] =
+              ::hvl::streams::uniform_value<uniform_type>(static_cast<std::int32_t>(word), coefficients_);
+        else
+          group.uniforms[k] = ::hvl::streams::uniform_value<uniform_type>(word, coefficients_);
+      }
+      group.first = first + g * group_values;
+      transform_(group, values[g]);
+    }
+    constexpr int count = groups * group_values;
+    if (first + count <= n_) {
+      for (int k = 0; k < count; ++k)
+        output_[static_cast<std::size_t>(first + k)] = values[k / group_values][k % group_values];
+    } else {
+      for (int k = 0; k < count; ++k)
+        if (first + k < n_)
+          output_[static_cast<std::size_t>(first + k)] = values[k / group_values][k % group_values];
     }
   }
 
  private:
-  // Written so that the compiler can split the loop over work-items at the last full one and vectorise the
-  // rest.
-  void store(const T (&values)[values_per_block], std::int64_t item, std::int64_t first) const {
-    if (item < full_items_) {
-      for (int k = 0; k < values_per_block; ++k)
-        output_[static_cast<std::size_t>(first + k)] = values[k];
-    } else {
-      for (int k = 0; k < values_per_block; ++k)
-        if (first + k < n_)
-          output_[static_cast<std::size_t>(first + k)] = values[k];
+  Output output_;
+  [[no_unique_address]] decltype(coefficients_for<Engine>(std::declval<const Transform&>())) coefficients_;
+  Transform transform_;
+  std::int64_t n_;
+};
+
+/// The kernel of an engine whose words follow from a position: a work-item makes `width` consecutive values from its own
+/// copy of the state.
+template <class Engine, class T, class I, class Transform, class Output>
+class engine_func {
+  using kernel = engine_kernel<Engine>;
+  using writer = value_writer<Engine, Transform, Output>;
+  static_assert(std::is_same_v<T, typename Transform::result_type> &&
+                std::is_same_v<I, typename Transform::uniform_type>);
+
+  static constexpr int unit_blocks = writer::unit_words / 4;
+  static constexpr int units_per_item =
+      kernel::blocks_per_item < unit_blocks ? 1 : kernel::blocks_per_item / unit_blocks;
+
+ public:
+  static constexpr std::int32_t width = units_per_item * writer::unit_values;
+
+  engine_func(Output output, const typename kernel::state& state, const Transform& transform, std::int64_t n)
+      : state_(state), writer_(output, transform, n) {}
+
+  void operator()(sycl::id<1> id) const {
+    const auto item = static_cast<std::int64_t>(id[0]);
+    auto cursor = kernel::at(state_, item * (units_per_item * unit_blocks));
+    for (int unit = 0; unit < units_per_item; ++unit) {
+      typename kernel::word_type words[writer::unit_words];
+      for (int block = 0; block < unit_blocks; ++block) {
+        typename kernel::word_type next[4];
+        cursor.next(next);
+        for (int k = 0; k < 4; ++k)
+          words[4 * block + k] = next[k];
+      }
+      writer_.write(words, item * width + unit * writer::unit_values);
     }
   }
 
-  Output output_;
+ private:
   typename kernel::state state_;
-  [[no_unique_address]] coefficients_type coefficients_;
-  Transform transform_;
-  std::int64_t n_;
-  std::int64_t full_items_;
+  writer writer_;
 };
 
 } // namespace kestro::hvl::rng::detail::gpu

@@ -68,17 +68,24 @@ class generator_impl final : public generator<Distribution> {
   void skip_ahead(std::int64_t n) override {
     if constexpr (std::is_same_v<Engine, mt19937>) {
       auto& impl = engine_access::impl<Engine>(engine_, "skip_ahead");
-      if (impl.extension().device != nullptr) {
+      if (impl.extension().ring != nullptr) {
         mt19937_gpu_state_to_vqs_stream(impl, stream_);
         return;
       }
     }
-    check_stream_status(vqsSkipAheadStream_64(stream_, words_of<Distribution>(n)), "skip_ahead", "");
+    check_stream_status(vqsSkipAheadStream_64(stream_, described().words_of(n)), "skip_ahead", "");
   }
 
-  std::int64_t get_scale() const override { return distribution_traits<Distribution>::words_per_value; }
+  std::int64_t get_scale() const override {
+    const word_use use = described().words();
+    return use.words / use.values;
+  }
 
  private:
+  auto described() const {
+    return distribution_impl<result_type, Distribution, device_type::gpu>(distribution_);
+  }
+
   static std::unique_ptr<engine_base_impl<Engine>> engine_impl_of(const sycl::queue& queue,
                                                                   vqs_stream stream) {
     if (device_type_of(queue.get_device(), "generate") == device_type::cpu) {

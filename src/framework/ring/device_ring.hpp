@@ -1,0 +1,110 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+
+#include <sycl/sycl.hpp>
+
+#include "framework/engine_traits.hpp"
+
+/// Engines that run a recurrence over a ring of words in device memory. Each specialises `engine_kernel` with
+///
+///   using word_type = std::uint32_t;
+///   static constexpr word_scale scale;
+///   static constexpr std::uint32_t raw(word_type);
+///   using recurrence = ...;                              trivially copyable; its parameters, and
+///     static constexpr int size, middle;                   words of a state, and the middle one that a new word takes
+///     static constexpr int step;                           new words that depend on live ones only; a multiple of 4
+///     std::uint32_t next(const std::uint32_t* x) const;    x[size] from x[0], x[1] and x[middle]
+///     std::uint32_t output(std::uint32_t) const;           what the engine gives out of a word
+///   static recurrence recurrence_of(const stream_handle&);
+///   static void load(const stream_handle&, std::uint32_t* words);   the `size` words before the next output
+///   static void store(const std::uint32_t* words, const stream_handle&);
+///   static int jump(std::uint32_t* words, std::uint64_t distance);  statuses of the stream library
+///   static int jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients);   `size` words of bits: word distance + j
+///                                             of the sequence is the exclusive or of the words 1 + i + j over set bits i
+namespace kestro::hvl::rng::detail {
+
+/// `size` live words, the last that were given out, in a ring with room for `step` more; behind the ring the place of the
+/// oldest. Also holds what calls of many segments need.
+template <class Engine>
+class device_ring {
+  using kernel = engine_kernel<Engine>;
+
+ public:
+  using recurrence_type = typename kernel::recurrence;
+  static constexpr int size = recurrence_type::size;
+  static constexpr int ring_words = size + recurrence_type::step;
+
+  /// Throws `device_bad_alloc`.
+  device_ring(const sycl::queue& queue, const stream_handle& stream)
+      : queue_(queue), recurrence_(kernel::recurrence_of(stream)),
+        ring_(allocate(ring_words + 1, sycl::usm::alloc::shared)) {
+    std::uint32_t words[size];
+    kernel::load(stream, words);
+    replace_live_words(words);
+  }
+
+  const sycl::queue& queue() const { return queue_; }
+  const recurrence_type& recurrence() const { return recurrence_; }
+  std::uint32_t* ring() { return ring_.get(); }
+
+  /// The live words, oldest first. No work may be in flight, here and in replace_live_words.
+  void copy_live_words(std::uint32_t* words) const {
+    const std::uint32_t oldest = ring_[ring_words];
+    for (std::uint32_t k = 0; k < size; ++k)
+      words[k] = ring_[(oldest + k) % ring_words];
+  }
+  void replace_live_words(const std::uint32_t* words) {
+    std::copy(words, words + size, ring_.get());
+    std::fill(ring_.get() + size, ring_.get() + ring_words + 1, 0u);
+  }
+
+  /// Room for the start states of `segments` segments. It may grow only when no work is in flight.
+  bool has_room_for(std::size_t segments) const { return segments <= segments_; }
+  std::uint32_t* segment_states(std::size_t segments) {
+    if (!has_room_for(segments)) {
+      states_ = allocate(segments * size, sycl::usm::alloc::device);
+      segments_ = segments;
+    }
+    return states_.get();
+  }
+
+  /// The polynomial that jumps 2^power words.
+  const std::uint32_t* jump_polynomial(int power) {
+    if (!polynomials_)
+      polynomials_ = allocate(64 * size, sycl::usm::alloc::host);
+    std::uint32_t* const polynomial = polynomials_.get() + power * size;
+    const std::uint64_t distance = std::uint64_t{1} << power;
+    if ((known_powers_ & distance) == 0) {
+      check_stream_status(kernel::jump_polynomial(distance, polynomial), "generate", "no jump polynomial");
+      known_powers_ |= distance;
+    }
+    return polynomial;
+  }
+
+ private:
+  struct release {
+    sycl::queue queue;
+    void operator()(std::uint32_t* memory) const { sycl::free(memory, queue); }
+  };
+  using usm_words = std::unique_ptr<std::uint32_t[], release>;
+
+  usm_words allocate(std::size_t words, sycl::usm::alloc kind) const {
+    auto* const memory = sycl::malloc<std::uint32_t>(words, queue_, kind);
+    if (memory == nullptr)
+      throw device_bad_alloc("rng", engine_traits<Engine>::name, queue_.get_device());
+    return usm_words(memory, release{queue_});
+  }
+
+  sycl::queue queue_;
+  recurrence_type recurrence_;
+  usm_words ring_;
+  usm_words states_;
+  std::size_t segments_ = 0;
+  usm_words polynomials_;
+  std::uint64_t known_powers_ = 0;
+};
+
+} // namespace kestro::hvl::rng::detail

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "framework/generation.hpp"
+#include "framework/ring/segments.hpp"
+
+/// Engines on a ring: their state on a GPU device lives in device memory, so every call follows the one before.
+namespace kestro::hvl::rng::detail {
+
+/// The GPU backend's ring, which stands for the stream; the stream is brought up to date when asked for.
+template <class Engine>
+struct ring_extension {
+  ring_extension() = default;
+  ring_extension(const ring_extension&) {} // a copy is built from the stream
+  ring_extension& operator=(const ring_extension&) = delete;
+
+  void attach(const sycl::queue& queue, const stream_handle& stream) {
+    ring = std::make_shared<device_ring<Engine>>(queue, stream);
+  }
+
+  void store(const stream_handle& stream) const {
+    if (!ring)
+      return;
+    std::uint32_t words[device_ring<Engine>::size];
+    ring->copy_live_words(words);
+    engine_kernel<Engine>::store(words, stream);
+  }
+
+  std::shared_ptr<device_ring<Engine>> ring;
+};
+
+template <class Engine>
+struct generation_on_ring {
+  static constexpr bool has_substream_modes = false;
+
+  template <class Transform, class Target>
+  static sycl::event submit(engine_base_impl<Engine>& impl, sycl::queue& queue, const Transform& transform,
+                            std::uint64_t words, std::int64_t n, const Target& target) {
+    using recurrence = typename device_ring<Engine>::recurrence_type;
+    device_ring<Engine>& ring = *impl.extension().ring;
+    const gpu::ring_plan plan = gpu::plan_segments(queue.get_device(), words, recurrence::step);
+    const std::uint32_t* states = nullptr;
+    if (plan.segments > 1) {
+      if (!ring.has_room_for(plan.segments))
+        impl.settled_stream();
+      impl.set_in_flight(gpu::start_segments(queue, ring, plan, impl.in_flight()));
+      states = ring.segment_states(plan.segments);
+    }
+    sycl::event event = queue.submit([&](sycl::handler& handler) {
+      auto output = target.on_device(handler, n);
+      handler.depends_on(impl.in_flight());
+      if (n == 0)
+        return;
+      using emit = gpu::emit_values<gpu::value_writer<Engine, Transform, decltype(output)>>;
+      const gpu::local_words memory(sycl::range<1>(gpu::ring_window<recurrence>::capacity), handler);
+      handler.parallel_for(sycl::nd_range<1>(plan.segments * plan.lanes, plan.lanes),
+                           gpu::ring_generate<recurrence, emit>(ring.recurrence(), ring.ring(), states, words,
+                                                                plan.power, memory,
+                                                                emit{{output, transform, n}}));
+    });
+    impl.set_in_flight(event);
+    return event;
+  }
+};
+
+/// Advances an engine that has a ring: on the device, or by a jump on the host where that is faster.
+template <class Engine>
+void skip_on_ring(sycl::queue& queue, engine_base_impl<Engine>& impl, std::uint64_t n) {
+  using recurrence = typename device_ring<Engine>::recurrence_type;
+  // Up to here stepping on the device takes less time than the polynomial of a new distance.
+  constexpr std::uint64_t stepping_words = std::uint64_t{1} << 22;
+
+  device_ring<Engine>& ring = *impl.extension().ring;
+  if (n == 0)
+    return;
+  if (n <= stepping_words) {
+    const std::size_t lanes = gpu::plan_segments(queue.get_device(), 0, recurrence::step).lanes;
+    impl.set_in_flight(queue.submit([&](sycl::handler& handler) {
+      handler.depends_on(impl.in_flight());
+      const gpu::local_words memory(sycl::range<1>(gpu::ring_window<recurrence>::capacity), handler);
+      handler.parallel_for(sycl::nd_range<1>(lanes, lanes),
+                           gpu::ring_generate<recurrence, gpu::drop_words>(ring.recurrence(), ring.ring(),
+                                                                           nullptr, n, 0, memory, {}));
+    }));
+    return;
+  }
+  impl.settled_stream();
+  std::uint32_t words[device_ring<Engine>::size];
+  ring.copy_live_words(words);
+  check_stream_status(engine_kernel<Engine>::jump(words, n), "skip_ahead", "");
+  ring.replace_live_words(words);
+}
+
+} // namespace kestro::hvl::rng::detail
