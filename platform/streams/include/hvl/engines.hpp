@@ -1,0 +1,8 @@
+// The engines of hvl/engines.def.
+#pragma once
+
+#include "hvl/engines/mcg31m1.hpp"
+#include "hvl/engines/mcg59.hpp"
+#include "hvl/engines/mrg32k3a.hpp"
+#include "hvl/engines/mt19937.hpp"
+#include "hvl/engines/philox4x32x10.hpp"

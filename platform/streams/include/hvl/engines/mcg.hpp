@@ -1,0 +1,43 @@
+// The multiplicative congruential engines: x(k + 1) = a x(k) modulo m. The multiplier travels with the state, so a
+// leapfrogged stream is none the different.
+#pragma once
+
+#include "hvl/engines/facts.hpp"
+#include "hvl/engines/power.hpp"
+
+namespace hvl::engines {
+
+// Modulus has word, and product(a, b) of two residues.
+template <class Modulus>
+struct congruential : Modulus {
+  using Modulus::product;
+  using typename Modulus::word;
+  static constexpr int blocks_per_item = 1;
+
+  // x is the next word.
+  struct state {
+    word x, a;
+  };
+
+  // The exponent is a number, or a span of words.
+  template <class Exponent>
+  static constexpr word power_of(word base, Exponent exponent) {
+    return power(base, exponent, word{1}, [](word a, word b) { return product(a, b); });
+  }
+
+  struct cursor {
+    word x, a;
+    constexpr void next(word (&words)[4]) {
+      for (auto& w : words) {
+        w = x;
+        x = product(x, a);
+      }
+    }
+  };
+
+  static constexpr cursor at(const state& from, std::uint64_t block) {
+    return {product(from.x, power_of(from.a, 4 * block)), from.a};
+  }
+};
+
+} // namespace hvl::engines
