@@ -1,11 +1,9 @@
-#include "engines/mcg.hpp"
-
 #include "framework/engine_instances.hpp"
 
 namespace kestro::hvl::rng {
 
 mcg31m1::mcg31m1(sycl::queue queue, std::uint32_t seed)
-    : engine_base(queue, detail::make_engine_impl<mcg31m1>(queue, detail::engine_traits<mcg31m1>::identifier,
+    : engine_base(queue, detail::make_engine_impl<mcg31m1>(queue, detail::about<mcg31m1>.identifier,
                                                            std::uint64_t{seed})) {}
 
 void mcg31m1::skip_ahead(std::uint64_t num_to_skip) {
@@ -17,8 +15,7 @@ void mcg31m1::leapfrog(std::uint64_t idx, std::uint64_t stride) {
 }
 
 mcg59::mcg59(sycl::queue queue, std::uint64_t seed)
-    : engine_base(queue,
-                  detail::make_engine_impl<mcg59>(queue, detail::engine_traits<mcg59>::identifier, seed)) {}
+    : engine_base(queue, detail::make_engine_impl<mcg59>(queue, detail::about<mcg59>.identifier, seed)) {}
 
 void mcg59::skip_ahead(std::uint64_t num_to_skip) {
   detail::engine_access::impl<mcg59>(*this, "skip_ahead").skip_ahead(num_to_skip);

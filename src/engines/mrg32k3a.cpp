@@ -8,12 +8,11 @@ namespace {
 using impl_ptr = std::unique_ptr<detail::engine_base_impl<mrg32k3a>>;
 
 impl_ptr make(const sycl::queue& queue, std::uint32_t seed) {
-  return detail::make_engine_impl<mrg32k3a>(queue, detail::engine_traits<mrg32k3a>::identifier,
-                                            std::uint64_t{seed});
+  return detail::make_engine_impl<mrg32k3a>(queue, detail::about<mrg32k3a>.identifier, std::uint64_t{seed});
 }
 
 impl_ptr make(const sycl::queue& queue, std::initializer_list<std::uint32_t> seed) {
-  return detail::make_engine_impl<mrg32k3a>(queue, detail::engine_traits<mrg32k3a>::identifier,
+  return detail::make_engine_impl<mrg32k3a>(queue, detail::about<mrg32k3a>.identifier,
                                             static_cast<std::int64_t>(seed.size()), seed.begin());
 }
 

@@ -3,122 +3,15 @@
 #include <cstdint>
 #include <variant>
 
-#include <hvl/mrg32k3a_tables.h>
-#include <hvl/streams_record.h>
-#include <kestro/hvl/rng/engines.hpp>
-
 #include "framework/generation.hpp"
 
 namespace kestro::hvl::rng::detail {
 
-template <>
-struct engine_traits<mrg32k3a> {
-  static constexpr const char* name = "mrg32k3a";
-  static constexpr std::int32_t identifier = VQS_ENGINE_MRG32K3A;
-  static constexpr bool has_uniform_bits = false;
-};
-
 namespace gpu {
 
-/// The three last values of each component, oldest first.
-struct tag_vqs_sycl_brng_mrg32k3a_stream_t {
-  std::uint32_t x[3];
-  std::uint32_t y[3];
-};
-
-/// The modulus 2^32 - c.
-template <std::uint32_t C>
-struct modulus_2_32_minus {
-  static constexpr std::uint64_t value = (std::uint64_t{1} << 32) - C;
-
-  /// Any 64-bit value, by folding the high word onto the low one; C is below 2^15.
-  static constexpr std::uint32_t reduce(std::uint64_t v) {
-    v = (v >> 32) * C + (v & 0xFFFFFFFF); // below 2^47 + 2^32
-    v = (v >> 32) * C + (v & 0xFFFFFFFF); // below 2^30 + 2^32
-    return static_cast<std::uint32_t>(v >= value ? v - value : v);
-  }
-
-  /// v becomes matrix v; the matrix is stored row by row.
-  static constexpr void multiply(const std::uint32_t* matrix, std::uint32_t (&v)[3]) {
-    std::uint32_t product[3] = {};
-    for (int row = 0; row < 3; ++row) {
-      std::uint64_t sum = 0;
-      for (int column = 0; column < 3; ++column)
-        sum += reduce(std::uint64_t{matrix[3 * row + column]} * v[column]);
-      product[row] = reduce(sum);
-    }
-    for (int row = 0; row < 3; ++row)
-      v[row] = product[row];
-  }
-};
-
-using mrg32k3a_m1 = modulus_2_32_minus<209>;
-using mrg32k3a_m2 = modulus_2_32_minus<22853>;
-
-/// One step of both components. Returns z in [1, m1]; m1 stands for equal components.
-constexpr std::uint32_t mrg32k3a_step(tag_vqs_sycl_brng_mrg32k3a_stream_t& s) {
-  const std::uint64_t m1 = mrg32k3a_m1::value, m2 = mrg32k3a_m2::value;
-  const std::uint32_t x = mrg32k3a_m1::reduce(std::uint64_t{1403580} * s.x[1] + 810728 * (m1 - s.x[0]));
-  const std::uint32_t y = mrg32k3a_m2::reduce(std::uint64_t{527612} * s.y[2] + 1370589 * (m2 - s.y[0]));
-  s = {{s.x[1], s.x[2], x}, {s.y[1], s.y[2], y}};
-  return x > y ? x - y : static_cast<std::uint32_t>(m1 - y + x);
-}
-
-/// Jumps n steps: one precomputed power for each nonzero base-8 digit of n. Powers of one matrix commute, so each is
-/// applied to the state directly.
-constexpr void mrg32k3a_skip(tag_vqs_sycl_brng_mrg32k3a_stream_t* s, std::int64_t n) {
-  for (int place = 0; n != 0; ++place, n >>= 3) {
-    const int digit = static_cast<int>(n & 7);
-    if (digit != 0) {
-      mrg32k3a_m1::multiply(::hvl::streams::mrg32k3a_jump_x[7 * place + digit - 1], s->x);
-      mrg32k3a_m2::multiply(::hvl::streams::mrg32k3a_jump_y[7 * place + digit - 1], s->y);
-    }
-  }
-}
-
-/// Jumps k substreams of 2^76 steps; k is below 2^51.
-constexpr void mrg32k3a_skipahead_substream(tag_vqs_sycl_brng_mrg32k3a_stream_t* s, std::uint64_t k) {
-  for (int bit = 0; k != 0; ++bit, k >>= 1) {
-    if (k & 1) {
-      mrg32k3a_m1::multiply(::hvl::streams::mrg32k3a_substream_x[bit], s->x);
-      mrg32k3a_m2::multiply(::hvl::streams::mrg32k3a_substream_y[bit], s->y);
-    }
-  }
-}
+using tag_vqs_sycl_brng_mrg32k3a_stream_t = definition_of<mrg32k3a>::state;
 
 } // namespace gpu
-
-template <>
-struct engine_kernel<mrg32k3a> {
-  using word_type = std::uint32_t;
-  static constexpr word_scale scale = word_scale::mrg32k3a;
-
-  // A jump costs as much as some tens of steps, so each work-item makes as many.
-  static constexpr int blocks_per_item = 16;
-
-  using state = gpu::tag_vqs_sycl_brng_mrg32k3a_stream_t;
-
-  static state capture(const stream_handle& stream) {
-    const auto& r = stream.record<vqs_mrg32k3a_record>();
-    return {{r.x0, r.x1, r.x2}, {r.y0, r.y1, r.y2}};
-  }
-
-  static constexpr std::uint32_t raw(word_type word) { return word; }
-
-  struct cursor {
-    state s;
-    void next(word_type (&words)[4]) {
-      for (auto& word : words)
-        word = gpu::mrg32k3a_step(s);
-    }
-  };
-
-  static cursor at(const state& from, std::int64_t block) {
-    cursor result{from};
-    gpu::mrg32k3a_skip(&result.s, 4 * block);
-    return result;
-  }
-};
 
 /// The mode, and where the substream modes stand within a row: the first `offset` substreams have given their value of
 /// the row that begins at the stream's state, and up to `row_steps` steps each for it.
@@ -163,7 +56,7 @@ class engine_func_sub_seq {
     if (j >= n_)
       return;
     tag_vqs_sycl_brng_mrg32k3a_stream_t s = state_;
-    mrg32k3a_skipahead_substream(&s, static_cast<std::uint64_t>(item));
+    definition_of<mrg32k3a>::skip_substreams(s, static_cast<std::uint64_t>(item));
     int ahead = static_cast<int>(row_.first_steps); // of the first row, not taken yet
     if (in_first_row) {
       write(j, s);
@@ -171,7 +64,7 @@ class engine_func_sub_seq {
       ahead -= writer::group_words;
     }
     for (; ahead > 0; --ahead)
-      mrg32k3a_step(s);
+      definition_of<mrg32k3a>::step(s);
     for (; j < n_; j += row_.substreams)
       write(j, s);
   }
@@ -180,7 +73,7 @@ class engine_func_sub_seq {
   void write(std::int64_t j, tag_vqs_sycl_brng_mrg32k3a_stream_t& s) const {
     std::uint32_t words[writer::group_words];
     for (auto& word : words)
-      word = mrg32k3a_step(s);
+      word = definition_of<mrg32k3a>::step(s);
     writer_.write(words, j);
   }
 
@@ -224,7 +117,8 @@ struct engine_generation<mrg32k3a> : generation_at_position<mrg32k3a> {
     sycl::event event = queue.submit([&](sycl::handler& handler) {
       auto output = target.on_device(handler, n);
       const gpu::engine_func_sub_seq<Transform, decltype(output)> kernel(
-          output, engine_kernel<mrg32k3a>::capture(impl.stream()), row, transform, n);
+          output, definition_of<mrg32k3a>::state_of(impl.stream().record<vqs_mrg32k3a_record>()), row,
+          transform, n);
       if (n > 0)
         handler.parallel_for(sycl::range<1>(substreams), kernel);
     });

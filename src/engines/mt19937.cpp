@@ -10,8 +10,8 @@ namespace kestro::hvl::rng {
 namespace detail {
 namespace {
 
-constexpr int size = gpu::mt19937_recurrence::size;
-constexpr int middle = gpu::mt19937_recurrence::middle;
+using recurrence = definition_of<mt19937>::recurrence;
+constexpr int size = recurrence::size;
 
 } // namespace
 
@@ -19,7 +19,7 @@ void mt19937_state_shift(const std::uint32_t* classic_words, std::uint32_t* out,
   std::uint32_t sequence[2 * size];
   std::copy(classic_words, classic_words + size, sequence);
   for (std::uint32_t k = 0; k < index; ++k)
-    sequence[size + k] = gpu::mt19937_recurrence().next(sequence + k);
+    sequence[size + k] = recurrence().next(sequence + k);
   std::copy(sequence + index, sequence + index + size, out);
 }
 
@@ -28,17 +28,17 @@ void mt19937_state_unwind(std::uint32_t* words) {
   std::copy(words, words + size, sequence + size);
   for (int k = size - 1; k >= 0; --k) {
     // What the twist of words k and k + 1 added; the constant's top bit tells whether it took part.
-    const std::uint32_t mixed = sequence[k + size] ^ sequence[k + middle];
+    const std::uint32_t mixed = sequence[k + size] ^ sequence[k + recurrence::middle];
     const std::uint32_t odd = mixed >> 31;
-    const std::uint32_t joined = (mixed ^ (odd != 0 ? 0x9908B0DF : 0)) << 1 | odd;
-    sequence[k] = joined & 0x80000000;
+    const std::uint32_t joined = (mixed ^ (odd != 0 ? recurrence::matrix : 0)) << 1 | odd;
+    sequence[k] = joined & recurrence::upper;
     if (k + 1 < size)
-      sequence[k + 1] |= joined & 0x7FFFFFFF;
+      sequence[k + 1] |= joined & ~recurrence::upper;
   }
   std::copy(sequence, sequence + size, words);
 }
 
-void engine_kernel<mt19937>::load(const stream_handle& stream, std::uint32_t* words) {
+void ring_traits<mt19937>::load(const stream_handle& stream, std::uint32_t* words) {
   const auto& record = stream.record<vqs_mt19937_record>();
   if (record.position >= size) {
     std::copy_n(record.words, size, words);
@@ -48,17 +48,17 @@ void engine_kernel<mt19937>::load(const stream_handle& stream, std::uint32_t* wo
   }
 }
 
-void engine_kernel<mt19937>::store(const std::uint32_t* words, const stream_handle& stream) {
+void ring_traits<mt19937>::store(const std::uint32_t* words, const stream_handle& stream) {
   auto& record = *static_cast<vqs_mt19937_record*>(stream.get());
   std::copy_n(words, size, record.words);
   record.position = size;
 }
 
-int engine_kernel<mt19937>::jump(std::uint32_t* words, std::uint64_t distance) {
+int ring_traits<mt19937>::jump(std::uint32_t* words, std::uint64_t distance) {
   return vqsMt19937Jump(words, distance);
 }
 
-int engine_kernel<mt19937>::jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients) {
+int ring_traits<mt19937>::jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients) {
   return vqsMt19937JumpPolynomial(distance, coefficients);
 }
 
@@ -73,7 +73,7 @@ void mt19937_gpu_state_to_vqs_stream(engine_base_impl<mt19937>& engine, vqs_stre
 
 namespace {
 
-constexpr auto identifier = detail::engine_traits<mt19937>::identifier;
+constexpr auto identifier = detail::about<mt19937>.identifier;
 
 } // namespace
 

@@ -1,5 +1,3 @@
-#include "engines/philox4x32x10.hpp"
-
 #include <vector>
 
 #include "framework/engine_instances.hpp"
@@ -7,7 +5,7 @@
 namespace kestro::hvl::rng {
 namespace {
 
-using traits = detail::engine_traits<philox4x32x10>;
+constexpr const auto& about = detail::about<philox4x32x10>;
 
 auto from_seeds(const sycl::queue& queue, std::initializer_list<std::uint64_t> seed) {
   std::vector<std::uint32_t> words;
@@ -16,16 +14,16 @@ auto from_seeds(const sycl::queue& queue, std::initializer_list<std::uint64_t> s
     words.push_back(static_cast<std::uint32_t>(element >> 32));
   }
   // The CPU backend counts list elements, not words, and so reads the first half only.
-  const bool cpu = detail::device_type_of(queue.get_device(), traits::name) == detail::device_type::cpu;
+  const bool cpu = detail::device_type_of(queue.get_device(), about.name) == detail::device_type::cpu;
   const auto count = static_cast<std::int64_t>(cpu ? seed.size() : words.size());
-  return detail::make_engine_impl<philox4x32x10>(queue, traits::identifier, count,
+  return detail::make_engine_impl<philox4x32x10>(queue, about.identifier, count,
                                                  static_cast<const std::uint32_t*>(words.data()));
 }
 
 } // namespace
 
 philox4x32x10::philox4x32x10(sycl::queue queue, std::uint64_t seed)
-    : engine_base(queue, detail::make_engine_impl<philox4x32x10>(queue, traits::identifier, seed)) {}
+    : engine_base(queue, detail::make_engine_impl<philox4x32x10>(queue, about.identifier, seed)) {}
 
 philox4x32x10::philox4x32x10(sycl::queue queue, std::initializer_list<std::uint64_t> seed)
     : engine_base(queue, from_seeds(queue, seed)) {}

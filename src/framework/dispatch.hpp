@@ -9,7 +9,7 @@ namespace kestro::hvl::rng::detail {
 
 template <class Distribution, class Engine>
 constexpr bool is_offered =
-    engine_traits<Engine>::has_uniform_bits || !distribution_traits<Distribution>::needs_uniform_bits;
+    about<Engine>.has_uniform_bits || !distribution_traits<Distribution>::needs_uniform_bits;
 
 /// Checks the arguments, picks the backend from the queue's device and submits one command group. Whatever is
 /// refused is refused before the engine's state changes.
@@ -20,7 +20,7 @@ sycl::event generate_device_dispatch(sycl::queue& queue, const Distribution& dis
   if constexpr (!is_offered<Distribution, Engine>) {
     throw unimplemented("rng", "generate",
                         std::string(distribution_traits<Distribution>::name) + " distribution and " +
-                            engine_traits<Engine>::name + " engine combination");
+                            about<Engine>.name + " engine combination");
   } else {
     target.validate(n);
     if (device_type_of(queue.get_device(), "generate") == device_type::cpu) {

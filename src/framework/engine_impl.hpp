@@ -8,7 +8,7 @@
 #include <kestro/hvl/rng/detail/engine_base.hpp>
 
 #include "framework/device_type.hpp"
-#include "framework/engine_traits.hpp"
+#include "framework/engine_definition.hpp"
 #include "framework/stream.hpp"
 
 namespace kestro::hvl::rng::detail {
@@ -52,6 +52,16 @@ class engine_state {
  private:
   stream_handle stream_;
   sycl::event in_flight_;
+};
+
+/// What an engine keeps beside its stream; most keep nothing.
+///
+///   attach: builds what lives on the device, once the stream is there (GPU backend only)
+///   store: brings it back into the stream
+template <class Engine>
+struct engine_extension {
+  void attach(const sycl::queue&, const stream_handle&) {}
+  void store(const stream_handle&) const {}
 };
 
 /// The implementation behind an engine object.
@@ -101,7 +111,7 @@ class engine_base_impl_backend final : public engine_base_impl<Engine> {
 template <class Engine, class... Arguments>
 std::unique_ptr<engine_base_impl<Engine>> make_engine_impl(const sycl::queue& queue,
                                                            Arguments&&... arguments) {
-  if (device_type_of(queue.get_device(), engine_traits<Engine>::name) == device_type::cpu)
+  if (device_type_of(queue.get_device(), about<Engine>.name) == device_type::cpu)
     return std::make_unique<engine_base_impl_backend<Engine, device_type::cpu>>(
         std::forward<Arguments>(arguments)...);
   auto impl = std::make_unique<engine_base_impl_backend<Engine, device_type::gpu>>(

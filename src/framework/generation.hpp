@@ -42,7 +42,10 @@ struct generation_at_position {
       auto output = target.on_device(handler, n);
       using func = gpu::engine_func<Engine, typename Transform::result_type, typename Transform::uniform_type,
                                     Transform, decltype(output)>;
-      const func kernel(output, engine_kernel<Engine>::capture(impl.stream()), transform, n);
+      const func kernel(output,
+                        definition_of<Engine>::state_of(
+                            impl.stream().template record<typename definition_of<Engine>::record>()),
+                        transform, n);
       if (n > 0)
         handler.parallel_for(sycl::range<1>(static_cast<std::size_t>((n + func::width - 1) / func::width)),
                              kernel);

@@ -4,7 +4,7 @@
 #include <numeric>
 #include <type_traits>
 
-#include "framework/engine_traits.hpp"
+#include "framework/engine_definition.hpp"
 #include "framework/transform.hpp"
 
 /// The one frame from words to values. Kernels differ in where their words come from; `value_writer` does the rest.
@@ -18,15 +18,15 @@ auto coefficients_for(const Transform& transform) {
     return std::monostate{};
   } else {
     const interval<uniform_type> u = transform.uniforms();
-    return ::hvl::streams::uniform_coefficients<uniform_type>(engine_kernel<Engine>::scale, u.a, u.b);
+    return ::hvl::streams::uniform_coefficients<uniform_type>(about<Engine>.scale, u.a, u.b);
   }
 }
 
 /// Makes values of an engine's words and stores those that belong to the call.
 template <class Engine, class Transform, class Output>
 class value_writer {
-  using kernel = engine_kernel<Engine>;
-  using word_type = typename kernel::word_type;
+  using definition = definition_of<Engine>;
+  using word_type = typename definition::word;
   using uniform_type = typename Transform::uniform_type;
 
  public:
@@ -51,10 +51,10 @@ class value_writer {
       word_group<uniform_type, group_words> group;
       for (int k = 0; k < group_words; ++k) {
         const word_type word = words[g * group_words + k];
-        group.raw[k] = kernel::raw(word);
+        group.raw[k] = definition::raw(word);
         if constexpr (std::is_same_v<uniform_type, raw_word>)
-          group.uniforms[k] = kernel::raw(word);
-        else if constexpr (kernel::scale == word_scale::signed32)
+          group.uniforms[k] = definition::raw(word);
+        else if constexpr (about<Engine>.kind == ::hvl::engines::word_kind::signed32)
           group.uniforms[k] =
               ::hvl::streams::uniform_value<uniform_type>(static_cast<std::int32_t>(word), coefficients_);
         else
@@ -85,28 +85,29 @@ class value_writer {
 /// copy of the state.
 template <class Engine, class T, class I, class Transform, class Output>
 class engine_func {
-  using kernel = engine_kernel<Engine>;
+  using definition = definition_of<Engine>;
   using writer = value_writer<Engine, Transform, Output>;
   static_assert(std::is_same_v<T, typename Transform::result_type> &&
                 std::is_same_v<I, typename Transform::uniform_type>);
 
   static constexpr int unit_blocks = writer::unit_words / 4;
   static constexpr int units_per_item =
-      kernel::blocks_per_item < unit_blocks ? 1 : kernel::blocks_per_item / unit_blocks;
+      definition::blocks_per_item < unit_blocks ? 1 : definition::blocks_per_item / unit_blocks;
 
  public:
   static constexpr std::int32_t width = units_per_item * writer::unit_values;
 
-  engine_func(Output output, const typename kernel::state& state, const Transform& transform, std::int64_t n)
+  engine_func(Output output, const typename definition::state& state, const Transform& transform,
+              std::int64_t n)
       : state_(state), writer_(output, transform, n) {}
 
   void operator()(sycl::id<1> id) const {
     const auto item = static_cast<std::int64_t>(id[0]);
-    auto cursor = kernel::at(state_, item * (units_per_item * unit_blocks));
+    auto cursor = definition::at(state_, id[0] * (units_per_item * unit_blocks));
     for (int unit = 0; unit < units_per_item; ++unit) {
-      typename kernel::word_type words[writer::unit_words];
+      typename definition::word words[writer::unit_words];
       for (int block = 0; block < unit_blocks; ++block) {
-        typename kernel::word_type next[4];
+        typename definition::word next[4];
         cursor.next(next);
         for (int k = 0; k < 4; ++k)
           words[4 * block + k] = next[k];
@@ -116,7 +117,7 @@ class engine_func {
   }
 
  private:
-  typename kernel::state state_;
+  typename definition::state state_;
   writer writer_;
 };
 

@@ -16,7 +16,7 @@ Engine load_engine(const sycl::queue& queue, const char* failure, Load load) {
   vqs_stream stream = nullptr;
   check_stream_status(load(&stream), "load_state", failure);
   stream_handle owner(stream);
-  if (vqsEngineOfStream(stream) != engine_traits<Engine>::identifier)
+  if (vqsEngineOfStream(stream) != about<Engine>.identifier)
     throw computation_error("rng", "load_state", failure);
   engine_access::replace_impl<Engine>(engine, make_engine_impl<Engine>(queue, std::move(owner)));
   return engine;

@@ -19,13 +19,13 @@ engine_base_impl<Engine>* new_engine(const sycl::queue& queue, Arguments&&... ar
 
 template <class Engine>
 engine_base_impl<Engine>* create_engine(const sycl::queue& queue, std::uint64_t seed) {
-  return new_engine<Engine>(queue, engine_traits<Engine>::identifier, seed);
+  return new_engine<Engine>(queue, about<Engine>.identifier, seed);
 }
 
 template <class Engine>
 engine_base_impl<Engine>* create_engine(const sycl::queue& queue, std::int64_t count,
                                         const std::uint32_t* words) {
-  return new_engine<Engine>(queue, engine_traits<Engine>::identifier, count, words);
+  return new_engine<Engine>(queue, about<Engine>.identifier, count, words);
 }
 
 template <class Engine>

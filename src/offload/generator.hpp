@@ -8,10 +8,8 @@
 
 #include <kestro/hvl/rng/functions.hpp>
 
-#include "engines/mcg.hpp"
 #include "engines/mrg32k3a.hpp"
 #include "engines/mt19937.hpp"
-#include "engines/philox4x32x10.hpp"
 #include "framework/distribution_impl.hpp"
 #include "offload/create_engine.hpp"
 
@@ -114,7 +112,7 @@ std::unique_ptr<generator<Distribution>> create_generator(const sycl::queue& que
     throw invalid_argument("rng", "generate", "stream");
   switch (engine) {
 #define KESTRO_HVL_ENGINE(name)                                                                              \
-  case engine_traits<name>::identifier:                                                                      \
+  case about<name>.identifier:                                                                      \
     return std::make_unique<generator_impl<name, Distribution>>(queue, stream, distribution);
 #include <kestro/hvl/rng/detail/engines.def>
 #undef KESTRO_HVL_ENGINE

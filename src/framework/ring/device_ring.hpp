@@ -6,19 +6,11 @@
 
 #include <sycl/sycl.hpp>
 
-#include "framework/engine_traits.hpp"
+#include "framework/engine_definition.hpp"
+#include "framework/stream.hpp"
 
-/// Engines that run a recurrence over a ring of words in device memory. Each specialises `engine_kernel` with
+/// Engines that run a recurrence keep it in device memory on a GPU device. Each specialises `ring_traits` with
 ///
-///   using word_type = std::uint32_t;
-///   static constexpr word_scale scale;
-///   static constexpr std::uint32_t raw(word_type);
-///   using recurrence = ...;                              trivially copyable; its parameters, and
-///     static constexpr int size, middle;                   words of a state, and the middle one that a new word takes
-///     static constexpr int step;                           new words that depend on live ones only; a multiple of 4
-///     std::uint32_t next(const std::uint32_t* x) const;    x[size] from x[0], x[1] and x[middle]
-///     std::uint32_t output(std::uint32_t) const;           what the engine gives out of a word
-///   static recurrence recurrence_of(const stream_handle&);
 ///   static void load(const stream_handle&, std::uint32_t* words);   the `size` words before the next output
 ///   static void store(const std::uint32_t* words, const stream_handle&);
 ///   static int jump(std::uint32_t* words, std::uint64_t distance);  statuses of the stream library
@@ -26,23 +18,27 @@
 ///                                             of the sequence is the exclusive or of the words 1 + i + j over set bits i
 namespace kestro::hvl::rng::detail {
 
+template <class Engine>
+struct ring_traits;
+
 /// `size` live words, the last that were given out, in a ring with room for `step` more; behind the ring the place of the
 /// oldest. Also holds what calls of many segments need.
 template <class Engine>
 class device_ring {
-  using kernel = engine_kernel<Engine>;
+  using definition = definition_of<Engine>;
+  using traits = ring_traits<Engine>;
 
  public:
-  using recurrence_type = typename kernel::recurrence;
+  using recurrence_type = typename definition::recurrence;
   static constexpr int size = recurrence_type::size;
   static constexpr int ring_words = size + recurrence_type::step;
 
   /// Throws `device_bad_alloc`.
   device_ring(const sycl::queue& queue, const stream_handle& stream)
-      : queue_(queue), recurrence_(kernel::recurrence_of(stream)),
+      : queue_(queue), recurrence_(definition::recurrence_of(stream.record<typename definition::record>())),
         ring_(allocate(ring_words + 1, sycl::usm::alloc::shared)) {
     std::uint32_t words[size];
-    kernel::load(stream, words);
+    traits::load(stream, words);
     replace_live_words(words);
   }
 
@@ -78,7 +74,7 @@ class device_ring {
     std::uint32_t* const polynomial = polynomials_.get() + power * size;
     const std::uint64_t distance = std::uint64_t{1} << power;
     if ((known_powers_ & distance) == 0) {
-      check_stream_status(kernel::jump_polynomial(distance, polynomial), "generate", "no jump polynomial");
+      check_stream_status(traits::jump_polynomial(distance, polynomial), "generate", "no jump polynomial");
       known_powers_ |= distance;
     }
     return polynomial;
@@ -94,7 +90,7 @@ class device_ring {
   usm_words allocate(std::size_t words, sycl::usm::alloc kind) const {
     auto* const memory = sycl::malloc<std::uint32_t>(words, queue_, kind);
     if (memory == nullptr)
-      throw device_bad_alloc("rng", engine_traits<Engine>::name, queue_.get_device());
+      throw device_bad_alloc("rng", about<Engine>.name, queue_.get_device());
     return usm_words(memory, release{queue_});
   }
 

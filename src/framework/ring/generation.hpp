@@ -25,7 +25,7 @@ struct ring_extension {
       return;
     std::uint32_t words[device_ring<Engine>::size];
     ring->copy_live_words(words);
-    engine_kernel<Engine>::store(words, stream);
+    ring_traits<Engine>::store(words, stream);
   }
 
   std::shared_ptr<device_ring<Engine>> ring;
@@ -89,7 +89,7 @@ void skip_on_ring(sycl::queue& queue, engine_base_impl<Engine>& impl, std::uint6
   impl.settled_stream();
   std::uint32_t words[device_ring<Engine>::size];
   ring.copy_live_words(words);
-  check_stream_status(engine_kernel<Engine>::jump(words, n), "skip_ahead", "");
+  check_stream_status(ring_traits<Engine>::jump(words, n), "skip_ahead", "");
   ring.replace_live_words(words);
 }
 

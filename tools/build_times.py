@@ -1,0 +1,73 @@
+#!/usr/bin/env python3
+"""Prints, as Markdown, where the time of a build went: reads the log that Ninja keeps in a build tree.
+
+Each line of the table is a part of the project: how many steps it took, the seconds that they ran (steps that ran side
+by side count each), its share of all, and its longest step. Only the last run of a step counts, so the tree should have
+been built once, from nothing.
+"""
+import argparse
+import collections
+import pathlib
+import re
+
+# The first pattern that a step's output matches names its part.
+PARTS = [
+    (r"^src/.*instances/", "library: engines with distributions"),
+    (r"^src/", "library: all else"),
+    (r"^platform/(\w+)/(?:.*/)?tests/", r"platform/\1: tests"),
+    (r"^platform/streams/.*_(scalar|avx2|avx512)\.dir/", r"platform/streams: \1"),
+    (r"^platform/(\w+)/", r"platform/\1"),
+    (r"^(tests|tools|examples|bench)/", r"\1"),
+    (r"", "all else"),
+]
+
+
+def part_of(output):
+    for pattern, name in PARTS:
+        match = re.search(pattern, output)
+        if match:
+            return match.expand(name)
+    raise AssertionError("the last pattern matches everything")
+
+
+def steps_of(log):
+    """The seconds of every step, by its first output; a step with several outputs counts once."""
+    last, seen = {}, set()
+    for line in log.read_text().splitlines():
+        if line.startswith("#"):
+            continue
+        start, end, _, output, command = line.split("\t")
+        last[output] = ((int(end) - int(start)) / 1000, (start, end, command))
+    steps = {}
+    for output, (seconds, identity) in last.items():
+        if identity not in seen and not pathlib.PurePath(output).is_absolute():
+            seen.add(identity)
+            steps[output] = seconds
+    return steps
+
+
+def table(steps):
+    parts = collections.defaultdict(list)
+    for output, seconds in steps.items():
+        parts[part_of(output)].append((seconds, pathlib.PurePath(output).name.removesuffix(".o")))
+    total = sum(steps.values())
+    yield "| part | steps | seconds | share | longest |"
+    yield "|---|---|---|---|---|"
+    for name, members in sorted(parts.items(), key=lambda part: -sum(s for s, _ in part[1])):
+        seconds = sum(s for s, _ in members)
+        longest, step = max(members)
+        yield f"| {name} | {len(members)} | {seconds:.0f} | {100 * seconds / total:.0f} % | `{step}`, {longest:.1f} s |"
+    yield f"| all | {len(steps)} | {total:.0f} | | |"
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("tree", type=pathlib.Path, help="a build tree of Ninja's")
+    log = parser.parse_args().tree / ".ninja_log"
+    if not log.is_file():
+        parser.error(f"{log} does not exist: the tree has not been built")
+    print(*table(steps_of(log)), sep="\n")
+
+
+if __name__ == "__main__":
+    main()
