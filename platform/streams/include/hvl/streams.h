@@ -74,7 +74,8 @@ HVL_STREAMS_API const char* vqsStatusText(int status);
 HVL_STREAMS_API int32_t vqsEngineOfStream(vqs_stream stream);
 
 /* Creates a stream from one seed, or from `count` seed words; count 0 (words may then be null) is the
- * engine's state without any word. */
+ * engine's state without any word. For mrg32k3a, mcg31m1 and mcg59 the words are the state itself, reduced by the
+ * moduli: x0 x1 x2 y0 y1 y2, or the low and the high word of x; one seed is spread over their state by SplitMix64. */
 HVL_STREAMS_API int vqsNewStream_64(vqs_stream* stream, int32_t engine, uint64_t seed);
 HVL_STREAMS_API int vqsNewStreamEx_64(vqs_stream* stream, int32_t engine, int64_t count,
                                       const uint32_t* words);
