@@ -13,11 +13,11 @@ bool is_method(std::int64_t method) {
 template <class T, class Value>
 int uniform(int status, uniform_result result, vqs_stream stream, std::int64_t n, Value* r, Value a,
             Value b) noexcept {
-  uniform_parameters<T> p{{}, static_cast<T>(a), static_cast<T>(b)};
+  uniform_parameters<T, Value> p{{}, values_on(a, b)};
   direct_values direct{sizeof(T) == 4 ? value_form::real32 : value_form::real64, {}, {}};
   const bool plain = result == uniform_result::real32 || result == uniform_result::real64;
   return vector_call(status, stream, n, r, [&](const engine& e, const kernel_set& kernels) {
-    p.affine = uniform_coefficients(e.scale, p.low, p.high);
+    p.affine = uniform_coefficients(e.scale, static_cast<T>(a), static_cast<T>(b));
     if constexpr (sizeof(T) == 4)
       direct.single = p.affine;
     else

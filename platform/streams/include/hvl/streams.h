@@ -106,7 +106,8 @@ HVL_STREAMS_API int vqsLoadStreamM_64(vqs_stream* stream, const unsigned char* m
 HVL_STREAMS_API int vqsLoadStreamF_64(vqs_stream* stream, const char* file_name);
 
 /* Uniform on [a, b), a < b, both finite, b - a finite. One engine word makes one value. The accurate method
- * clamps real values into [a, b]; for integers it computes in double instead of float. */
+ * clamps real values into [a, b]; for integers, which always are in [a, b - 1], it computes in double instead of
+ * float, and so has no steps beyond 2^24. */
 HVL_STREAMS_API int vsRngUniform_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a, float b);
 HVL_STREAMS_API int vdRngUniform_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a,
                                     double b);
