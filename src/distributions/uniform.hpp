@@ -13,8 +13,8 @@ namespace kestro::hvl::rng::detail {
 
 namespace gpu {
 
-/// The scaled word is the value, clamped to [a, b] by the accurate method; an integer is its floor, whatever the
-/// method: there the methods differ in their computation type only.
+/// The scaled word is the value, clamped to [a, b] by the accurate method; an integer is its floor, clamped to
+/// [a, b - 1] whatever the method: there the methods differ in their computation type only.
 template <class T, class Computation, class Method>
 struct uniform_transform {
   using result_type = T;
@@ -22,14 +22,15 @@ struct uniform_transform {
   static constexpr word_use words{1, 1};
 
   Computation a, b;
+  ::hvl::streams::value_range<T> range;
 
   interval<Computation> uniforms() const { return {a, b}; }
   void operator()(const word_group<Computation, 1>& group, T (&values)[1]) const {
     const Computation u = group.uniforms[0];
     if constexpr (std::is_integral_v<T>)
-      values[0] = ::hvl::streams::floor_to<T>(u);
+      values[0] = ::hvl::streams::integer_value(u, range);
     else if constexpr (std::is_same_v<Method, uniform_method::accurate>)
-      values[0] = ::hvl::streams::clamp_to(u, a, b);
+      values[0] = ::hvl::streams::clamp_to(u, range.low, range.high);
     else
       values[0] = u;
   }
@@ -54,7 +55,8 @@ struct distribution_traits<uniform<T, Method>> {
     using computation_type =
         std::conditional_t<std::is_floating_point_v<T>, T, std::conditional_t<is_accurate, double, float>>;
     return gpu::uniform_transform<T, computation_type, Method>{static_cast<computation_type>(d.a()),
-                                                               static_cast<computation_type>(d.b())};
+                                                               static_cast<computation_type>(d.b()),
+                                                               ::hvl::streams::values_on(d.a(), d.b())};
   }
 
   static int generate_on_host(const uniform<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {

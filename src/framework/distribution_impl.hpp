@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include <hvl/float_environment.hpp>
+
 #include "framework/device_type.hpp"
 #include "framework/stream.hpp"
 #include "framework/transform.hpp"
@@ -31,10 +33,13 @@ class distribution_impl {
     return traits::generate_on_host(distribution_, stream, n, r);
   }
 
-  /// Calls `f` with the device transform.
+  /// Calls `f` with the device transform, whose parameters are computed as kernels compute, whatever the caller's
+  /// floating-point environment.
   template <class F>
   decltype(auto) with_transform(F&& f) const {
-    return visit_transform(traits::transform_of(distribution_), std::forward<F>(f));
+    const auto transform =
+        ::hvl::in_default_float_environment([&] { return traits::transform_of(distribution_); });
+    return visit_transform(transform, std::forward<F>(f));
   }
 
   /// Words and values of a group, known before a word is drawn.
