@@ -21,6 +21,8 @@ transform_function lognormal_transform(word_kind kind, lognormal_method method, 
                                        precision p) noexcept;
 transform_function inverse_cdf_transform(word_kind kind, inverse_cdf_family family, bool accurate,
                                          precision p) noexcept;
+transform_function gamma_transform(word_kind kind, bool below_one, precision p) noexcept;
+transform_function geometric_transform(word_kind kind) noexcept;
 void stream_lines(void* out, const void* in, std::size_t bytes) noexcept;
 void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
                  std::size_t degree) noexcept;

@@ -223,7 +223,9 @@ HWY_INLINE void for_each_vector(Value* HWY_RESTRICT out, std::size_t count, cons
 
 // On [0, 1) and [-1, 1) the scale is a power of two, except in double where a prime bounds the words.
 template <word_kind Kind, class T>
-using unit_loader = word_loader<Kind, T, sizeof(T) == 4 || Kind != word_kind::unsigned32>;
+inline constexpr bool unit_is_exact = sizeof(T) == 4 || Kind != word_kind::unsigned32;
+template <word_kind Kind, class T>
+using unit_loader = word_loader<Kind, T, unit_is_exact<Kind, T>>;
 static_assert(uniform_coefficients(word_scale::signed32, 0.0f, 1.0f).scale == 0x1p-32f);
 static_assert(uniform_coefficients(word_scale::mcg31m1, 0.0f, 1.0f).scale == 0x1p-31f);
 static_assert(uniform_coefficients(word_scale::mrg32k3a, 0.0f, 1.0f).scale == 0x1p-32f);

@@ -17,10 +17,10 @@ void for_each_value(Value* out, std::size_t count, const Load& load, const Body&
 }
 
 // out[i...] = body(first, second), which are the uniforms 2 i and 2 i + 1.
-template <class T, class Load, class Body>
-void for_each_of_pair(T* out, std::size_t count, const Load& load, const Body& body) {
+template <class T, class Value, class Load, class Body>
+void for_each_of_pair(Value* out, std::size_t count, const Load& load, const Body& body) {
   for (std::size_t i = 0; i < count; ++i)
-    out[i] = body.template operator()<vector_ops<T>>(load(2 * i), load(2 * i + 1));
+    out[i] = narrowed<Value>(body.template operator()<vector_ops<T>>(load(2 * i), load(2 * i + 1)));
 }
 
 // body(u1, u2, first, second) makes the values 2 i and 2 i + 1 of the uniforms at the same places. A count that is odd
@@ -69,8 +69,9 @@ HWY_INLINE void for_each_value(Value* HWY_RESTRICT out, std::size_t count, const
 }
 
 // out[i...] = body(first, second), which are the uniforms 2 i... and 2 i + 1...
-template <class T, class Load, class Body>
-HWY_INLINE void for_each_of_pair(T* HWY_RESTRICT out, std::size_t count, const Load& load, const Body& body) {
+template <class T, class Value, class Load, class Body>
+HWY_INLINE void for_each_of_pair(Value* HWY_RESTRICT out, std::size_t count, const Load& load,
+                                 const Body& body) {
   constexpr std::size_t width = vector_values<T>;
   const vector_tag<T> d;
   const auto split = [&](std::size_t i, auto& first, auto& second) __attribute__((always_inline)) {
@@ -79,14 +80,15 @@ HWY_INLINE void for_each_of_pair(T* HWY_RESTRICT out, std::size_t count, const L
     first = hn::ConcatEven(d, high, low);
     second = hn::ConcatOdd(d, high, low);
   };
+  const hn::Rebind<Value, vector_tag<T>> dv;
   std::size_t i = 0;
   for (; i + 2 * width <= count; i += 2 * width) {
     typename two_vectors_ops<T>::value first, second;
     split(i, first.a, second.a);
     split(i + width, first.b, second.b);
     const auto values = body.template operator()<two_vectors_ops<T>>(first, second);
-    hn::StoreU(values.a, d, out + i);
-    hn::StoreU(values.b, d, out + i + width);
+    hn::StoreU(narrowed<Value>(values.a), dv, out + i);
+    hn::StoreU(narrowed<Value>(values.b), dv, out + i + width);
   }
   for (; i < count; i += width) {
     typename vector_ops<T>::value first, second;

@@ -159,7 +159,7 @@ HWY_INLINE vector_ops<float>::value vector_ops<float>::widened(const F& f, value
 
 #endif
 
-// Computed values to the result type, each rounded once at most.
+// Computed values to the result type, real ones rounded once at most, integers cut off.
 template <class Value, class V>
 HVL_MATH_INLINE auto narrowed(V v) {
 #ifdef HVL_STREAMS_ISA_IS_SCALAR
