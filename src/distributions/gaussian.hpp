@@ -25,7 +25,7 @@ struct gaussian_box_muller {
 
   T mean, stddev;
 
-  interval<T> uniforms() const { return {T(0), T(1)}; }
+  interval<T> uniforms(int) const { return {T(0), T(1)}; }
   void operator()(const word_group<T, 2>& group, T (&values)[1]) const {
     values[0] =
         ::hvl::math::gaussian_box_muller<device_ops<T>>(group.uniforms[0], group.uniforms[1], mean, stddev);
@@ -41,7 +41,7 @@ struct gaussian_box_muller2 {
 
   T mean, stddev;
 
-  interval<T> uniforms() const { return {T(0), T(1)}; }
+  interval<T> uniforms(int) const { return {T(0), T(1)}; }
   void operator()(const word_group<T, 2>& group, T (&values)[2]) const {
     ::hvl::math::gaussian_box_muller2<device_ops<T>>(group.uniforms[0], group.uniforms[1], mean, stddev,
                                                      values[0], values[1]);
@@ -57,7 +57,7 @@ struct gaussian_icdf {
 
   T mean, scale;
 
-  interval<T> uniforms() const { return {T(-1), T(1)}; }
+  interval<T> uniforms(int) const { return {T(-1), T(1)}; }
   void operator()(const word_group<T, 1>& group, T (&values)[1]) const {
     values[0] = ::hvl::math::gaussian_icdf<device_ops<T>>(group.uniforms[0], mean, scale);
   }

@@ -22,7 +22,7 @@ struct one_uniform {
   using result_type = T;
   using uniform_type = T;
   static constexpr word_use words{1, 1};
-  interval<T> uniforms() const { return {T(0), T(1)}; }
+  interval<T> uniforms(int) const { return {T(0), T(1)}; }
 };
 
 template <class T>
@@ -78,7 +78,7 @@ struct cauchy_icdf {
 
   double a, b;
 
-  interval<double> uniforms() const { return {::hvl::math::cauchy_low, ::hvl::math::cauchy_high}; }
+  interval<double> uniforms(int) const { return {::hvl::math::cauchy_low, ::hvl::math::cauchy_high}; }
   void operator()(const word_group<double, 1>& group, T (&values)[1]) const {
     values[0] = static_cast<T>(::hvl::math::cauchy_icdf<device_ops<double>>(group.uniforms[0], a, b));
   }
@@ -93,7 +93,7 @@ struct laplace_icdf {
 
   T a, b;
 
-  interval<T> uniforms() const { return {T(0), T(1)}; }
+  interval<T> uniforms(int) const { return {T(0), T(1)}; }
   void operator()(const word_group<T, 2>& group, T (&values)[1]) const {
     values[0] = ::hvl::math::laplace_icdf<device_ops<T>>(group.uniforms[0], group.uniforms[1], a, b);
   }

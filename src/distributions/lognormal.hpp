@@ -20,7 +20,7 @@ struct lognormal_box_muller2 {
 
   T m, s, displ, scale;
 
-  interval<T> uniforms() const { return {T(0), T(1)}; }
+  interval<T> uniforms(int) const { return {T(0), T(1)}; }
   void operator()(const word_group<T, 2>& group, T (&values)[2]) const {
     ::hvl::math::lognormal_box_muller2<device_ops<T>>(group.uniforms[0], group.uniforms[1], m, s, displ,
                                                       scale, values[0], values[1]);
@@ -36,7 +36,7 @@ struct lognormal_icdf {
 
   T m, s, displ, scale;
 
-  interval<T> uniforms() const { return {T(-1), T(1)}; }
+  interval<T> uniforms(int) const { return {T(-1), T(1)}; }
   void operator()(const word_group<T, 1>& group, T (&values)[1]) const {
     values[0] = ::hvl::math::lognormal_icdf<device_ops<T>>(group.uniforms[0], m, s, displ, scale);
   }

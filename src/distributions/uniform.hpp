@@ -24,7 +24,7 @@ struct uniform_transform {
   Computation a, b;
   ::hvl::streams::value_range<T> range;
 
-  interval<Computation> uniforms() const { return {a, b}; }
+  interval<Computation> uniforms(int) const { return {a, b}; }
   void operator()(const word_group<Computation, 1>& group, T (&values)[1]) const {
     const Computation u = group.uniforms[0];
     if constexpr (std::is_integral_v<T>)

@@ -115,7 +115,7 @@ struct engine_generation<mrg32k3a> : generation_at_position<mrg32k3a> {
     const gpu::mrg32k3a_row row{substreams, extension.offset, first_steps};
 
     sycl::event event = queue.submit([&](sycl::handler& handler) {
-      auto output = target.on_device(handler, n);
+      auto output = target.template on_device<typename Transform::result_type>(handler, n);
       const gpu::engine_func_sub_seq<Transform, decltype(output)> kernel(
           output, definition_of<mrg32k3a>::state_of(impl.stream().record<vqs_mrg32k3a_record>()), row,
           transform, n);

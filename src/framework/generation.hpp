@@ -39,7 +39,7 @@ struct generation_at_position {
   static sycl::event submit(engine_base_impl<Engine>& impl, sycl::queue& queue, const Transform& transform,
                             std::uint64_t words, std::int64_t n, const Target& target) {
     sycl::event event = queue.submit([&](sycl::handler& handler) {
-      auto output = target.on_device(handler, n);
+      auto output = target.template on_device<typename Transform::result_type>(handler, n);
       using func = gpu::engine_func<Engine, typename Transform::result_type, typename Transform::uniform_type,
                                     Transform, decltype(output)>;
       const func kernel(output,

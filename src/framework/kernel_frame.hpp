@@ -1,8 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <numeric>
 #include <type_traits>
+
+#include <hvl/float_environment.hpp>
 
 #include "framework/engine_definition.hpp"
 #include "framework/transform.hpp"
@@ -10,16 +13,24 @@
 /// The one frame from words to values. Kernels differ in where their words come from; `value_writer` does the rest.
 namespace kestro::hvl::rng::detail::gpu {
 
-/// The coefficients that carry words of `Engine` to the uniforms that `transform` takes.
+/// The coefficients that carry the words of a group to the uniforms that a transform takes.
+template <class Transform>
+using group_coefficients = std::conditional_t<
+    std::is_same_v<typename Transform::uniform_type, raw_word>, std::monostate,
+    std::array<::hvl::streams::coefficients<typename Transform::uniform_type>, Transform::words.words>>;
+
 template <class Engine, class Transform>
-auto coefficients_for(const Transform& transform) {
-  using uniform_type = typename Transform::uniform_type;
-  if constexpr (std::is_same_v<uniform_type, raw_word>) {
-    return std::monostate{};
-  } else {
-    const interval<uniform_type> u = transform.uniforms();
-    return ::hvl::streams::uniform_coefficients<uniform_type>(about<Engine>.scale, u.a, u.b);
+group_coefficients<Transform> coefficients_for(const Transform& transform) {
+  group_coefficients<Transform> coefficients;
+  if constexpr (!std::is_same_v<typename Transform::uniform_type, raw_word>) {
+    const ::hvl::default_float_environment environment;
+    for (std::size_t k = 0; k < coefficients.size(); ++k) {
+      const auto u = transform.uniforms(static_cast<int>(k));
+      coefficients[k] = ::hvl::streams::uniform_coefficients<typename Transform::uniform_type>(
+          about<Engine>.scale, u.a, u.b);
+    }
   }
+  return coefficients;
 }
 
 /// Makes values of an engine's words and stores those that belong to the call.
@@ -52,13 +63,15 @@ class value_writer {
       for (int k = 0; k < group_words; ++k) {
         const word_type word = words[g * group_words + k];
         group.raw[k] = definition::raw(word);
-        if constexpr (std::is_same_v<uniform_type, raw_word>)
-          group.uniforms[k] = definition::raw(word);
-        else if constexpr (about<Engine>.kind == ::hvl::engines::word_kind::signed32)
-          group.uniforms[k] =
-              ::hvl::streams::uniform_value<uniform_type>(static_cast<std::int32_t>(word), coefficients_);
-        else
-          group.uniforms[k] = ::hvl::streams::uniform_value<uniform_type>(word, coefficients_);
+        if constexpr (!std::is_same_v<uniform_type, raw_word>) {
+          const auto& scaling = coefficients_[static_cast<std::size_t>(k)];
+          group.cells[k] = scaling.scale;
+          if constexpr (about<Engine>.kind == ::hvl::engines::word_kind::signed32)
+            group.uniforms[k] =
+                ::hvl::streams::uniform_value<uniform_type>(static_cast<std::int32_t>(word), scaling);
+          else
+            group.uniforms[k] = ::hvl::streams::uniform_value<uniform_type>(word, scaling);
+        }
       }
       group.first = first + g * group_values;
       transform_(group, values[g]);
@@ -76,7 +89,7 @@ class value_writer {
 
  private:
   Output output_;
-  [[no_unique_address]] decltype(coefficients_for<Engine>(std::declval<const Transform&>())) coefficients_;
+  [[no_unique_address]] group_coefficients<Transform> coefficients_;
   Transform transform_;
   std::int64_t n_;
 };

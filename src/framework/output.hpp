@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 #include <vector>
 
 #include <sycl/sycl.hpp>
@@ -8,7 +9,8 @@
 #include "service/portability.hpp"
 
 /// Where a generation writes, in its two forms. `on_device` and `on_host` are called inside the command
-/// group: they declare its dependencies and return what kernels and host tasks index.
+/// group: they declare its dependencies and return what kernels and host tasks index. A kernel may write elements of
+/// another type of the same size, as one kernel makes `int` and `unsigned int`.
 namespace kestro::hvl::rng::detail {
 
 template <class T>
@@ -16,11 +18,14 @@ struct usm_output {
   T* r;
   const std::vector<sycl::event>& dependencies;
 
-  T* on_device(sycl::handler& handler, std::int64_t) const {
+  template <class Element>
+  Element* on_device(sycl::handler& handler, std::int64_t n) const {
+    return reinterpret_cast<Element*>(on_host(handler, n));
+  }
+  T* on_host(sycl::handler& handler, std::int64_t) const {
     handler.depends_on(dependencies);
     return r;
   }
-  T* on_host(sycl::handler& handler, std::int64_t n) const { return on_device(handler, n); }
 
   void validate(std::int64_t n) const {
     if (n < 0)
@@ -34,8 +39,15 @@ template <class T>
 struct buffer_output {
   sycl::buffer<T, 1>& r;
 
+  template <class Element>
   auto on_device(sycl::handler& handler, std::int64_t n) const {
-    return sycl::accessor<T, 1, sycl::access_mode::write, sycl::target::device>(r, handler, properties(n));
+    using accessor = sycl::accessor<Element, 1, sycl::access_mode::write, sycl::target::device>;
+    if constexpr (std::is_same_v<Element, T>) {
+      return accessor(r, handler, properties(n));
+    } else {
+      auto elements = r.template reinterpret<Element, 1>(r.get_range());
+      return accessor(elements, handler, properties(n));
+    }
   }
   auto on_host(sycl::handler& handler, std::int64_t n) const {
     return sycl::accessor<T, 1, sycl::access_mode::write, sycl::target::host_task>(r, handler, properties(n));

@@ -25,14 +25,15 @@ using raw_word = std::uint32_t;
 ///   using result_type = ...;
 ///   using uniform_type = ...;              float or double; raw_word takes no uniforms
 ///   static constexpr word_use words;       of one group
-///   interval<uniform_type> uniforms() const;
+///   interval<uniform_type> uniforms(int k) const;   where word k of a group is scaled to
 ///   void operator()(const word_group<uniform_type, words.words>&, result_type (&values)[words.values]) const;
 ///
 /// It may hold pointers to tables in device memory whose owner lives as long as the work. Whatever it does not read of a
 /// group costs nothing.
 template <class Uniform, std::uint32_t Words>
 struct word_group {
-  Uniform uniforms[Words]; // the words, scaled to the interval
+  Uniform uniforms[Words]; // the words, scaled to their intervals
+  Uniform cells[Words];    // what one step of a word is on its interval
   std::uint32_t raw[Words];
   std::int64_t first; // index of the group's first value within the call
 };

@@ -49,7 +49,7 @@ struct generation_on_ring {
       states = ring.segment_states(plan.segments);
     }
     sycl::event event = queue.submit([&](sycl::handler& handler) {
-      auto output = target.on_device(handler, n);
+      auto output = target.template on_device<typename Transform::result_type>(handler, n);
       handler.depends_on(impl.in_flight());
       if (n == 0)
         return;

@@ -4,6 +4,8 @@
 /// the parameter, and `generate` turns an engine's words into values of it. `result_type` is the type of
 /// those values; where there is a choice of algorithm, the method is a tag type.
 
+#include "distributions/gamma.hpp"
 #include "distributions/gaussian.hpp"
+#include "distributions/geometric.hpp"
 #include "distributions/inverse_cdf.hpp"
 #include "distributions/uniform.hpp"

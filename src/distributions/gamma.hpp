@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+#include <type_traits>
+#include <variant>
+
+#include <hvl/math/transforms/gamma.hpp>
+#include <hvl/math/transforms/words.hpp>
+#include <hvl/streams.h>
+#include <kestro/hvl/rng/distributions/gamma.hpp>
+
+#include "distributions/device_ops.hpp"
+#include "distributions/host_function.hpp"
+#include "framework/distribution_impl.hpp"
+
+namespace kestro::hvl::rng::detail {
+
+namespace gpu {
+
+/// The words of a group: the normal number (in double a second one refines it), the acceptance, and at shapes below 1 the
+/// power.
+template <class T, bool BelowOne>
+struct gamma_marsaglia {
+  using result_type = T;
+  using uniform_type = T;
+  static constexpr word_use words = ::hvl::math::gamma_words(BelowOne ? T(0.5) : T(1));
+
+  ::hvl::math::gamma_constants<T> constants;
+  T displacement;
+
+  interval<T> uniforms(int k) const { return {k == 0 ? T(-1) : T(0), T(1)}; }
+  void operator()(const word_group<T, words.words>& group, T (&values)[1]) const {
+    std::uint32_t own[4] = {};
+    for (std::uint32_t k = 0; k < words.words; ++k)
+      own[k] = group.raw[k];
+    T v = group.uniforms[0];
+    if constexpr (std::is_same_v<T, double>)
+      v = ::hvl::math::refined<device_ops<T>>(v, group.uniforms[1], group.cells[0]);
+    constexpr int acceptance = words.words - (BelowOne ? 2 : 1);
+    values[0] = ::hvl::math::gamma_marsaglia<device_ops<T>>(v, group.uniforms[acceptance],
+                                                            group.uniforms[words.words - 1], own, constants);
+  }
+};
+
+} // namespace gpu
+
+template <class T, class Method>
+struct distribution_traits<gamma<T, Method>> {
+  static constexpr bool is_accurate = std::is_same_v<Method, gamma_method::marsaglia_accurate>;
+  static constexpr const char* name = "gamma";
+  static constexpr bool needs_uniform_bits = false;
+  static constexpr bool has_substreams = false;
+
+  template <bool BelowOne>
+  using transform = std::conditional_t<
+      is_accurate,
+      gpu::raised<gpu::gamma_marsaglia<T, BelowOne>, &gpu::gamma_marsaglia<T, BelowOne>::displacement>,
+      gpu::gamma_marsaglia<T, BelowOne>>;
+
+  static std::variant<transform<false>, transform<true>> transform_of(const gamma<T, Method>& d) {
+    const auto constants = ::hvl::math::gamma_constants_of(d.alpha(), d.a(), d.beta());
+    if (constants.below_one)
+      return transform<true>{{constants, d.a()}};
+    return transform<false>{{constants, d.a()}};
+  }
+
+  static int generate_on_host(const gamma<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {
+    return host_function<T>(vsRngGamma_64, vdRngGamma_64)(is_accurate ? VQS_METHOD_ACCURATE : 0, stream, n, r,
+                                                          d.alpha(), d.a(), d.beta());
+  }
+};
+
+} // namespace kestro::hvl::rng::detail
