@@ -10,7 +10,8 @@
 //
 //   (1 - u) (1 + w) > 3 d w^4 (4 + (1 + w)) / 20 = x^4 (4 + (1 + w)) / (540 d),
 //
-// which needs no division, is false where 1 + w <= 0 (5 + w is positive: w > -0.41 |x|, |x| < 12) and leaves 6 % of the values undecided at alpha = 1, 1.5 % at 2.5.
+// which needs no division, is false where 1 + w <= 0 (5 + w is positive: w > -0.41 |x|, |x| < 12) and leaves 6 % of the
+// values undecided at alpha = 1, 1.5 % at 2.5.
 // Shapes below 1 take a value of shape alpha + 1 times u^(1 / alpha).
 #pragma once
 
