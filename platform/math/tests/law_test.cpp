@@ -18,11 +18,10 @@ namespace {
 
 constexpr double false_alarm = 1e-9;
 
-using words = std::uint32_t[4];
-
-void draw(words& own, std::uint32_t group, std::uint32_t seed) {
-  const philox_block block = philox4x32x10({{group, 0, 0, 0}}, seed, 0);
-  std::copy(block.word, block.word + 4, own);
+template <std::size_t N>
+void draw(std::uint32_t (&own)[N], std::uint32_t group, std::uint32_t seed) {
+  for (std::uint32_t i = 0; i < N; ++i)
+    own[i] = philox4x32x10({{group, i / 4, 0, 0}}, seed, 0).word[i % 4];
 }
 
 // Words of 32 bits as the library scales them.
@@ -57,41 +56,53 @@ double kolmogorov_statistic(std::vector<T> values, const Cdf& cdf) {
   return largest;
 }
 
-template <class T>
-struct gamma_group {
+// Value i of a sequence: the uniforms that it takes of its group.
+template <class T, std::size_t Words>
+struct gamma_input {
   using O = scalar_ops<T>;
   using D = scalar_ops<double>;
+  static constexpr std::uint32_t values = sizeof(T) / 4;
 
-  gamma_group(T alpha, std::uint32_t group, std::uint32_t seed) {
-    const std::uint32_t count = gamma_words(alpha).words;
-    words w;
-    draw(w, group, seed);
-    std::copy(w, w + count, own);
-    if constexpr (sizeof(T) == 4) {
-      v = symmetric<T>(own[0]);
+  gamma_input(std::uint32_t i, std::uint32_t seed) : which(i % values) {
+    draw(own, i / values, seed);
+    if constexpr (values == 1) {
+      e = erfinv<O>(symmetric<T>(own[0]));
     } else {
-      v = refined<O>(symmetric<T>(own[0]), unit<T>(own[1]), 0x1p-31);
+      const auto pair = gamma_normal_pair<O>(unit<T>(own[0]), unit<T>(own[1]), 0x1p-32);
+      e = which == 0 ? pair.sine : pair.cosine;
     }
-    u = unit<T>(own[sizeof(T) == 4 ? 1 : 2]);
-    power = unit<T>(own[count - 1]);
+    u = unit<T>(own[values + which]);
+    power = unit<T>(own[Words - values + which]);
   }
 
-  T value(const gamma_constants<T>& c) const { return gamma_marsaglia<O>(v, u, power, own, c); }
+  T value(const gamma_constants<T>& c) const { return gamma_marsaglia<O>(e, u, power, own, which, c); }
 
   // What stands where the first attempt is rejected.
   T further(const gamma_constants<T>& c) const {
-    const auto core = static_cast<T>(gamma_further_core<D>(own, c));
+    const auto core = static_cast<T>(gamma_further_core<D>(own, which, c));
     return c.below_one ? gamma_powered<O>(core, power, c) : core;
   }
 
-  bool squeezed(const gamma_constants<T>& c) const { return gamma_squeezed<O>(erfinv<O>(v), u, c).accepted; }
+  bool squeezed(const gamma_constants<T>& c) const { return gamma_squeezed<O>(e, u, c).accepted; }
   bool accepted(const gamma_constants<T>& c) const {
-    return squeezed(c) || gamma_accepts<D>(static_cast<double>(erfinv<O>(v)), static_cast<double>(u), c);
+    return squeezed(c) || gamma_accepts<D>(static_cast<double>(e), static_cast<double>(u), c);
   }
 
-  words own = {};
-  T v, u, power;
+  std::uint32_t own[Words];
+  std::uint32_t which;
+  T e, u, power;
 };
+
+// visit(input) for the first `count` values.
+template <class T, class Visit>
+void for_each_input(T alpha, std::uint32_t count, std::uint32_t seed, const Visit& visit) {
+  for (std::uint32_t i = 0; i < count; ++i) {
+    if (alpha < 1)
+      visit(gamma_input<T, gamma_words<T>(true).words>(i, seed));
+    else
+      visit(gamma_input<T, gamma_words<T>(false).words>(i, seed));
+  }
+}
 
 template <class T>
 class gamma_law : public ::testing::Test {};
@@ -102,23 +113,22 @@ TYPED_TEST_SUITE(gamma_law, result_types);
 // are rejected the further ones are tried in other groups too.
 TYPED_TEST(gamma_law, first_and_further_attempts) {
   using T = TypeParam;
-  constexpr std::uint32_t groups = 200'000;
+  constexpr std::uint32_t count = 200'000;
   std::uint32_t seed = sizeof(T);
   for (const double shape : {1e-3, 0.1, 0.5, 0.999, 1.0, 1.001, 2.5, 30.0, 60.0, 70.0, 1e4, 1e8}) {
     const auto alpha = static_cast<T>(shape);
     const auto c = gamma_constants_of(alpha, T(0), T(1));
     std::vector<T> all, rejected, further;
     ++seed;
-    for (std::uint32_t i = 0; i < groups; ++i) {
-      const gamma_group<T> group(alpha, i, seed);
-      all.push_back(group.value(c));
-      if (!group.accepted(c)) {
+    for_each_input(alpha, count, seed, [&](const auto& input) {
+      all.push_back(input.value(c));
+      if (!input.accepted(c)) {
         rejected.push_back(all.back());
-        ASSERT_EQ(all.back(), group.further(c));
+        ASSERT_EQ(all.back(), input.further(c));
       }
-      if (i % 4 == 0)
-        further.push_back(group.further(c));
-    }
+      if (all.size() % 8 < 2)
+        further.push_back(input.further(c));
+    });
     const auto cdf = [&](double x) { return boost::math::gamma_p(static_cast<double>(alpha), x); };
     for (const auto* values : {&all, &rejected, &further})
       if (values->size() > 100) {
@@ -126,8 +136,8 @@ TYPED_TEST(gamma_law, first_and_further_attempts) {
             << shape << ", " << values->size() << " values";
       }
     if (shape <= 2.5) {
-      EXPECT_GT(rejected.size(), groups / 200) << shape;
-      EXPECT_LT(rejected.size(), groups / 20) << shape;
+      EXPECT_GT(rejected.size(), count / 200) << shape;
+      EXPECT_LT(rejected.size(), count / 20) << shape;
     }
   }
 }
@@ -142,17 +152,18 @@ TYPED_TEST(gamma_law, squeeze_is_within_the_test) {
   for (const double shape : {1e-3, 0.5, 1.0, 1.5, 2.5, 10.0, 100.0}) {
     const auto alpha = static_cast<T>(shape);
     const auto c = gamma_constants_of(alpha, T(0), T(1));
-    for (std::uint32_t i = 0; i < 100'000; ++i) {
-      gamma_group<T> group(alpha, i, 77);
-      const T e = erfinv<scalar_ops<T>>(group.v);
+    bool close = false;
+    for_each_input(alpha, 100'000, 77, [&](const auto& input) {
+      const T e = input.e;
       const auto wide_e = static_cast<double>(e);
       const long double w = static_cast<long double>(c.wide_slope) * e;
       if (w <= -1)
-        continue;
+        return;
+      close = !close;
       const long double h = 3 * (static_cast<long double>(alpha) + (alpha < 1) - 1 / 3.0L) *
                             (std::log1p(w) - w * (1 - w * (0.5L - w / 3)));
       const double exact = static_cast<double>(std::exp(h));
-      const double near = exact * (1 + static_cast<double>(group.u - T(0.5)) * (i % 2 == 0 ? 1e-10 : 0.1));
+      const double near = exact * (1 + static_cast<double>(input.u - T(0.5)) * (close ? 1e-10 : 0.1));
       const auto u = static_cast<T>(std::min(near, 1.0));
       if (gamma_squeezed<scalar_ops<T>>(e, u, c).accepted) {
         EXPECT_LT(static_cast<double>(u), exact + margin) << shape << ' ' << e;
@@ -163,7 +174,7 @@ TYPED_TEST(gamma_law, squeeze_is_within_the_test) {
       if (std::fabs(near - exact) > 1e-12 * exact && near < 1) {
         EXPECT_EQ(gamma_accepts<D>(wide_e, near, c), near < exact) << shape << ' ' << e << ' ' << near;
       }
-    }
+    });
   }
   EXPECT_GT(squeezed, 10'000u);
   EXPECT_GT(undecided, 10'000u);
@@ -175,13 +186,13 @@ TYPED_TEST(gamma_law, squeeze_decides_nearly_all) {
   for (const auto& [shape, share] : {std::pair{1.0, 0.07}, {2.5, 0.02}, {0.5, 0.035}, {100.0, 0.001}}) {
     const auto c = gamma_constants_of(static_cast<T>(shape), T(0), T(1));
     int undecided = 0;
-    for (std::uint32_t i = 0; i < 100'000; ++i)
-      undecided += !gamma_group<T>(static_cast<T>(shape), i, 5).squeezed(c);
+    for_each_input(static_cast<T>(shape), 100'000, 5,
+                   [&](const auto& input) { undecided += !input.squeezed(c); });
     EXPECT_LT(undecided, 100'000 * share) << shape;
   }
 }
 
-double two_words(const words& own) {
+double two_words(const std::uint32_t (&own)[2]) {
   return refined<scalar_ops<double>>(unit<double>(own[0]), unit<double>(own[1]), 0x1p-32);
 }
 
@@ -203,7 +214,7 @@ TEST(geometric_law, cells_of_equal_probability) {
     std::vector<double> found(edges.size());
     ++seed;
     for (std::uint32_t i = 0; i < count; ++i) {
-      words own;
+      std::uint32_t own[2];
       draw(own, i, seed);
       const auto value = static_cast<std::int32_t>(geometric_icdf<scalar_ops<double>>(two_words(own), scale));
       ASSERT_GE(value, 0);
@@ -227,7 +238,7 @@ TEST(geometric_law, values_and_tails_are_those_of_the_exact_quotient) {
   for (const double p : {1e-10, 1e-7, 1e-3, 0.2, 0.5, 0.999999}) {
     const double scale = geometric_scale(p);
     for (std::uint32_t i = 0; i < 100'000; ++i) {
-      words own;
+      std::uint32_t own[2];
       draw(own, i, 8);
       if (i % 2 == 0) // a tail far beyond what one word reaches
         own[0] = 0x80000000;

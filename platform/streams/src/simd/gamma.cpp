@@ -10,35 +10,38 @@
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
 
-template <class Word, std::size_t Words>
-HVL_MATH_INLINE void own_words(const Word* group, std::uint32_t (&own)[4]) {
-  for (std::size_t k = 0; k < 4; ++k)
-    own[k] = k < Words ? raw(group[k]) : 0;
+template <std::size_t Words, class Word>
+HVL_MATH_INLINE void own_words(const Word* group, std::uint32_t (&own)[Words]) {
+  for (std::size_t k = 0; k < Words; ++k)
+    own[k] = raw(group[k]);
 }
-
-// In double two words make the normal number; in both types the acceptance follows, then the power of shapes below 1.
-template <class T>
-inline constexpr std::size_t normal_words = sizeof(T) / 4;
 
 #ifdef HVL_STREAMS_ISA_IS_SCALAR
 
 template <word_kind Kind, class T, bool BelowOne>
 void gamma(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
   using O = vector_ops<T>;
-  constexpr std::size_t group_words = math::gamma_words(BelowOne ? T(0.5) : T(1)).words;
+  constexpr math::word_use use = math::gamma_words<T>(BelowOne);
   const auto& p = *static_cast<const gamma_parameters<T>*>(parameters);
   auto* out = static_cast<T*>(values);
   const auto* group = static_cast<const word_of<Kind>*>(words);
-  for (std::size_t i = 0; i < count; ++i, group += group_words) {
+  for (std::size_t i = 0; i < count; i += use.values, group += use.words) {
     const auto unit = [&](std::size_t k) { return uniform_value<T>(group[k], p.unit); };
-    T v = uniform_value<T>(group[0], p.symmetric);
-    if constexpr (sizeof(T) == 8)
-      v = math::refined<O>(v, unit(1), p.symmetric.scale);
-    std::uint32_t own[4];
-    own_words<word_of<Kind>, group_words>(group, own);
-    const T value =
-        math::gamma_marsaglia<O>(v, unit(normal_words<T>), unit(group_words - 1), own, p.constants);
-    out[i] = p.accurate ? math::raised_to<O>(value, p.constants.displacement) : value;
+    T e[2];
+    if constexpr (sizeof(T) == 4) {
+      e[0] = math::erfinv<O>(uniform_value<T>(group[0], p.symmetric));
+    } else {
+      const auto pair = math::gamma_normal_pair<O>(unit(0), unit(1), p.unit.scale);
+      e[0] = pair.sine;
+      e[1] = pair.cosine;
+    }
+    std::uint32_t own[use.words];
+    own_words(group, own);
+    for (std::uint32_t k = 0; k < use.values && i + k < count; ++k) {
+      const T value = math::gamma_marsaglia<O>(e[k], unit(use.values + k), unit(use.words - use.values + k),
+                                               own, k, p.constants);
+      out[i + k] = p.accurate ? math::raised_to<O>(value, p.constants.displacement) : value;
+    }
   }
 }
 
@@ -59,15 +62,17 @@ class gamma_chunk {
   using O = vector_ops<T>;
   using wide = vector_ops<double>;
   using word = word_of<Kind>;
-  static constexpr std::size_t group_words = math::gamma_words(BelowOne ? T(0.5) : T(1)).words;
+  static constexpr math::word_use use = math::gamma_words<T>(BelowOne);
+  static constexpr std::size_t per_group = use.values;
   static constexpr std::size_t width = vector_values<T>;
   static constexpr std::size_t wide_width = vector_values<double>;
 
  public:
-  static constexpr std::size_t most = 512;
+  static constexpr std::size_t most_groups = 512 / per_group;
+  static constexpr std::size_t most = most_groups * per_group;
 
   HWY_INLINE gamma_chunk(const gamma_parameters<T>& p, const word* words, T* values, std::size_t count)
-      : p_(p), words_(words), values_(values), count_(count) {}
+      : p_(p), words_(words), values_(values), count_(count), groups_((count + per_group - 1) / per_group) {}
 
   HWY_INLINE void make() {
     first_attempts();
@@ -75,64 +80,96 @@ class gamma_chunk {
     for (std::uint32_t attempt = 1; rejected != 0 && attempt < math::gamma_attempts; ++attempt)
       rejected = further_attempt(rejected, attempt);
     for (std::size_t i = 0; i < rejected; ++i)
-      values_[place_[i]] = static_cast<T>(math::gamma_wide_core<math::scalar_ops<double>>(0.0, p_.constants));
+      *value_at(place_[i]) =
+          static_cast<T>(math::gamma_wide_core<math::scalar_ops<double>>(0.0, p_.constants));
     if (BelowOne || p_.accurate)
       finish();
   }
 
-  static constexpr std::size_t words_of(std::size_t values) { return values * group_words; }
-
  private:
-  // body(i, converted words, lanes) for every vector of groups; lanes are fewer than the width at the end.
+  // A value's place is its group's number plus most_groups times its number in the group.
+  HWY_INLINE T* value_at(std::size_t place) const {
+    return values_ + place % most_groups * per_group + place / most_groups;
+  }
+
+  // body(first group, words, groups) for every vector of groups; they do not fill the last one.
   template <class Body>
   HWY_INLINE void for_each_vector_of_groups(const Body& body) {
-    vector<T> w[group_words];
-    std::size_t i = 0;
-    for (; i + width <= count_; i += width) {
-      converted_groups<T>(words_ + i * group_words, w);
-      body(i, w, width);
+    vector<T> w[use.words];
+    for (std::size_t i = 0; i < groups_; i += width) {
+      const std::size_t groups = HWY_MIN(width, groups_ - i);
+      converted_groups<Kind, T>(words_ + i * use.words, groups, w);
+      body(i, w);
     }
-    if (i < count_) {
-      converted_last_groups<T>(words_ + i * group_words, count_ - i, w);
-      body(i, w, count_ - i);
+  }
+
+  HWY_INLINE vector<T> unit(vector<T> w) const { return scaled<Kind, T>(w, p_.unit); }
+
+  // The values of the groups from `first` on, vector k the k-th of each group.
+  HWY_INLINE void store_values(std::size_t first, const vector<T> (&v)[per_group]) {
+    T* const at = values_ + first * per_group;
+    const std::size_t count = count_ - first * per_group;
+    if (count >= width * per_group) {
+      store_groups(v, at);
+      return;
     }
+    alignas(vector_alignment) T tail[width * per_group];
+    store_groups(v, tail);
+    std::memcpy(at, tail, count * sizeof(T));
+  }
+
+  static HWY_INLINE void store_groups(const vector<T> (&v)[per_group], T* at) {
+    const vector_tag<T> d;
+    if constexpr (per_group == 1)
+      hn::StoreU(v[0], d, at);
+    else
+      hn::StoreInterleaved2(v[0], v[1], d, at);
   }
 
   HWY_INLINE void first_attempts() {
     const vector_tag<T> d;
-    for_each_vector_of_groups(
-        [&](std::size_t i, const vector<T>(&w)[group_words], std::size_t lanes) HVL_STREAMS_INLINE_LAMBDA {
-          auto v = scaled<Kind, T>(w[0], p_.symmetric);
-          if constexpr (sizeof(T) == 8)
-            v = math::refined<O>(v, scaled<Kind, T>(w[1], p_.unit), p_.symmetric.scale);
-          const auto u = scaled<Kind, T>(w[normal_words<T>], p_.unit);
-          const auto e = math::erfinv<O>(v);
-          const auto attempt = math::gamma_squeezed<O>(e, u, p_.constants);
-          hn::Store(e, d, e_ + i);
-          hn::Store(u, d, u_ + i);
-          accepted_[i / 64] |= bits_of<T>(attempt.accepted) << i % 64;
-          if (lanes == width)
-            hn::StoreU(attempt.core, d, values_ + i);
-          else
-            store_some<T>(attempt.core, values_ + i, lanes);
-        });
+    for_each_vector_of_groups([&](std::size_t i, const vector<T>(&w)[use.words]) HVL_STREAMS_INLINE_LAMBDA {
+      vector<T> e[per_group], core[per_group];
+      if constexpr (per_group == 1) {
+        e[0] = math::erfinv<O>(scaled<Kind, T>(w[0], p_.symmetric));
+      } else {
+        const auto pair = math::gamma_normal_pair<O>(unit(w[0]), unit(w[1]), p_.unit.scale);
+        e[0] = pair.sine;
+        e[1] = pair.cosine;
+      }
+      for (std::size_t k = 0; k < per_group; ++k) {
+        const std::size_t place = k * most_groups + i;
+        const auto u = unit(w[per_group + k]);
+        const auto attempt = math::gamma_squeezed<O>(e[k], u, p_.constants);
+        core[k] = attempt.core;
+        hn::Store(e[k], d, e_ + place);
+        hn::Store(u, d, u_ + place);
+        accepted_[place / 64] |= bits_of<T>(attempt.accepted) << place % 64;
+      }
+      store_values(i, core);
+    });
   }
 
   // The places that the squeeze has left undecided.
   HWY_INLINE std::size_t undecided() {
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < count_; i += 64) {
-      std::uint64_t open = ~accepted_[i / 64];
-      if (count_ - i < 64)
-        open &= (std::uint64_t{1} << (count_ - i)) - 1;
-      for (; open != 0; open &= open - 1)
-        place_[count++] = static_cast<std::uint32_t>(i) + static_cast<std::uint32_t>(__builtin_ctzll(open));
+    std::size_t found = 0;
+    for (std::size_t k = 0; k < per_group; ++k) {
+      const std::size_t values = (count_ - k + per_group - 1) / per_group;
+      for (std::size_t i = 0; i < values; i += 64) {
+        const std::size_t place = k * most_groups + i;
+        std::uint64_t open = ~accepted_[place / 64];
+        if (values - i < 64)
+          open &= (std::uint64_t{1} << (values - i)) - 1;
+        for (; open != 0; open &= open - 1)
+          place_[found++] =
+              static_cast<std::uint32_t>(place) + static_cast<std::uint32_t>(__builtin_ctzll(open));
+      }
     }
-    return count;
+    return found;
   }
 
-  // Keeps the first `count` places that are rejected, and returns how many. A vector of doubles at a time: gather(lane,
-  // place) for each of them, then accepted(places, lanes) is the mask.
+  // Keeps those of the first `count` places that are rejected, and returns how many. A vector of doubles at a time:
+  // gather(lane, place) for each of them, then accepted(places, lanes) is the mask.
   template <class Gather, class Accepted>
   HWY_INLINE std::size_t rejected_of(std::size_t count, const Gather& gather, const Accepted& accepted) {
     std::size_t kept = 0;
@@ -154,9 +191,9 @@ class gamma_chunk {
     alignas(vector_alignment) double e[wide_width] = {}, u[wide_width] = {};
     return rejected_of(
         count,
-        [&](std::size_t k, std::size_t at) HVL_STREAMS_INLINE_LAMBDA {
-          e[k] = static_cast<double>(e_[at]);
-          u[k] = static_cast<double>(u_[at]);
+        [&](std::size_t k, std::size_t place) HVL_STREAMS_INLINE_LAMBDA {
+          e[k] = static_cast<double>(e_[place]);
+          u[k] = static_cast<double>(u_[place]);
         },
         [&](const std::uint32_t*, std::size_t) HVL_STREAMS_INLINE_LAMBDA {
           return math::gamma_accepts<wide>(hn::Load(d, e), hn::Load(d, u), p_.constants);
@@ -169,10 +206,11 @@ class gamma_chunk {
     alignas(vector_alignment) double v[wide_width] = {}, u[wide_width] = {}, core[wide_width];
     return rejected_of(
         count,
-        [&](std::size_t k, std::size_t at) HVL_STREAMS_INLINE_LAMBDA {
-          std::uint32_t own[4];
-          own_words<word, group_words>(words_ + at * group_words, own);
-          const math::gamma_uniforms r = math::gamma_attempt_uniforms(own, attempt);
+        [&](std::size_t k, std::size_t place) HVL_STREAMS_INLINE_LAMBDA {
+          std::uint32_t own[use.words];
+          own_words(words_ + place % most_groups * use.words, own);
+          const auto which = static_cast<std::uint32_t>(place / most_groups);
+          const math::gamma_uniforms r = math::gamma_attempt_uniforms(own, which, attempt);
           v[k] = r.v;
           u[k] = r.u;
         },
@@ -180,32 +218,39 @@ class gamma_chunk {
           const auto e = math::erfinv<wide>(hn::Load(d, v));
           hn::Store(math::gamma_wide_core<wide>(e, p_.constants), d, core);
           for (std::size_t k = 0; k < lanes; ++k)
-            values_[places[k]] = static_cast<T>(core[k]);
+            *value_at(places[k]) = static_cast<T>(core[k]);
           return math::gamma_accepts<wide>(e, hn::Load(d, u), p_.constants);
         });
   }
 
   // The cores become values.
   HWY_INLINE void finish() {
-    for_each_vector_of_groups(
-        [&](std::size_t i, const vector<T>(&w)[group_words], std::size_t lanes) HVL_STREAMS_INLINE_LAMBDA {
-          const vector_tag<T> d;
-          alignas(vector_alignment) T core[width] = {};
-          std::memcpy(core, values_ + i, lanes * sizeof(T));
-          auto value = hn::Load(d, core);
-          if constexpr (BelowOne)
-            value = math::gamma_powered<O>(value, scaled<Kind, T>(w[group_words - 1], p_.unit), p_.constants);
-          if (p_.accurate)
-            value = math::raised_to<O>(value, p_.constants.displacement);
-          store_some<T>(value, values_ + i, lanes);
-        });
+    const vector_tag<T> d;
+    for_each_vector_of_groups([&](std::size_t i, const vector<T>(&w)[use.words]) HVL_STREAMS_INLINE_LAMBDA {
+      alignas(vector_alignment) T core[width * per_group] = {};
+      std::memcpy(core, values_ + i * per_group,
+                  HWY_MIN(width * per_group, count_ - i * per_group) * sizeof(T));
+      vector<T> v[per_group];
+      if constexpr (per_group == 1)
+        v[0] = hn::Load(d, core);
+      else
+        hn::LoadInterleaved2(d, core, v[0], v[1]);
+      for (std::size_t k = 0; k < per_group; ++k) {
+        if constexpr (BelowOne)
+          v[k] = math::gamma_powered<O>(v[k], unit(w[use.words - per_group + k]), p_.constants);
+        if (p_.accurate)
+          v[k] = math::raised_to<O>(v[k], p_.constants.displacement);
+      }
+      store_values(i, v);
+    });
   }
 
   const gamma_parameters<T>& p_;
   const word* words_;
   T* values_;
   std::size_t count_;
-  // of the first attempts; vectors write past the last one
+  std::size_t groups_;
+  // of the first attempts, by place
   alignas(vector_alignment) T e_[most];
   alignas(vector_alignment) T u_[most];
   std::uint64_t accepted_[most / 64] = {};
@@ -218,8 +263,11 @@ void gamma(const void* parameters, const void* words, void* values, std::size_t 
   const auto& p = *static_cast<const gamma_parameters<T>*>(parameters);
   const auto* w = static_cast<const word_of<Kind>*>(words);
   auto* out = static_cast<T*>(values);
-  for (std::size_t done = 0; done < count; done += chunk::most)
-    chunk(p, w + chunk::words_of(done), out + done, HWY_MIN(chunk::most, count - done)).make();
+  constexpr std::size_t chunk_words = chunk::most_groups * math::gamma_words<T>(BelowOne).words;
+  for (std::size_t made; count != 0; count -= made, out += made, w += chunk_words) {
+    made = HWY_MIN(chunk::most, count);
+    chunk(p, w, out, made).make();
+  }
 }
 
 #endif

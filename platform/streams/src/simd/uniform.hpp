@@ -140,7 +140,7 @@ class word_loader {
       return hn::Add(hn::Mul(converted(i), scale_), shift_);
   }
 
- private:
+  // The words as they are.
   HWY_INLINE vector<T> converted(std::size_t i) const {
     using word = word_of<Kind>;
     const vector_tag<word> d;
@@ -156,6 +156,7 @@ class word_loader {
                          to_float(hn::LoadU(d, w)));
   }
 
+ private:
   const void* words_;
   vector<T> scale_;
   vector<T> shift_;

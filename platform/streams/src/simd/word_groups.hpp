@@ -1,4 +1,4 @@
-// Groups of several words, word by word of the group: what a transform reads whose value takes more than one word.
+// Groups of several words, word by word of the group: what a transform reads whose values take words of different uses.
 #pragma once
 
 #include "simd/vector_ops.hpp"
@@ -17,51 +17,65 @@ HVL_MATH_INLINE std::uint32_t raw(Word word) {
 
 #ifndef HVL_STREAMS_ISA_IS_SCALAR
 
-template <class D, class Word, class Vector>
-HWY_INLINE void load_groups(D d, const Word* words, Vector (&to)[2]) {
-  hn::LoadInterleaved2(d, words, to[0], to[1]);
-}
-template <class D, class Word, class Vector>
-HWY_INLINE void load_groups(D d, const Word* words, Vector (&to)[3]) {
-  hn::LoadInterleaved3(d, words, to[0], to[1], to[2]);
-}
-template <class D, class Word, class Vector>
-HWY_INLINE void load_groups(D d, const Word* words, Vector (&to)[4]) {
-  hn::LoadInterleaved4(d, words, to[0], to[1], to[2], to[3]);
+// A word of 32 bits in the low half of each lane, whose upper half is 0.
+template <class Word>
+HWY_INLINE vector<double> low_half_to_double(vector<std::uint64_t> w) {
+  const vector_tag<std::uint64_t> d;
+  const vector_tag<double> dd;
+  // 2^52 + the word, a signed one moved up by 2^31
+  constexpr bool is_signed = std::is_signed_v<Word>;
+  constexpr std::uint64_t base = is_signed ? 0x4330000080000000 : 0x4330000000000000;
+  return hn::Sub(hn::BitCast(dd, hn::Xor(w, hn::Set(d, base))),
+                 hn::Set(dd, is_signed ? 0x1.000008p52 : 0x1p52));
 }
 
-// Vector k of the result holds word k of each group, converted to T.
-template <class T, class Word, std::size_t Words>
-HWY_INLINE void converted_groups(const Word* words, vector<T> (&to)[Words]) {
-  if constexpr (sizeof(T) == 8) {
-    using tag = std::conditional_t<sizeof(Word) == 8, vector_tag<Word>, hn::Half<vector_tag<std::uint32_t>>>;
-    const hn::Rebind<Word, tag> d;
-    hn::Vec<decltype(d)> w[Words];
-    load_groups(d, words, w);
+// Word k of group i becomes lane i of to[k], for the first `groups` groups; where they do not fill a vector nothing is
+// read behind them.
+template <word_kind Kind, class T, std::size_t Words>
+HWY_INLINE void converted_groups(const word_of<Kind>* words, std::size_t groups, vector<T> (&to)[Words]) {
+  using word = word_of<Kind>;
+  constexpr std::size_t width = vector_values<T>;
+  if (sizeof(word) == 8 || groups < width) {
+    alignas(vector_alignment) word apart[Words][width] = {};
+    for (std::size_t i = 0; i < groups; ++i)
+      for (std::size_t k = 0; k < Words; ++k)
+        apart[k][i] = words[i * Words + k];
     for (std::size_t k = 0; k < Words; ++k)
-      to[k] = to_double(w[k]);
-  } else if constexpr (sizeof(Word) == 4) {
-    const vector_tag<Word> d;
-    vector<Word> w[Words];
-    load_groups(d, words, w);
-    for (std::size_t k = 0; k < Words; ++k)
-      to[k] = to_float(w[k]);
-  } else {
-    const vector_tag<Word> d;
-    vector<Word> low[Words], high[Words];
-    load_groups(d, words, low);
-    load_groups(d, words + vector_values<Word> * Words, high);
-    for (std::size_t k = 0; k < Words; ++k)
-      to[k] = hn::Combine(vector_tag<T>(), to_float(high[k]), to_float(low[k]));
+      to[k] = word_loader<Kind, T>(apart[k], {}).converted(0);
+    return;
   }
-}
-
-// The same of the first `groups` groups only, the others made of zeros: nothing is read behind them.
-template <class T, class Word, std::size_t Words>
-HWY_INLINE void converted_last_groups(const Word* words, std::size_t groups, vector<T> (&to)[Words]) {
-  alignas(vector_alignment) Word copy[vector_values<T> * Words] = {};
-  std::memcpy(copy, words, groups * Words * sizeof(Word));
-  converted_groups<T>(copy, to);
+  if constexpr (sizeof(word) == 4 && sizeof(T) == 4) {
+    const vector_tag<word> d;
+    if constexpr (Words == 2) {
+      const auto low = hn::LoadU(d, words);
+      const auto high = hn::LoadU(d, words + width);
+      to[0] = to_float(hn::ConcatEven(d, high, low));
+      to[1] = to_float(hn::ConcatOdd(d, high, low));
+    } else {
+      static_assert(Words == 3);
+      vector<word> w[3];
+      hn::LoadInterleaved3(d, words, w[0], w[1], w[2]);
+      for (std::size_t k = 0; k < 3; ++k)
+        to[k] = to_float(w[k]);
+    }
+  } else if constexpr (sizeof(word) == 4) {
+    const vector_tag<std::uint64_t> d;
+    const auto* pairs = reinterpret_cast<const std::uint64_t*>(words);
+    vector<std::uint64_t> w[Words / 2];
+    if constexpr (Words == 4) {
+      const auto low = hn::LoadU(d, pairs);
+      const auto high = hn::LoadU(d, pairs + width);
+      w[0] = hn::ConcatEven(d, high, low);
+      w[1] = hn::ConcatOdd(d, high, low);
+    } else {
+      static_assert(Words == 6);
+      hn::LoadInterleaved3(d, pairs, w[0], w[1], w[2]);
+    }
+    for (std::size_t k = 0; k < Words / 2; ++k) {
+      to[2 * k] = low_half_to_double<word>(hn::And(w[k], hn::Set(d, 0xFFFFFFFFu)));
+      to[2 * k + 1] = low_half_to_double<word>(hn::ShiftRight<32>(w[k]));
+    }
+  }
 }
 
 // Converted words as uniforms, with the bits of uniform_value.

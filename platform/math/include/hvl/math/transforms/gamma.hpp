@@ -10,24 +10,26 @@
 //
 //   (1 - u) (1 + w) > 3 d w^4 (4 + (1 + w)) / 20 = x^4 (4 + (1 + w)) / (540 d),
 //
-// which needs no division, is false where 1 + w <= 0 and leaves 6 % of the values undecided at alpha = 1, 1.5 % at 2.5.
+// which needs no division, is false where 1 + w <= 0 (5 + w is positive: w > -0.41 |x|, |x| < 12) and leaves 6 % of the
+// values undecided at alpha = 1, 1.5 % at 2.5.
 // Shapes below 1 take a value of shape alpha + 1 times u^(1 / alpha).
 #pragma once
 
-#include "../erfinv.hpp"
 #include "../exp.hpp"
 #include "../log.hpp"
 #include "attempt_words.hpp"
-#include "refined.hpp"
+#include "gaussian.hpp"
 
 namespace hvl::math {
 
 // At alpha = 1, where it is greatest, an attempt is rejected with probability 0.049: all 32 with less than 2e-42. The
 // value is then that of x = 0.
 inline constexpr std::uint32_t gamma_attempts = 32;
-inline constexpr std::uint32_t gamma_hash_key = 0x67616D61;
+inline constexpr std::uint32_t gamma_hash_key =
+    0x67616D61; // of the first value of a group, the second's is one more
 
-// What the host forms once from the parameters. e = erfinv(v) = x / sqrt(2) stands for the normal number.
+// What the host forms once from the parameters. e = x / sqrt(2) stands for the normal number: in float it is erfinv(v),
+// v uniform on [-1, 1], in double one of gamma_normal_pair.
 template <class T>
 struct gamma_constants {
   T slope;   // w = slope e
@@ -82,7 +84,19 @@ struct gamma_attempt {
   typename O::mask accepted;
 };
 
-// Attempt 0, by the squeeze alone. e = erfinv(v), v uniform on [-1, 1]; u uniform on [0, 1].
+// Two numbers e of two uniforms on [0, 1], words scaled in steps of `cell`, by Box and Muller's method: it costs half the
+// time of two inversions in double. The radius takes the middle of the cell, so that a word of 0 is no outlier.
+template <class O>
+HVL_MATH_INLINE detail::normal_pair<O> gamma_normal_pair(typename O::value u1, typename O::value u2,
+                                                         typename O::scalar cell) {
+  using T = typename O::scalar;
+  const auto radius = O::sqrt(log_of_uniform<O, -1>(u1 + O::set(cell * T(0.5))));
+  typename O::value sine, cosine;
+  sincos_turns<O>(u2, sine, cosine);
+  return {radius * sine, radius * cosine};
+}
+
+// Attempt 0, by the squeeze alone; u uniform on [0, 1].
 template <class O>
 HVL_MATH_INLINE gamma_attempt<O> gamma_squeezed(typename O::value e, typename O::value u,
                                                 const gamma_constants<typename O::scalar>& c) {
@@ -119,23 +133,26 @@ HVL_MATH_INLINE typename O::value gamma_wide_core(typename O::value e, const gam
   return O::fma(O::set(c.wide_scale), t * (t * t), O::set(c.wide_base));
 }
 
-// The uniforms of attempt 1, 2, ... of the group whose own words are given, missing ones 0.
+// The uniforms of attempt 1, 2, ... of the group whose own words are given, v on [-1, 1] in both types; `which` value of
+// the group.
 struct gamma_uniforms {
   double v;
   double u;
 };
 
-HVL_MATH_INLINE constexpr gamma_uniforms gamma_attempt_uniforms(const std::uint32_t (&own)[4],
-                                                                std::uint32_t attempt) {
-  const philox_block hash = attempt_words(own, attempt, gamma_hash_key);
+template <std::size_t N>
+HVL_MATH_INLINE constexpr gamma_uniforms gamma_attempt_uniforms(const std::uint32_t (&own)[N],
+                                                                std::uint32_t which, std::uint32_t attempt) {
+  const philox_block hash = attempt_words(own, attempt, gamma_hash_key + which);
   return {attempt_symmetric(hash.word[0], hash.word[1]), attempt_uniform(hash.word[2])};
 }
 
 // The core of the first attempt from 1 on that is accepted. O is a policy of one number.
-template <class O, class T>
-HVL_MATH_INLINE double gamma_further_core(const std::uint32_t (&own)[4], const gamma_constants<T>& c) {
+template <class O, class T, std::size_t N>
+HVL_MATH_INLINE double gamma_further_core(const std::uint32_t (&own)[N], std::uint32_t which,
+                                          const gamma_constants<T>& c) {
   for (std::uint32_t attempt = 1; attempt < gamma_attempts; ++attempt) {
-    const gamma_uniforms r = gamma_attempt_uniforms(own, attempt);
+    const gamma_uniforms r = gamma_attempt_uniforms(own, which, attempt);
     const double e = erfinv<O>(r.v);
     if (gamma_accepts<O>(e, r.u, c))
       return gamma_wide_core<O>(e, c);
@@ -151,19 +168,19 @@ HVL_MATH_INLINE typename O::value gamma_powered(typename O::value core, typename
   return O::fma((power.mantissa * power.first) * core, power.second, O::set(c.displacement));
 }
 
-// One value whole, for a policy of one number: v, u and power as above; power is read at shapes below 1 only.
-template <class O>
-HVL_MATH_INLINE typename O::scalar gamma_marsaglia(typename O::scalar v, typename O::scalar u,
-                                                   typename O::scalar power, const std::uint32_t (&own)[4],
+// One value whole, for a policy of one number: e, u and power as above; power is read at shapes below 1 only.
+template <class O, std::size_t N>
+HVL_MATH_INLINE typename O::scalar gamma_marsaglia(typename O::scalar e, typename O::scalar u,
+                                                   typename O::scalar power, const std::uint32_t (&own)[N],
+                                                   std::uint32_t which,
                                                    const gamma_constants<typename O::scalar>& c) {
-  const auto e = erfinv<O>(v);
   const gamma_attempt<O> first = gamma_squeezed<O>(e, u, c);
   auto core = first.core;
   if (!first.accepted) {
     const auto decided = [&](auto wide_policy, double wide_e, double wide_u, double wide_core)
         __attribute__((always_inline)) {
       using W = decltype(wide_policy);
-      return gamma_accepts<W>(wide_e, wide_u, c) ? wide_core : gamma_further_core<W>(own, c);
+      return gamma_accepts<W>(wide_e, wide_u, c) ? wide_core : gamma_further_core<W>(own, which, c);
     };
     if constexpr (sizeof(core) == 8)
       core = decided(O{}, e, u, core);

@@ -25,10 +25,12 @@ inline constexpr word_use gumbel_icdf_words{1, 1};
 inline constexpr word_use cauchy_icdf_words{1, 1};
 inline constexpr word_use geometric_icdf_words{2, 1};
 
-// The normal number (two words in double), the acceptance, and at shapes below 1 the power.
+// float: the normal number, the acceptance, and at shapes below 1 the power. double: radius and angle of two normal
+// numbers, two acceptances, two powers.
 template <class T>
-constexpr word_use gamma_words(T alpha) {
-  return {(sizeof(T) == 4 ? 2u : 3u) + (alpha < 1 ? 1u : 0u), 1};
+constexpr word_use gamma_words(bool below_one) {
+  constexpr std::uint32_t values = sizeof(T) == 4 ? 1 : 2;
+  return {(below_one ? 3 : 2) * values, values};
 }
 
 } // namespace hvl::math
