@@ -4,6 +4,7 @@
 #include <type_traits>
 #include <variant>
 
+#include <hvl/math/erfinv.hpp>
 #include <hvl/math/transforms/gamma.hpp>
 #include <hvl/math/transforms/words.hpp>
 #include <hvl/streams.h>
@@ -17,28 +18,34 @@ namespace kestro::hvl::rng::detail {
 
 namespace gpu {
 
-/// The words of a group: the normal number (in double a second one refines it), the acceptance, and at shapes below 1 the
-/// power.
+/// The words of a group: in `float` the normal number of a value, in `double` radius and angle of those of two values; then
+/// their acceptances, and at shapes below 1 their powers.
 template <class T, bool BelowOne>
 struct gamma_marsaglia {
   using result_type = T;
   using uniform_type = T;
-  static constexpr word_use words = ::hvl::math::gamma_words(BelowOne ? T(0.5) : T(1));
+  static constexpr word_use words = ::hvl::math::gamma_words<T>(BelowOne);
 
   ::hvl::math::gamma_constants<T> constants;
   T displacement;
 
-  interval<T> uniforms(int k) const { return {k == 0 ? T(-1) : T(0), T(1)}; }
-  void operator()(const word_group<T, words.words>& group, T (&values)[1]) const {
-    std::uint32_t own[4] = {};
-    for (std::uint32_t k = 0; k < words.words; ++k)
-      own[k] = group.raw[k];
-    T v = group.uniforms[0];
-    if constexpr (std::is_same_v<T, double>)
-      v = ::hvl::math::refined<device_ops<T>>(v, group.uniforms[1], group.cells[0]);
-    constexpr int acceptance = words.words - (BelowOne ? 2 : 1);
-    values[0] = ::hvl::math::gamma_marsaglia<device_ops<T>>(v, group.uniforms[acceptance],
-                                                            group.uniforms[words.words - 1], own, constants);
+  interval<T> uniforms(int k) const { return {std::is_same_v<T, float> && k == 0 ? T(-1) : T(0), T(1)}; }
+
+  void operator()(const word_group<T, words.words>& group, T (&values)[words.values]) const {
+    using ops = device_ops<T>;
+    T normal[words.values];
+    if constexpr (std::is_same_v<T, float>) {
+      normal[0] = ::hvl::math::erfinv<ops>(group.uniforms[0]);
+    } else {
+      const auto pair =
+          ::hvl::math::gamma_normal_pair<ops>(group.uniforms[0], group.uniforms[1], group.cells[0]);
+      normal[0] = pair.sine;
+      normal[1] = pair.cosine;
+    }
+    for (std::uint32_t k = 0; k < words.values; ++k)
+      values[k] = ::hvl::math::gamma_marsaglia<ops>(normal[k], group.uniforms[words.values + k],
+                                                    group.uniforms[words.words - words.values + k], group.raw,
+                                                    k, constants);
   }
 };
 

@@ -17,10 +17,9 @@ struct marsaglia_accurate {};
 
 /// Shape alpha, displacement a, scale beta: mean a + alpha beta, variance alpha beta^2.
 ///
-/// Words per value: 2 in `float`, 3 in `double`, and one more at shapes below 1, whatever is rejected: a rejected first
-/// attempt is followed by others made of a hash of the value's own words. Densities are exact as far as 32 bits (`float`)
-/// and 64 bits (`double`) of the normal number behind a value reach; far tails end where it does, about 6.2 and 9 standard
-/// deviations from its middle.
+/// Two words a value, three at shapes below 1, whatever is rejected: a rejected first attempt is followed by others made of
+/// a hash of the value's own words. `double` makes values in pairs, so an odd n wastes the words of one value. Far tails
+/// end where the normal number behind a value does, which is made of 32 bits.
 template <class T = float, class Method = gamma_method::marsaglia>
 class gamma {
   static_assert(detail::is_one_of<T, float, double>, "gamma yields float or double");
