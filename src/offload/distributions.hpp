@@ -2,7 +2,9 @@
 
 /// Every distribution that the library can generate.
 #include "distributions/bits.hpp"
+#include "distributions/gamma.hpp"
 #include "distributions/gaussian.hpp"
+#include "distributions/geometric.hpp"
 #include "distributions/inverse_cdf.hpp"
 #include "distributions/lognormal.hpp"
 #include "distributions/uniform.hpp"

@@ -159,6 +159,16 @@ HVL_STREAMS_API int vsRngWeibull_64(int64_t method, vqs_stream stream, int64_t n
 HVL_STREAMS_API int vdRngWeibull_64(int64_t method, vqs_stream stream, int64_t n, double* r, double alpha,
                                     double a, double beta);
 
+/* Marsaglia and Tsang's rejection: shape alpha, displacement a, scale beta. Two words a value, three at shapes below 1;
+ * doubles are made in pairs. Accurate method: no value below a. */
+HVL_STREAMS_API int vsRngGamma_64(int64_t method, vqs_stream stream, int64_t n, float* r, float alpha,
+                                  float a, float beta);
+HVL_STREAMS_API int vdRngGamma_64(int64_t method, vqs_stream stream, int64_t n, double* r, double alpha,
+                                  double a, double beta);
+
+/* Failures before the first success of probability p, by inversion; saturated at 2^31 - 1. Two words a value. */
+HVL_STREAMS_API int viRngGeometric_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, double p);
+
 /* a + beta sqrt(-ln u). Accurate method: no value below a. */
 HVL_STREAMS_API int vsRngRayleigh_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a,
                                      float beta);

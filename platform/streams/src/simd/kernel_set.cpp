@@ -17,7 +17,8 @@ const block_kernel* block_kernel_of([[maybe_unused]] engine_index e) noexcept {
   return nullptr;
 }
 
-const kernel_set kernels = {block_kernel_of,       uniform_transform, gaussian_transform, lognormal_transform,
-                            inverse_cdf_transform, stream_lines,      xor_windows};
+const kernel_set kernels = {block_kernel_of,     uniform_transform,     gaussian_transform,
+                            lognormal_transform, inverse_cdf_transform, gamma_transform,
+                            geometric_transform, stream_lines,          xor_windows};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA
