@@ -16,6 +16,8 @@ struct modulus_2_31_minus_1 {
     const std::uint64_t folded = (p >> 31) + (p & modulus); // below 2^32
     return static_cast<word>(folded >= modulus ? folded - modulus : folded);
   }
+  static constexpr bool is_value(word w) { return w != 0 && w < modulus; }
+  static constexpr bool is_multiplier(word w) { return is_value(w); }
   static constexpr word residue(std::uint64_t seed) { return static_cast<word>(seed % modulus); }
 };
 
