@@ -2,6 +2,16 @@
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 
+namespace {
+
+#if !defined(HVL_STREAMS_ISA_IS_SCALAR) && HWY_TARGET <= HWY_AVX3
+constexpr const kernel_set& narrower = avx2::kernels;
+#else
+constexpr const kernel_set& narrower = scalar::kernels;
+#endif
+
+} // namespace
+
 const block_kernel* block_kernel_of(const engine& e) noexcept {
   const block_kernel* kernel = nullptr;
   switch (e.identifier) {
@@ -12,7 +22,9 @@ const block_kernel* block_kernel_of(const engine& e) noexcept {
 #include "hvl/engines.def"
 #undef HVL_ENGINE
   }
-  return kernel;
+  if (kernel == nullptr || kernel->is_supported == nullptr || kernel->is_supported())
+    return kernel;
+  return narrower.block(e);
 }
 
 const kernel_set kernels = {block_kernel_of,       uniform_transform, gaussian_transform, lognormal_transform,

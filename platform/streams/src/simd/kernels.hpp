@@ -35,6 +35,7 @@ struct block_kernel {
   void (*run_values)(void* workspace, void* out, std::size_t granules, const direct_values& values,
                      bool streaming) noexcept;
   bool can_stream;                           // run_values fills line after line, so that it may stream
+  bool (*is_supported)() noexcept = nullptr; // null: on every processor of the instruction set
 };
 
 inline constexpr std::size_t max_block_words = 2048;
