@@ -1,4 +1,5 @@
 #include "generators/entry.hpp"
+#include "generators/split_mix.hpp"
 
 namespace hvl::streams {
 namespace {
@@ -12,19 +13,24 @@ struct mcg_generator {
   static constexpr std::uint32_t words_per_thread = 1 << 16;
   static constexpr record_field fields[] = {{16, sizeof(word), 2}};
 
-  static int seed(record& r, std::uint64_t value) {
+  static void set_state(record& r, word x) {
     r.a = Engine::multiplier;
-    r.x = Engine::residue(value);
-    if (r.x == 0)
-      r.x = 1;
+    r.x = x;
+  }
+
+  // Small seeds as they are would begin near 0, and neighbouring ones stay in proportion.
+  static int seed(record& r, std::uint64_t value) {
+    set_state(r, Engine::state_from(split_mix64(value)()));
     return VQS_STATUS_OK;
   }
 
-  // The list spells one seed, low word first; words past the second are ignored.
+  // The list spells the state, low word first; words past the second are ignored.
   static int seed_words(record& r, std::span<const std::uint32_t> words) {
     const std::uint64_t low = words.empty() ? 0 : words[0];
     const std::uint64_t high = words.size() < 2 ? 0 : words[1];
-    return seed(r, high << 32 | low);
+    const word x = Engine::residue(high << 32 | low);
+    set_state(r, x != 0 ? x : 1);
+    return VQS_STATUS_OK;
   }
 
   static bool in_range(const record& r) { return Engine::is_value(r.x) && Engine::is_multiplier(r.a); }

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "generators/entry.hpp"
+#include "generators/split_mix.hpp"
 
 namespace hvl::streams {
 namespace {
@@ -48,8 +49,9 @@ struct generator {
   static constexpr std::uint32_t words_per_thread = 1 << 16;
   static constexpr record_field fields[] = {{16, 4, 6}};
 
-  static int seed_words(record& r, std::span<const std::uint32_t> words) {
-    const auto word = [&](std::size_t i) { return i < words.size() ? words[i] : 1u; };
+  // word(i), reduced, is word i of the state x0 x1 x2 y0 y1 y2; called in this order.
+  template <class Word>
+  static int set_state(record& r, Word word) {
     const auto fill = [&](std::uint32_t(&v)[3], std::size_t first, std::uint64_t m) {
       for (std::size_t i = 0; i < 3; ++i)
         v[i] = static_cast<std::uint32_t>(word(first + i) % m);
@@ -63,10 +65,13 @@ struct generator {
     return VQS_STATUS_OK;
   }
 
+  static int seed_words(record& r, std::span<const std::uint32_t> words) {
+    return set_state(r, [&](std::size_t i) { return i < words.size() ? words[i] : 1u; });
+  }
+
+  // Neighbouring seeds as they are would give streams whose first values are near each other.
   static int seed(record& r, std::uint64_t value) {
-    // a seed of 32 bits is a list of one word
-    const auto words = words_of_seed(value);
-    return seed_words(r, std::span(words).first(value >> 32 == 0 ? 1 : 2));
+    return set_state(r, [next = split_mix64(value)](std::size_t) mutable { return next(); });
   }
 
   static bool in_range(const record& r) {
