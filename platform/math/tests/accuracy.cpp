@@ -95,6 +95,12 @@ constexpr float_function float_functions[] = {
     {"log_of_uniform times -2", "every normal number in (0, 1]",
      over_block<[](float x) { return log_of_uniform<F, -2>(x); }, [](double x) { return -2 * log<D>(x); }>,
      least, 1.0f, false},
+    {"log1p", "every positive normal number",
+     over_block<[](float x) { return log1p<F>(x); }, [](double x) { return log1p<D>(x); }>, least, greatest,
+     false},
+    {"log1p of -x", "every normal number in (0, 1)",
+     over_block<[](float x) { return log1p<F>(-x); }, [](double x) { return log1p<D>(-x); }>, least,
+     0x1.fffffep-1f, false},
     {"exp", "every number", over_block<[](float x) { return exp<F>(x); }, [](double x) { return exp<D>(x); }>,
      0.0f, greatest, true},
     {"sin of turns", "every number in [-1, 1] from 2^-100 on in magnitude", over_block<sine<F>, sine<D>>,
@@ -243,6 +249,13 @@ std::vector<measured> measure_double(std::uint64_t points) {
   const auto log_random = [&] { return d.fraction() < 0.5 ? 1 - d.fraction() : d.of_exponents(-1022, 1024); };
   d.against("log", "positive normal numbers", [](double x) { return log<D>(x); }, mpfr_log, log_random,
             {0.5, std::sqrt(0.5), 1, std::sqrt(2.0), 2, 0x1p-32, 0x1p-59, 0x1.fffffffffff00p+1023});
+  const auto log1p_random = [&] {
+    if (d.fraction() < 0.5)
+      return d.of_exponents(-60, 60);
+    return d.fraction() < 0.5 ? d.fraction() - 1 : -d.of_exponents(-60, 0);
+  };
+  d.against("log1p", "above -1", [](double x) { return log1p<D>(x); }, mpfr_log1p, log1p_random,
+            {-1 + 0x1p-47, std::sqrt(0.5) - 1, -0x1p-53, 0x1p-53, 0x1p-52, std::sqrt(2.0) - 1, 1, 0x1p53});
   auto exp_hard = multiples(0.69314718055994531, 60);
   for (const double x : {709.782712893384, 709.5, -708.396, -744.44, -745.1332, 0x1p-54, 1e-300})
     exp_hard.push_back(x);

@@ -35,24 +35,47 @@ HVL_MATH_INLINE typename O::value log_series(typename O::value f, const typename
   return O::fma(f2, f * polynomial<O>(f, f2, terms), f2 * O::set(typename O::scalar(-0.5)));
 }
 
+// log(x) = head + tail
+template <class O>
+struct log_parts {
+  typename O::value head;
+  typename O::value tail;
+};
+
+template <class O>
+HVL_MATH_INLINE log_parts<O> log_split(typename O::value x) {
+  using T = typename O::scalar;
+  const split<O> s = split_exponent<O>(x, sqrt_half_bits<T>);
+  const auto f = s.mantissa - O::set(T(1));
+  const auto series = log_series<O>(f, log_terms<T>::p);
+  constexpr T high = ln2<T>::high / exponent_unit<T>;
+  constexpr T low = ln2<T>::low / exponent_unit<T>;
+  const auto tail = O::fma(s.exponent, O::set(low), series);
+  const auto head = O::fma(s.exponent, O::set(high), f);
+  if constexpr (sizeof(T) == 8)
+    return {head, tail};
+  // what rounding took from head: without it the error would pass one ulp
+  const auto lost = f - O::fma(s.exponent, O::set(-high), head);
+  return {head, lost + tail};
+}
+
 } // namespace detail
 
 // Logarithm of a positive normal number. Other arguments give no meaningful result.
 template <class O>
 HVL_MATH_INLINE typename O::value log(typename O::value x) {
-  using T = typename O::scalar;
-  const detail::split<O> s = detail::split_exponent<O>(x, detail::sqrt_half_bits<T>);
-  const auto f = s.mantissa - O::set(T(1));
-  const auto series = detail::log_series<O>(f, detail::log_terms<T>::p);
-  constexpr T high = detail::ln2<T>::high / detail::exponent_unit<T>;
-  constexpr T low = detail::ln2<T>::low / detail::exponent_unit<T>;
-  const auto tail = O::fma(s.exponent, O::set(low), series);
-  const auto head = O::fma(s.exponent, O::set(high), f);
-  if constexpr (sizeof(T) == 8)
-    return head + tail;
-  // what rounding took from head: without it the error would pass one ulp
-  const auto lost = f - O::fma(s.exponent, O::set(-high), head);
-  return head + (lost + tail);
+  const detail::log_parts<O> parts = detail::log_split<O>(x);
+  return parts.head + parts.tail;
+}
+
+// log(1 + x) for x > -1 finite: the logarithm of the rounded sum, and what the rounding took.
+template <class O>
+HVL_MATH_INLINE typename O::value log1p(typename O::value x) {
+  const auto one = O::set(typename O::scalar(1));
+  const auto sum = one + x;
+  const auto lost = x - (sum - one); // exact where it counts
+  const detail::log_parts<O> parts = detail::log_split<O>(sum);
+  return parts.head + (parts.tail + lost / sum);
 }
 
 namespace detail {

@@ -23,5 +23,12 @@ inline constexpr word_use weibull_icdf_words{1, 1};
 inline constexpr word_use rayleigh_icdf_words{1, 1};
 inline constexpr word_use gumbel_icdf_words{1, 1};
 inline constexpr word_use cauchy_icdf_words{1, 1};
+inline constexpr word_use geometric_icdf_words{2, 1};
+
+// The normal number (two words in double), the acceptance, and at shapes below 1 the power.
+template <class T>
+constexpr word_use gamma_words(T alpha) {
+  return {(sizeof(T) == 4 ? 2u : 3u) + (alpha < 1 ? 1u : 0u), 1};
+}
 
 } // namespace hvl::math

@@ -1,0 +1,246 @@
+// The laws of gamma and geometric against Boost.Math's distribution functions. The words are philox's, so a run repeats;
+// every comparison is allowed a false alarm with probability 1e-9 for other words.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include <boost/math/distributions/chi_squared.hpp>
+#include <boost/math/distributions/geometric.hpp>
+#include <boost/math/special_functions/gamma.hpp>
+
+#include "hvl/math/transforms.hpp"
+
+namespace hvl::math {
+namespace {
+
+constexpr double false_alarm = 1e-9;
+
+using words = std::uint32_t[4];
+
+void draw(words& own, std::uint32_t group, std::uint32_t seed) {
+  const philox_block block = philox4x32x10({{group, 0, 0, 0}}, seed, 0);
+  std::copy(block.word, block.word + 4, own);
+}
+
+// Words of 32 bits as the library scales them.
+template <class T>
+T symmetric(std::uint32_t word) {
+  return static_cast<T>(static_cast<std::int32_t>(word)) * static_cast<T>(0x1p-31);
+}
+template <class T>
+T unit(std::uint32_t word) {
+  return static_cast<T>(static_cast<std::int32_t>(word)) * static_cast<T>(0x1p-32) + static_cast<T>(0.5);
+}
+
+// Kolmogorov's statistic exceeds the bound with the probability false_alarm (and Massart's factor 2 holds for every n).
+double kolmogorov_bound(std::size_t n) {
+  return std::sqrt(std::log(2 / false_alarm) / (2 * static_cast<double>(n)));
+}
+
+// The largest difference between the empirical and the exact distribution function, at some 4000 values.
+template <class T, class Cdf>
+double kolmogorov_statistic(std::vector<T> values, const Cdf& cdf) {
+  std::sort(values.begin(), values.end());
+  const auto n = static_cast<double>(values.size());
+  double largest = 0;
+  for (std::size_t i = 0; i < values.size(); i += 1 + values.size() / 4000) {
+    const auto [first, last] = std::equal_range(values.begin(), values.end(), values[i]);
+    // what rounds to a value lies between its neighbours
+    const auto from = static_cast<double>(std::nextafter(values[i], T(0)));
+    const auto to = static_cast<double>(std::nextafter(values[i], std::numeric_limits<T>::max()));
+    largest = std::max({largest, static_cast<double>(last - values.begin()) / n - cdf(to),
+                        cdf(from) - static_cast<double>(first - values.begin()) / n});
+  }
+  return largest;
+}
+
+template <class T>
+struct gamma_group {
+  using O = scalar_ops<T>;
+  using D = scalar_ops<double>;
+
+  gamma_group(T alpha, std::uint32_t group, std::uint32_t seed) {
+    const std::uint32_t count = gamma_words(alpha).words;
+    words w;
+    draw(w, group, seed);
+    std::copy(w, w + count, own);
+    if constexpr (sizeof(T) == 4) {
+      v = symmetric<T>(own[0]);
+    } else {
+      v = refined<O>(symmetric<T>(own[0]), unit<T>(own[1]), 0x1p-31);
+    }
+    u = unit<T>(own[sizeof(T) == 4 ? 1 : 2]);
+    power = unit<T>(own[count - 1]);
+  }
+
+  T value(const gamma_constants<T>& c) const { return gamma_marsaglia<O>(v, u, power, own, c); }
+
+  // What stands where the first attempt is rejected.
+  T further(const gamma_constants<T>& c) const {
+    const auto core = static_cast<T>(gamma_further_core<D>(own, c));
+    return c.below_one ? gamma_powered<O>(core, power, c) : core;
+  }
+
+  bool squeezed(const gamma_constants<T>& c) const { return gamma_squeezed<O>(erfinv<O>(v), u, c).accepted; }
+  bool accepted(const gamma_constants<T>& c) const {
+    return squeezed(c) || gamma_accepts<D>(static_cast<double>(erfinv<O>(v)), static_cast<double>(u), c);
+  }
+
+  words own = {};
+  T v, u, power;
+};
+
+template <class T>
+class gamma_law : public ::testing::Test {};
+using result_types = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(gamma_law, result_types);
+
+// Values of first attempts, and of further ones where a first one was rejected, each have the law themselves; where few
+// are rejected the further ones are tried in other groups too.
+TYPED_TEST(gamma_law, first_and_further_attempts) {
+  using T = TypeParam;
+  constexpr std::uint32_t groups = 200'000;
+  std::uint32_t seed = sizeof(T);
+  for (const double shape : {1e-3, 0.1, 0.5, 0.999, 1.0, 1.001, 2.5, 30.0, 60.0, 70.0, 1e4, 1e8}) {
+    const auto alpha = static_cast<T>(shape);
+    const auto c = gamma_constants_of(alpha, T(0), T(1));
+    std::vector<T> all, rejected, further;
+    ++seed;
+    for (std::uint32_t i = 0; i < groups; ++i) {
+      const gamma_group<T> group(alpha, i, seed);
+      all.push_back(group.value(c));
+      if (!group.accepted(c)) {
+        rejected.push_back(all.back());
+        ASSERT_EQ(all.back(), group.further(c));
+      }
+      if (i % 4 == 0)
+        further.push_back(group.further(c));
+    }
+    const auto cdf = [&](double x) { return boost::math::gamma_p(static_cast<double>(alpha), x); };
+    for (const auto* values : {&all, &rejected, &further})
+      if (values->size() > 100) {
+        EXPECT_LT(kolmogorov_statistic(*values, cdf), kolmogorov_bound(values->size()))
+            << shape << ", " << values->size() << " values";
+      }
+    if (shape <= 2.5) {
+      EXPECT_GT(rejected.size(), groups / 200) << shape;
+      EXPECT_LT(rejected.size(), groups / 20) << shape;
+    }
+  }
+}
+
+// Uniforms close below the squeeze's threshold and close to the test's: whatever the squeeze accepts the test accepts,
+// and the test agrees with the exponent in long double.
+TYPED_TEST(gamma_law, squeeze_is_within_the_test) {
+  using T = TypeParam;
+  using D = scalar_ops<double>;
+  constexpr double margin = sizeof(T) == 4 ? 1e-6 : 1e-14;
+  std::uint32_t squeezed = 0, undecided = 0;
+  for (const double shape : {1e-3, 0.5, 1.0, 1.5, 2.5, 10.0, 100.0}) {
+    const auto alpha = static_cast<T>(shape);
+    const auto c = gamma_constants_of(alpha, T(0), T(1));
+    for (std::uint32_t i = 0; i < 100'000; ++i) {
+      gamma_group<T> group(alpha, i, 77);
+      const T e = erfinv<scalar_ops<T>>(group.v);
+      const auto wide_e = static_cast<double>(e);
+      const long double w = static_cast<long double>(c.wide_slope) * e;
+      if (w <= -1)
+        continue;
+      const long double h = 3 * (static_cast<long double>(alpha) + (alpha < 1) - 1 / 3.0L) *
+                            (std::log1p(w) - w * (1 - w * (0.5L - w / 3)));
+      const double exact = static_cast<double>(std::exp(h));
+      const double near = exact * (1 + static_cast<double>(group.u - T(0.5)) * (i % 2 == 0 ? 1e-10 : 0.1));
+      const auto u = static_cast<T>(std::min(near, 1.0));
+      if (gamma_squeezed<scalar_ops<T>>(e, u, c).accepted) {
+        EXPECT_LT(static_cast<double>(u), exact + margin) << shape << ' ' << e;
+        ++squeezed;
+      } else {
+        ++undecided;
+      }
+      if (std::fabs(near - exact) > 1e-12 * exact && near < 1) {
+        EXPECT_EQ(gamma_accepts<D>(wide_e, near, c), near < exact) << shape << ' ' << e << ' ' << near;
+      }
+    }
+  }
+  EXPECT_GT(squeezed, 10'000u);
+  EXPECT_GT(undecided, 10'000u);
+}
+
+// The share of the first attempts that the squeeze decides, the reason for its form.
+TYPED_TEST(gamma_law, squeeze_decides_nearly_all) {
+  using T = TypeParam;
+  for (const auto& [shape, share] : {std::pair{1.0, 0.07}, {2.5, 0.02}, {0.5, 0.035}, {100.0, 0.001}}) {
+    const auto c = gamma_constants_of(static_cast<T>(shape), T(0), T(1));
+    int undecided = 0;
+    for (std::uint32_t i = 0; i < 100'000; ++i)
+      undecided += !gamma_group<T>(static_cast<T>(shape), i, 5).squeezed(c);
+    EXPECT_LT(undecided, 100'000 * share) << shape;
+  }
+}
+
+double two_words(const words& own) {
+  return refined<scalar_ops<double>>(unit<double>(own[0]), unit<double>(own[1]), 0x1p-32);
+}
+
+TEST(geometric_law, cells_of_equal_probability) {
+  constexpr std::uint32_t count = 400'000;
+  std::uint32_t seed = 100;
+  for (const double p : {1e-10, 1e-9, 1e-4, 0.01, 0.3, 0.5, 0.9, 0.999}) {
+    const boost::math::geometric_distribution<double> law(p);
+    const double scale = geometric_scale(p);
+    // cell i ends with edges[i]
+    std::vector<double> edges;
+    constexpr double greatest = std::numeric_limits<std::int32_t>::max();
+    for (int i = 1; i < 40; ++i) {
+      const double edge = std::floor(std::log1p(-i / 40.0) / std::log1p(-p));
+      if (edge < greatest && (edges.empty() || edge > edges.back()))
+        edges.push_back(edge);
+    }
+    edges.push_back(greatest);
+    std::vector<double> found(edges.size());
+    ++seed;
+    for (std::uint32_t i = 0; i < count; ++i) {
+      words own;
+      draw(own, i, seed);
+      const auto value = static_cast<std::int32_t>(geometric_icdf<scalar_ops<double>>(two_words(own), scale));
+      ASSERT_GE(value, 0);
+      ++found[static_cast<std::size_t>(std::lower_bound(edges.begin(), edges.end(), value) - edges.begin())];
+    }
+    double statistic = 0, below = 0;
+    for (std::size_t i = 0; i < edges.size(); ++i) {
+      const double up_to = i + 1 < edges.size() ? boost::math::cdf(law, edges[i]) : 1.0;
+      const double expected = (up_to - below) * count;
+      statistic += (found[i] - expected) * (found[i] - expected) / expected;
+      below = up_to;
+    }
+    if (edges.size() > 1) {
+      const boost::math::chi_squared_distribution<double> chi(static_cast<double>(edges.size() - 1));
+      EXPECT_LT(statistic, boost::math::quantile(boost::math::complement(chi, false_alarm))) << p;
+    }
+  }
+}
+
+TEST(geometric_law, values_and_tails_are_those_of_the_exact_quotient) {
+  for (const double p : {1e-10, 1e-7, 1e-3, 0.2, 0.5, 0.999999}) {
+    const double scale = geometric_scale(p);
+    for (std::uint32_t i = 0; i < 100'000; ++i) {
+      words own;
+      draw(own, i, 8);
+      if (i % 2 == 0) // a tail far beyond what one word reaches
+        own[0] = 0x80000000;
+      const double u = two_words(own);
+      const long double exact = std::min(
+          std::log(static_cast<long double>(u)) / std::log1p(-static_cast<long double>(p)), 2147483647.0L);
+      const auto value = static_cast<std::int32_t>(geometric_icdf<scalar_ops<double>>(u, scale));
+      if (std::fabs(exact - std::round(exact)) > 4e-6L || exact == 2147483647.0L) {
+        EXPECT_EQ(value, static_cast<std::int32_t>(exact)) << p << ' ' << u;
+      }
+    }
+  }
+}
+
+} // namespace
+} // namespace hvl::math
