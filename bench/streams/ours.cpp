@@ -4,22 +4,13 @@
 #include <memory>
 #include <stdexcept>
 
+#include "engines.hpp"
 #include "hvl/core.h"
 #include "hvl/streams.h"
 #include "sizes.hpp"
 
 namespace bench {
 namespace {
-
-struct engine {
-  const char* name;
-  std::int32_t id;
-};
-constexpr engine engines[] = {{"philox4x32x10", VQS_ENGINE_PHILOX4X32X10},
-                              {"mrg32k3a", VQS_ENGINE_MRG32K3A},
-                              {"mcg31m1", VQS_ENGINE_MCG31M1},
-                              {"mcg59", VQS_ENGINE_MCG59},
-                              {"mt19937", VQS_ENGINE_MT19937}};
 
 void check(int status) {
   if (status != VQS_STATUS_OK)

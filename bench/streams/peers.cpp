@@ -1,4 +1,5 @@
 // What a user would otherwise take, compiled for this machine's processor.
+#include <Random123/ars.h>
 #include <Random123/philox.h>
 #include <dSFMT.h>
 #include <gsl/gsl_rng.h>
@@ -30,16 +31,18 @@ struct from_engine {
   }
 };
 
-struct random123_philox {
+// Cipher of Random123: blocks of four words under a key whose first word is a seed.
+template <class Cipher>
+struct random123 {
   std::uint64_t block = 0;
 
   template <class T, class Convert>
   void blocks(std::span<T> out, const Convert& convert) {
-    const r123::Philox4x32 philox;
-    const r123::Philox4x32::key_type key = {{20211113u, 0u}};
+    const Cipher cipher;
+    const typename Cipher::key_type key = {{20211113u}};
     for (std::size_t i = 0; i + 4 <= out.size(); i += 4, ++block) {
-      const r123::Philox4x32::ctr_type words =
-          philox({{static_cast<std::uint32_t>(block), static_cast<std::uint32_t>(block >> 32), 0u, 0u}}, key);
+      const typename Cipher::ctr_type words =
+          cipher({{static_cast<std::uint32_t>(block), static_cast<std::uint32_t>(block >> 32), 0u, 0u}}, key);
       for (std::size_t w = 0; w < 4; ++w)
         out[i + w] = convert(words[w]);
     }
@@ -125,8 +128,12 @@ void register_peers() {
       "std_mcg31m1",
       from_engine<std::linear_congruential_engine<std::uint32_t, 1132489760, 0, 2147483647>>());
   register_words_and_reals("textbook_mrg32k3a", textbook_mrg32k3a());
-  register_peer<std::uint32_t>("random123_philox/bits", random123_philox());
-  register_peer<float>("random123_philox/float", random123_philox());
+  register_peer<std::uint32_t>("random123_philox/bits", random123<r123::Philox4x32>());
+  register_peer<float>("random123_philox/float", random123<r123::Philox4x32>());
+#if R123_USE_AES_NI
+  register_peer<std::uint32_t>("random123_ars5/bits", random123<r123::ARS4x32_R<5>>());
+  register_peer<float>("random123_ars5/float", random123<r123::ARS4x32_R<5>>());
+#endif
   register_peer<double>("gsl_mt19937/double", gsl_mt19937());
   register_peer<double>("dsfmt/double", dsfmt_fill());
 }

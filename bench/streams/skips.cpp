@@ -1,17 +1,12 @@
 // Skips, and single calls: what is paid before the first number.
 #include <memory>
 
+#include "engines.hpp"
 #include "hvl/streams.h"
 #include "sizes.hpp"
 
 namespace bench {
 namespace {
-
-constexpr std::pair<const char*, std::int32_t> engines[] = {{"philox4x32x10", VQS_ENGINE_PHILOX4X32X10},
-                                                            {"mrg32k3a", VQS_ENGINE_MRG32K3A},
-                                                            {"mcg31m1", VQS_ENGINE_MCG31M1},
-                                                            {"mcg59", VQS_ENGINE_MCG59},
-                                                            {"mt19937", VQS_ENGINE_MT19937}};
 
 // `distance_step` other than 0 asks for another distance each time, so that nothing prepared is found again.
 void skips(benchmark::State& state, std::int32_t id, std::uint64_t distance, std::uint64_t distance_step) {

@@ -30,7 +30,7 @@ void seal(bytes& state) {
 // A state of the engine that `selector` names, overwritten from a place on.
 bytes patched(std::uint8_t selector, std::size_t place, std::span<const std::uint8_t> patch) {
   const engine& e = *all_engines()[selector % all_engines().size()];
-  const record_pointer record = new_record(e);
+  const record_pointer record = new_record(e, e.identifier);
   e.seed(record.get(), 1);
   bytes state(saved_state_bytes(e));
   encode_state(e, record.get(), state);

@@ -121,8 +121,7 @@ void stream(word_reader& reader, const part& p, const transform& t, const kernel
 
 void run_part(const engine& e, const kernel_set& kernels, const part& p, const transform& t,
               bool streaming) noexcept {
-  word_reader reader(e, kernels.block(static_cast<engine_index>(index_of(e))), p.record,
-                     words_of(p.values, t));
+  word_reader reader(e, kernels.block(e), p.record, words_of(p.values, t));
   if (streaming)
     stream(reader, p, t, kernels);
   else
@@ -135,11 +134,11 @@ void run_part(const engine& e, const kernel_set& kernels, const part& p, const t
 class part_records {
  public:
   part_records(const engine& e, const void* record, std::size_t count, std::uint64_t words_apart)
-      : stride_((e.record_bytes + vector_alignment - 1) / vector_alignment * vector_alignment),
+      : stride_((record_bytes(record) + vector_alignment - 1) / vector_alignment * vector_alignment),
         bytes_(new (std::align_val_t{vector_alignment}) std::byte[stride_ * count]) {
     const auto derive = [&](std::size_t part, const void* earlier, std::uint64_t words) {
-      std::memcpy((*this)[part], earlier, e.record_bytes);
-      e.skip((*this)[part], std::span(&words, 1));
+      std::memcpy((*this)[part], earlier, record_bytes(earlier));
+      e.advance((*this)[part], std::span(&words, 1));
     };
     derive(0, record, words_apart);
     for (std::size_t known = 1; known < count; known *= 2)
@@ -186,7 +185,7 @@ void generate(const engine& e, const kernel_set& kernels, void* record, std::uin
         {i == 0 ? record : later[i - 1], std::min(values_per_part, n - first), bytes + first * t.value_bytes},
         t, streaming);
   });
-  std::memcpy(record, later[parts - 2], e.record_bytes);
+  std::memcpy(record, later[parts - 2], record_bytes(record));
 }
 
 } // namespace hvl::streams

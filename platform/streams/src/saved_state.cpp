@@ -45,7 +45,7 @@ void encode_state(const engine& e, const void* record, std::span<std::uint8_t> o
   std::uint8_t* at = out.data();
   put(at, state_magic, 4);
   put(at, state_version, 4);
-  put(at, static_cast<std::uint32_t>(e.id), 4);
+  put(at, static_cast<std::uint32_t>(static_cast<const vqs_record_header*>(record)->engine), 4);
   put(at, payload_bytes(e), 4);
   for (const record_field& field : e.fields) {
     const auto* source = static_cast<const std::byte*>(record) + field.offset_bytes;
@@ -85,7 +85,8 @@ int decode_state(std::span<const std::uint8_t> state, record_pointer& record) {
   if (get(sum, checksum_bytes) != checksum(state.first(state_bytes - checksum_bytes)))
     return VQS_STATUS_STATE_CHECKSUM;
 
-  record_pointer decoded = new_record(*e);
+  const std::uint8_t* id = state.data() + 8;
+  record_pointer decoded = new_record(*e, static_cast<std::int32_t>(static_cast<std::uint32_t>(get(id, 4))));
   const std::uint8_t* at = state.data() + state_header_bytes;
   for (const record_field& field : e->fields) {
     auto* target = static_cast<std::byte*>(decoded.get()) + field.offset_bytes;

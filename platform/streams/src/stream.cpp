@@ -3,13 +3,34 @@
 #include <cstring>
 
 namespace hvl::streams {
+namespace {
 
-record_pointer new_record(const engine& e) {
-  record_pointer record(hvl_serv_malloc(e.record_bytes, 64));
+record_pointer allocate(std::size_t bytes) {
+  record_pointer record(hvl_serv_malloc(bytes, 64));
   if (!record)
     throw std::bad_alloc();
-  std::memset(record.get(), 0, e.record_bytes);
-  const vqs_record_header header{live_stream_magic, e.id, e.record_bytes, 0};
+  return record;
+}
+
+// Hands over a new stream of an engine that `seed(engine, record)` seeds.
+template <class Seed>
+int new_stream(vqs_stream* stream, std::int32_t id, const Seed& seed) {
+  const engine* e = find_engine(id);
+  if (e == nullptr)
+    return VQS_STATUS_UNKNOWN_ENGINE;
+  record_pointer record = new_record(*e, id);
+  const int status = seed(*e, record.get());
+  if (status == VQS_STATUS_OK)
+    *stream = record.release();
+  return status;
+}
+
+} // namespace
+
+record_pointer new_record(const engine& e, std::int32_t id) {
+  record_pointer record = allocate(e.most_record_bytes);
+  std::memset(record.get(), 0, e.most_record_bytes);
+  const vqs_record_header header{live_stream_magic, id, e.most_record_bytes, 0};
   std::memcpy(record.get(), &header, sizeof header);
   return record;
 }
@@ -24,20 +45,15 @@ int32_t vqsEngineOfStream(vqs_stream stream) {
   const engine* e = engine_of(stream);
   if (e == nullptr)
     return VQS_STATUS_BAD_STREAM;
-  return e->id;
+  return static_cast<const vqs_record_header*>(stream)->engine;
 }
 
 int vqsNewStream_64(vqs_stream* stream, int32_t engine_id, uint64_t seed) {
   return guarded([&]() -> int {
     if (stream == nullptr)
       return VQS_STATUS_NULL_POINTER;
-    const engine* e = find_engine(engine_id);
-    if (e == nullptr)
-      return VQS_STATUS_UNKNOWN_ENGINE;
-    record_pointer record = new_record(*e);
-    e->seed(record.get(), seed);
-    *stream = record.release();
-    return VQS_STATUS_OK;
+    return new_stream(stream, engine_id,
+                      [seed](const engine& e, void* record) { return e.seed(record, seed); });
   });
 }
 
@@ -45,15 +61,11 @@ int vqsNewStreamEx_64(vqs_stream* stream, int32_t engine_id, int64_t count, cons
   return guarded([&]() -> int {
     if (stream == nullptr || (words == nullptr && count != 0))
       return VQS_STATUS_NULL_POINTER;
-    const engine* e = find_engine(engine_id);
-    if (e == nullptr)
-      return VQS_STATUS_UNKNOWN_ENGINE;
-    if (count < 0)
-      return VQS_STATUS_BAD_COUNT;
-    record_pointer record = new_record(*e);
-    e->seed_words(record.get(), std::span(words, static_cast<std::size_t>(count)));
-    *stream = record.release();
-    return VQS_STATUS_OK;
+    return new_stream(stream, engine_id, [=](const engine& e, void* record) -> int {
+      if (count < 0)
+        return VQS_STATUS_BAD_COUNT;
+      return e.seed_words(record, std::span(words, static_cast<std::size_t>(count)));
+    });
   });
 }
 
@@ -64,8 +76,8 @@ int vqsCopyStream_64(vqs_stream* out, vqs_stream in) {
     const engine* e = engine_of(in);
     if (e == nullptr)
       return VQS_STATUS_BAD_STREAM;
-    record_pointer record = new_record(*e);
-    std::memcpy(record.get(), in, e->record_bytes);
+    record_pointer record = allocate(record_bytes(in));
+    std::memcpy(record.get(), in, record_bytes(in));
     *out = record.release();
     return VQS_STATUS_OK;
   });
@@ -96,9 +108,9 @@ int vqsSkipAheadStreamEx_64(vqs_stream stream, int64_t count, const uint64_t* wo
       return VQS_STATUS_BAD_STREAM;
     if (count < 0)
       return VQS_STATUS_BAD_COUNT;
-    if (e->skip == nullptr)
+    if (e->skip == hvl::engines::skip_form::none)
       return VQS_STATUS_SKIP_UNSUPPORTED;
-    e->skip(stream, std::span(words, static_cast<std::size_t>(count)));
+    e->advance(stream, std::span(words, static_cast<std::size_t>(count)));
     return VQS_STATUS_OK;
   });
 }
@@ -109,7 +121,7 @@ int vqsLeapfrogStream_64(vqs_stream stream, uint64_t idx, uint64_t stride) {
   const engine* e = engine_of(stream);
   if (e == nullptr)
     return VQS_STATUS_BAD_STREAM;
-  if (e->leapfrog == nullptr)
+  if (!e->has_leapfrog)
     return VQS_STATUS_LEAPFROG_UNSUPPORTED;
   if (stride == 0)
     return VQS_STATUS_BAD_PARAMETER;

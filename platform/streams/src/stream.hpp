@@ -23,8 +23,8 @@ inline const engine* engine_of(vqs_stream stream) noexcept {
   return header != nullptr && header->magic == live_stream_magic ? find_engine(header->engine) : nullptr;
 }
 
-// A zeroed record with its header written; throws std::bad_alloc.
-record_pointer new_record(const engine& e);
+// A zeroed record of an engine's member with its header written; throws std::bad_alloc.
+record_pointer new_record(const engine& e, std::int32_t id);
 
 // Runs `body`, which returns a status; what it throws becomes one.
 template <class Body>

@@ -78,7 +78,7 @@ class word_reader {
     if (kernel_->close != nullptr)
       kernel_->close(workspace_, record_, total_);
     else
-      engine_.skip(record_, std::span(&total_, 1));
+      engine_.advance(record_, std::span(&total_, 1));
   }
 
  private:

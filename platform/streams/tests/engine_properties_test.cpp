@@ -6,7 +6,6 @@
 #include <memory>
 #include <random>
 
-#include "hvl/streams_record.h"
 #include "support.hpp"
 
 namespace hvl::streams::test {
@@ -223,30 +222,42 @@ TEST_P(engine_properties, a_tiny_last_part_stays_within_the_output) {
 
 HVL_STREAMS_FOR_EACH_ENGINE(engine_properties);
 
-TEST(philox4x32x10, has_a_period_of_2_to_130) {
-  owned_stream stream(VQS_ENGINE_PHILOX4X32X10);
+template <class Engine>
+class counter_engines : public ::testing::Test {
+ protected:
+  static owned_stream stream() {
+    return owned_stream(Engine::about.identifier, std::uint64_t{22} << 32 | 11);
+  }
+  static typename Engine::record& record(const owned_stream& stream) {
+    return *static_cast<typename Engine::record*>(static_cast<vqs_stream>(stream));
+  }
+};
+using counter_engine_types = ::testing::Types<engines::philox4x32x10, engines::ars5>;
+TYPED_TEST_SUITE(counter_engines, counter_engine_types);
+
+TYPED_TEST(counter_engines, have_a_period_of_2_to_130) {
+  owned_stream stream = this->stream();
   stream.bits(1);
   const auto before = stream.saved();
   EXPECT_EQ(stream.skip_words({0, 0, 4}).saved(), before);
   EXPECT_EQ(stream.skip_words({0, 0, 1}).skip_words({0, 0, 3, 77}).saved(), before);
 }
 
-TEST(philox4x32x10, remaining_words_and_carries) {
+TYPED_TEST(counter_engines, give_remaining_words_and_carry) {
   // remaining 4: the whole block before the counter is still to come
-  const std::uint32_t words[] = {11, 22, 0, 0, 0, 0};
   for_every_mode([&] {
     for (const std::uint32_t c0 : {0xFFFFFFF0u, 0u}) {
-      owned_stream plain(VQS_ENGINE_PHILOX4X32X10, words);
-      auto* record = static_cast<vqs_philox4x32x10_record*>(static_cast<vqs_stream>(plain));
-      record->c0 = c0;
-      record->c1 = record->c2 = record->c3 = 0xFFFFFFFF;
+      owned_stream plain = this->stream();
+      auto& p = this->record(plain);
+      p.c0 = c0;
+      p.c1 = p.c2 = p.c3 = 0xFFFFFFFF;
       const auto expected = owned_stream(plain).bits(9000);
       for (std::uint32_t remaining = 0; remaining <= 4; ++remaining) {
         owned_stream stream(plain);
-        auto* r = static_cast<vqs_philox4x32x10_record*>(static_cast<vqs_stream>(stream));
-        if (++r->c0 == 0) // the block before the counter is the plain stream's first
-          r->c1 = r->c2 = r->c3 = 0;
-        r->remaining = remaining;
+        auto& r = this->record(stream);
+        if (++r.c0 == 0) // the block before the counter is the plain stream's first
+          r.c1 = r.c2 = r.c3 = 0;
+        r.remaining = remaining;
         for (const std::size_t n : {1u, 6u, 800u, 8000u})
           expect_equal(owned_stream(stream).bits(n),
                        {expected.begin() + 4 - remaining,

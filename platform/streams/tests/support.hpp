@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "hvl/core.h"
+#include "hvl/engines.hpp"
 #include "hvl/streams.h"
 
 namespace hvl::streams::test {
@@ -25,9 +26,9 @@ inline void PrintTo(const engine_entry& e, std::ostream* out) {
 }
 
 inline constexpr engine_entry engines[] = {
-#define HVL_STREAMS_ENGINE(name, id) {#name, id},
-#include "engines.def"
-#undef HVL_STREAMS_ENGINE
+#define HVL_ENGINE(name) {#name, hvl::engines::name::about.identifier},
+#include "hvl/engines.def"
+#undef HVL_ENGINE
 };
 
 class owned_stream {

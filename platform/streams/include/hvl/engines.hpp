@@ -1,6 +1,7 @@
 // The engines of hvl/engines.def.
 #pragma once
 
+#include "hvl/engines/ars5.hpp"
 #include "hvl/engines/mcg31m1.hpp"
 #include "hvl/engines/mcg59.hpp"
 #include "hvl/engines/mrg32k3a.hpp"

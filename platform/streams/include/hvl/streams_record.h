@@ -20,6 +20,14 @@ typedef struct {
   uint32_t remaining;
 } vqs_philox4x32x10_record;
 
+/* As above, with a key of 128 bits. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t k0, k1, k2, k3;
+  uint32_t c0, c1, c2, c3;
+  uint32_t remaining;
+} vqs_ars5_record;
+
 /* The three last values of each component, oldest first. */
 typedef struct {
   vqs_record_header header;

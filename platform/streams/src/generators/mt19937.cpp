@@ -1,33 +1,22 @@
-// M. Matsumoto, T. Nishimura, "Mersenne Twister: a 623-dimensionally equidistributed uniform pseudo-random
-// number generator", ACM TOMACS 8 (1998); seeding of 2002.
+// Seeding: the authors' of 2002.
 #include "generators/mt19937.hpp"
 
 #include <algorithm>
 #include <vector>
 
-#include "engine.hpp"
+#include "generators/entry.hpp"
 
 namespace hvl::streams {
 namespace {
 
 using record_type = vqs_mt19937_record;
 __extension__ using wide = unsigned __int128;
-constexpr std::size_t n = mt19937_words;
-constexpr std::size_t m = mt19937_middle;
+constexpr engines::mt19937::recurrence recurrence{};
+constexpr std::size_t n = recurrence.size;
+constexpr std::size_t m = recurrence.middle;
 
 // Up to here regenerating block after block is faster than a jump whose polynomial is new.
 constexpr std::uint64_t blocks_worth_a_jump = 2048;
-
-record_type& as_record(void* record) {
-  return *static_cast<record_type*>(record);
-}
-
-std::uint32_t tempered(std::uint32_t y) {
-  y ^= y >> 11;
-  y ^= (y << 7) & 0x9D2C5680;
-  y ^= (y << 15) & 0xEFC60000;
-  return y ^ (y >> 18);
-}
 
 void init_genrand(record_type& r, std::uint32_t seed) {
   r.words[0] = seed;
@@ -55,49 +44,7 @@ void init_by_array(record_type& r, std::span<const std::uint32_t> key) {
     x[i] = (x[i] ^ ((x[i - 1] ^ (x[i - 1] >> 30)) * 1566083941u)) - static_cast<std::uint32_t>(i);
     advance();
   }
-  x[0] = mt19937_upper;
-}
-
-// No word at all seeds as the authors' default does.
-void seed_words(void* record, std::span<const std::uint32_t> words) noexcept {
-  if (words.empty())
-    init_genrand(as_record(record), 5489u);
-  else
-    init_by_array(as_record(record), words);
-}
-
-// A seed of more than 32 bits is a list of two words.
-void seed(void* record, std::uint64_t value) noexcept {
-  const std::uint32_t words[] = {static_cast<std::uint32_t>(value), static_cast<std::uint32_t>(value >> 32)};
-  if (words[1] == 0)
-    init_genrand(as_record(record), words[0]);
-  else
-    init_by_array(as_record(record), words);
-}
-
-// Of the first word only the top bit belongs to the state.
-bool in_range(const void* record) noexcept {
-  const auto& r = *static_cast<const record_type*>(record);
-  const bool any = (r.words[0] & mt19937_upper) != 0 ||
-                   std::any_of(r.words + 1, r.words + n, [](std::uint32_t word) { return word != 0; });
-  return any && r.position <= n;
-}
-
-void draw(void* record, void* words, std::size_t count) noexcept {
-  record_type& r = as_record(record);
-  auto* out = static_cast<std::uint32_t*>(words);
-  while (count != 0) {
-    if (r.position == n) {
-      mt19937_next_block(r.words);
-      r.position = 0;
-    }
-    const std::size_t here = std::min(count, n - r.position);
-    for (std::size_t i = 0; i < here; ++i)
-      out[i] = tempered(r.words[r.position + i]);
-    out += here;
-    count -= here;
-    r.position += static_cast<std::uint32_t>(here);
-  }
+  x[0] = recurrence.upper;
 }
 
 bool fits_one_word(std::span<const std::uint64_t> count) {
@@ -135,60 +82,89 @@ void multiply_by_block(std::vector<std::uint64_t>& count) {
     count.push_back(carry);
 }
 
-// Leaves the record as drawing `count` words would: a block is regenerated only when a word of the next one
-// is wanted, so the new position lies in 1..624.
-void skip(void* record, std::span<const std::uint64_t> count) {
-  record_type& r = as_record(record);
-  if (count.empty())
-    return;
-  if (fits_one_word(count) && count[0] <= n - r.position) {
-    r.position += static_cast<std::uint32_t>(count[0]);
-    return;
-  }
-  // blocks to go and place in the last one: (position + count - 1) divided by 624
-  std::vector<std::uint64_t> blocks(count.begin(), count.end());
-  add(blocks, r.position);
-  for (std::uint64_t& word : blocks)
-    if (word-- != 0)
-      break;
-  const std::uint32_t place = divide_by_block(blocks);
-  if (fits_one_word(blocks) && blocks[0] <= blocks_worth_a_jump) {
-    for (std::uint64_t i = 0; i < blocks[0]; ++i)
-      mt19937_next_block(r.words);
-  } else {
-    multiply_by_block(blocks);
-    mt19937_jump(r.words, blocks);
-  }
-  r.position = place + 1;
-}
+struct generator {
+  using type = engines::mt19937;
 
-constexpr record_field fields[] = {{16, 4, n + 1}};
+  static constexpr std::uint32_t words_per_thread = 1 << 22;
+  static constexpr record_field fields[] = {{16, 4, n + 1}};
+
+  // No word at all seeds as the authors' default does.
+  static int seed_words(record_type& r, std::span<const std::uint32_t> words) {
+    if (words.empty())
+      init_genrand(r, 5489u);
+    else
+      init_by_array(r, words);
+    return VQS_STATUS_OK;
+  }
+
+  // A seed of more than 32 bits is a list of two words.
+  static int seed(record_type& r, std::uint64_t value) {
+    if (value >> 32 == 0)
+      init_genrand(r, static_cast<std::uint32_t>(value));
+    else
+      init_by_array(r, words_of_seed(value));
+    return VQS_STATUS_OK;
+  }
+
+  // Of the first word only the top bit belongs to the state.
+  static bool in_range(const record_type& r) {
+    const bool any = (r.words[0] & recurrence.upper) != 0 ||
+                     std::any_of(r.words + 1, r.words + n, [](std::uint32_t word) { return word != 0; });
+    return any && r.position <= n;
+  }
+
+  static void draw(record_type& r, std::uint32_t* out, std::size_t count) {
+    while (count != 0) {
+      if (r.position == n) {
+        mt19937_next_block(r.words);
+        r.position = 0;
+      }
+      const std::size_t here = std::min(count, n - r.position);
+      for (std::size_t i = 0; i < here; ++i)
+        out[i] = recurrence.output(r.words[r.position + i]);
+      out += here;
+      count -= here;
+      r.position += static_cast<std::uint32_t>(here);
+    }
+  }
+
+  // Leaves the record as drawing `count` words would: a block is regenerated only when a word of the next one
+  // is wanted, so the new position lies in 1..624.
+  static void advance(record_type& r, std::span<const std::uint64_t> count) {
+    if (count.empty())
+      return;
+    if (fits_one_word(count) && count[0] <= n - r.position) {
+      r.position += static_cast<std::uint32_t>(count[0]);
+      return;
+    }
+    // blocks to go and place in the last one: (position + count - 1) divided by 624
+    std::vector<std::uint64_t> blocks(count.begin(), count.end());
+    add(blocks, r.position);
+    for (std::uint64_t& word : blocks)
+      if (word-- != 0)
+        break;
+    const std::uint32_t place = divide_by_block(blocks);
+    if (fits_one_word(blocks) && blocks[0] <= blocks_worth_a_jump) {
+      for (std::uint64_t i = 0; i < blocks[0]; ++i)
+        mt19937_next_block(r.words);
+    } else {
+      multiply_by_block(blocks);
+      mt19937_jump(r.words, blocks);
+    }
+    r.position = place + 1;
+  }
+};
 
 } // namespace
 
 void mt19937_next_block(std::uint32_t* x) noexcept {
   for (std::size_t i = 0; i < n - m; ++i)
-    x[i] = mt19937_twist(x[i], x[i + 1], x[i + m]);
+    x[i] = recurrence.twist(x[i], x[i + 1], x[i + m]);
   for (std::size_t i = n - m; i < n - 1; ++i)
-    x[i] = mt19937_twist(x[i], x[i + 1], x[i + m - n]);
-  x[n - 1] = mt19937_twist(x[n - 1], x[0], x[m - 1]);
+    x[i] = recurrence.twist(x[i], x[i + 1], x[i + m - n]);
+  x[n - 1] = recurrence.twist(x[n - 1], x[0], x[m - 1]);
 }
 
-const engine mt19937_engine = {
-    VQS_ENGINE_MT19937,
-    "mt19937",
-    word_kind::signed32,
-    word_scale::signed32,
-    true,
-    sizeof(record_type),
-    1 << 22,
-    fields,
-    seed,
-    seed_words,
-    in_range,
-    draw,
-    skip,
-    nullptr,
-};
+const engine mt19937_engine = entry<generator>();
 
 } // namespace hvl::streams

@@ -21,6 +21,7 @@ namespace hvl::streams {
 namespace {
 
 constexpr std::size_t bits = 64;
+constexpr std::size_t mt19937_words = engines::mt19937::recurrence::size;
 constexpr std::size_t polynomial_words = (mt19937_degree + bits - 1) / bits;
 static_assert(polynomial_words * 2 == mt19937_words);
 

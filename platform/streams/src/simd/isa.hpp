@@ -14,7 +14,7 @@
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 
-const block_kernel* block_kernel_of(engine_index e) noexcept;
+const block_kernel* block_kernel_of(const engine& e) noexcept;
 transform_function uniform_transform(word_kind kind, uniform_result result) noexcept;
 transform_function gaussian_transform(word_kind kind, gaussian_method method, precision p) noexcept;
 transform_function lognormal_transform(word_kind kind, lognormal_method method, bool accurate,
@@ -27,10 +27,9 @@ void stream_lines(void* out, const void* in, std::size_t bytes) noexcept;
 void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
                  std::size_t degree) noexcept;
 
-#ifndef HVL_STREAMS_ISA_IS_SCALAR
-#define HVL_STREAMS_ENGINE(name, id) extern const block_kernel name##_blocks;
-#include "engines.def"
-#undef HVL_STREAMS_ENGINE
-#endif
+// Weak: an engine without a source in src/simd has none, and its address is null.
+#define HVL_ENGINE(name) extern const block_kernel name##_blocks __attribute__((weak));
+#include "hvl/engines.def"
+#undef HVL_ENGINE
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -2,19 +2,29 @@
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 
-const block_kernel* block_kernel_of([[maybe_unused]] engine_index e) noexcept {
-#ifndef HVL_STREAMS_ISA_IS_SCALAR
-  switch (e) {
-#define HVL_STREAMS_ENGINE(name, id)                                                                         \
-  case engine_index::name:                                                                                   \
-    return &name##_blocks;
-#include "engines.def"
-#undef HVL_STREAMS_ENGINE
-  case engine_index::count:
-    break;
-  }
+namespace {
+
+#if !defined(HVL_STREAMS_ISA_IS_SCALAR) && HWY_TARGET <= HWY_AVX3
+constexpr const kernel_set& narrower = avx2::kernels;
+#else
+constexpr const kernel_set& narrower = scalar::kernels;
 #endif
-  return nullptr;
+
+} // namespace
+
+const block_kernel* block_kernel_of(const engine& e) noexcept {
+  const block_kernel* kernel = nullptr;
+  switch (e.identifier) {
+#define HVL_ENGINE(name)                                                                                     \
+  case engines::name::about.identifier:                                                                      \
+    kernel = &name##_blocks;                                                                                 \
+    break;
+#include "hvl/engines.def"
+#undef HVL_ENGINE
+  }
+  if (kernel == nullptr || kernel->is_supported == nullptr || kernel->is_supported())
+    return kernel;
+  return narrower.block(e);
 }
 
 const kernel_set kernels = {block_kernel_of,     uniform_transform,     gaussian_transform,

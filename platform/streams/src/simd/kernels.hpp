@@ -23,7 +23,7 @@ struct direct_values {
 // An engine's words at full speed, in whole granules. `open` reads a record into a workspace and returns how
 // many leading words of the first granule lie before the record's position. Each `run` writes the next
 // granules. `close` brings a record from where `open` read it to `words_taken` words further; null means that
-// the engine's skip does it.
+// the engine's advance does it.
 struct block_kernel {
   std::uint32_t granule_words;
   std::uint32_t block_words; // a multiple of granule_words that keeps words and values in L1
@@ -34,7 +34,8 @@ struct block_kernel {
   // As run, a value to a word. Streaming output is aligned to vector_alignment.
   void (*run_values)(void* workspace, void* out, std::size_t granules, const direct_values& values,
                      bool streaming) noexcept;
-  bool can_stream; // run_values fills line after line, so that it may stream
+  bool can_stream;                           // run_values fills line after line, so that it may stream
+  bool (*is_supported)() noexcept = nullptr; // null: on every processor of the instruction set
 };
 
 inline constexpr std::size_t max_block_words = 2048;
@@ -68,7 +69,7 @@ struct uniform_parameters {
 
 struct kernel_set {
   // Null where the engine's draw is the best there is.
-  const block_kernel* (*block)(engine_index e) noexcept;
+  const block_kernel* (*block)(const engine& e) noexcept;
   // Parameters are uniform_parameters by the types of computation and result.
   transform_function (*uniform)(word_kind kind, uniform_result result) noexcept;
   // Parameters are those of continuous.hpp for the family and the precision.

@@ -1,7 +1,5 @@
 // Lane i of the vectors in flight holds the output at position i; a step multiplies all of them by the power
 // of the multiplier that carries each to the next granule. So outputs leave in order.
-#include "generators/mcg.hpp"
-
 #include "simd/value_sink.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
@@ -20,7 +18,7 @@ class product31 {
 
   HWY_INLINE explicit product31(std::uint32_t factor)
       : doubled_(hn::BitCast(d32, hn::Set(d64, std::uint64_t{factor} * 2))),
-        modulus_(hn::Set(d32, mcg31m1_arithmetic::modulus)) {}
+        modulus_(hn::Set(d32, engines::mcg31m1::modulus)) {}
 
   HWY_INLINE vec32 operator()(vec32 x) const {
     const vec64 even = hn::MulEven(x, doubled_);
@@ -62,7 +60,7 @@ class product59 {
   }
 
   static HWY_INLINE vec64 output(vec64 x) {
-    return hn::And(x, hn::Set(d64, mcg59_arithmetic::mask));
+    return hn::And(x, hn::Set(d64, engines::mcg59::mask));
   }
 
  private:
@@ -73,9 +71,9 @@ class product59 {
 };
 
 // Kind is how values read the words.
-template <class Arithmetic, class Product, word_kind Kind>
+template <class Engine, class Product, word_kind Kind>
 struct blocks {
-  using word = typename Arithmetic::word;
+  using word = typename Engine::word;
   using vec = typename Product::vec;
   static constexpr std::size_t in_flight = 8;
   static constexpr std::size_t lanes = hn::MaxLanes(hn::ScalableTag<word>());
@@ -87,15 +85,15 @@ struct blocks {
   };
 
   static std::uint32_t open(const void* record, void* workspace_memory) noexcept {
-    const auto& r = *static_cast<const typename Arithmetic::record*>(record);
+    const auto& r = *static_cast<const typename Engine::record*>(record);
     auto& w = *static_cast<workspace*>(workspace_memory);
     // doubling: the first 1, 2, 4, ... positions give as many more
     w.position[0] = r.x;
     word power = r.a;
     for (std::size_t known = 1; known < granule; known *= 2) {
       for (std::size_t i = 0; i < known; ++i)
-        w.position[known + i] = Arithmetic::product(w.position[i], power);
-      power = Arithmetic::product(power, power);
+        w.position[known + i] = Engine::product(w.position[i], power);
+      power = Engine::product(power, power);
     }
     w.step = power;
     return 0;
@@ -140,7 +138,7 @@ struct blocks {
 } // namespace
 
 // Words below 2^31 are the same read as signed, which converts faster.
-const block_kernel mcg31m1_blocks = blocks<mcg31m1_arithmetic, product31, word_kind::signed32>::kernel;
-const block_kernel mcg59_blocks = blocks<mcg59_arithmetic, product59, word_kind::unsigned64>::kernel;
+const block_kernel mcg31m1_blocks = blocks<engines::mcg31m1, product31, word_kind::signed32>::kernel;
+const block_kernel mcg59_blocks = blocks<engines::mcg59, product59, word_kind::unsigned64>::kernel;
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

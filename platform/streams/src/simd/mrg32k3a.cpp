@@ -158,10 +158,10 @@ HWY_INLINE void step(lane_states& s, std::uint32_t* out) {
   constexpr std::size_t newest = (Oldest + 2) % 3;
 #pragma GCC unroll 4
   for (std::size_t v = 0; v < in_flight; ++v) {
-    const vec tx = hn::MulSub(hn::Set(dd, mrg32k3a_a12), s.x[middle][v],
-                              hn::Mul(hn::Set(dd, mrg32k3a_a13), s.x[Oldest][v]));
-    const vec ty = hn::MulSub(hn::Set(dd, mrg32k3a_a21), s.y[newest][v],
-                              hn::Mul(hn::Set(dd, mrg32k3a_a23), s.y[Oldest][v]));
+    const vec tx = hn::MulSub(hn::Set(dd, engines::mrg32k3a::a12), s.x[middle][v],
+                              hn::Mul(hn::Set(dd, engines::mrg32k3a::a13), s.x[Oldest][v]));
+    const vec ty = hn::MulSub(hn::Set(dd, engines::mrg32k3a::a21), s.y[newest][v],
+                              hn::Mul(hn::Set(dd, engines::mrg32k3a::a23), s.y[Oldest][v]));
     s.x[Oldest][v] = reduced(tx, m1);
     s.y[Oldest][v] = reduced(ty, m2);
   }

@@ -1,8 +1,7 @@
 // The recurrence in vectors over the block, in place, each new vector tempered while it is in a register.
-#include "generators/mt19937.hpp"
-
 #include <cstring>
 
+#include "hvl/engines/mt19937.hpp"
 #include "simd/value_sink.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
@@ -11,8 +10,9 @@ namespace {
 const hn::ScalableTag<std::uint32_t> d;
 using vec = hn::Vec<decltype(d)>;
 constexpr std::size_t lanes = hn::MaxLanes(hn::ScalableTag<std::uint32_t>());
-constexpr std::size_t n = mt19937_words;
-constexpr std::size_t m = mt19937_middle;
+using recurrence = engines::mt19937::recurrence;
+constexpr std::size_t n = recurrence::size;
+constexpr std::size_t m = recurrence::middle;
 static_assert(n % lanes == 0);
 
 struct workspace {
@@ -24,16 +24,16 @@ struct workspace {
 
 HWY_INLINE vec tempered(vec y) {
   y = hn::Xor(y, hn::ShiftRight<11>(y));
-  y = hn::Xor(y, hn::And(hn::ShiftLeft<7>(y), hn::Set(d, 0x9D2C5680u)));
-  y = hn::Xor(y, hn::And(hn::ShiftLeft<15>(y), hn::Set(d, 0xEFC60000u)));
+  y = hn::Xor(y, hn::And(hn::ShiftLeft<7>(y), hn::Set(d, recurrence::tempering_b)));
+  y = hn::Xor(y, hn::And(hn::ShiftLeft<15>(y), hn::Set(d, recurrence::tempering_c)));
   return hn::Xor(y, hn::ShiftRight<18>(y));
 }
 
 HWY_INLINE vec twisted(vec first, vec second, vec middle) {
-  const vec upper = hn::Set(d, mt19937_upper);
+  const vec upper = hn::Set(d, recurrence::upper);
   const vec y = hn::Or(hn::And(first, upper), hn::AndNot(upper, second));
   const vec odd = hn::Sub(hn::Zero(d), hn::And(second, hn::Set(d, 1u)));
-  return hn::Xor3(middle, hn::ShiftRight<1>(y), hn::And(odd, hn::Set(d, mt19937_matrix)));
+  return hn::Xor3(middle, hn::ShiftRight<1>(y), hn::And(odd, hn::Set(d, recurrence::matrix)));
 }
 
 // The next block, written over x; tempered to the sink from word `at` on. The first vector is also stored

@@ -6,6 +6,8 @@
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
 
+constexpr std::size_t words = engines::mt19937::recurrence::size;
+
 // Columns [first, first + width) of the window sum.
 #ifdef HVL_STREAMS_ISA_IS_SCALAR
 constexpr std::size_t width = 104;
@@ -16,7 +18,7 @@ constexpr std::size_t lanes = hn::MaxLanes(hn::ScalableTag<std::uint32_t>());
 constexpr std::size_t vectors = 13; // accumulators that stay in registers
 constexpr std::size_t width = vectors * lanes;
 #endif
-static_assert(mt19937_words % width == 0);
+static_assert(words % width == 0);
 
 void xor_columns(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
                  std::size_t degree) noexcept {
@@ -54,7 +56,7 @@ void xor_columns(std::uint32_t* sum, const std::uint32_t* sequence, const std::u
 
 void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
                  std::size_t degree) noexcept {
-  for (std::size_t first = 0; first < mt19937_words; first += width)
+  for (std::size_t first = 0; first < words; first += width)
     xor_columns(sum + first, sequence + first, polynomial, degree);
 }
 

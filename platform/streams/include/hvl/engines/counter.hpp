@@ -39,6 +39,12 @@ struct counter_engine {
     [[gnu::always_inline]] constexpr counter128 next_block() const {
       return {std::uint64_t{counter[1]} << 32 | counter[0], std::uint64_t{counter[3]} << 32 | counter[2]};
     }
+    constexpr void set_next_block(counter128 next) {
+      counter[0] = static_cast<std::uint32_t>(next.low);
+      counter[1] = static_cast<std::uint32_t>(next.low >> 32);
+      counter[2] = static_cast<std::uint32_t>(next.high);
+      counter[3] = static_cast<std::uint32_t>(next.high >> 32);
+    }
   };
 
   static constexpr void block(const state& s, counter128 at, word (&words)[4]) {

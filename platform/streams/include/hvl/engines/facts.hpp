@@ -57,6 +57,14 @@ struct facts {
   skip_form skip;
   bool has_leapfrog;
   bool is_reproducible; // a seed gives the same numbers again
+
+  constexpr bool has_member(std::int32_t id) const { return id >= identifier && id - identifier < members; }
 };
+
+// Which member of its engine a record is of: 0 ... members - 1.
+template <class Engine>
+constexpr std::int32_t member_of(const typename Engine::record& r) {
+  return r.header.engine - Engine::about.identifier;
+}
 
 } // namespace hvl::engines

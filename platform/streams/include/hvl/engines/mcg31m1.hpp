@@ -16,7 +16,13 @@ struct modulus_2_31_minus_1 {
     const std::uint64_t folded = (p >> 31) + (p & modulus); // below 2^32
     return static_cast<word>(folded >= modulus ? folded - modulus : folded);
   }
-  static constexpr word residue(std::uint64_t seed) { return static_cast<word>(seed % modulus); }
+  static constexpr bool is_value(word w) { return w != 0 && w < modulus; }
+  static constexpr bool is_multiplier(word w) { return is_value(w); }
+  static constexpr word residue(std::uint64_t value) { return static_cast<word>(value % modulus); }
+  // One of all states.
+  static constexpr word state_from(std::uint64_t random) {
+    return static_cast<word>(random % (modulus - 1)) + 1;
+  }
 };
 
 struct mcg31m1 : congruential<modulus_2_31_minus_1> {

@@ -9,7 +9,11 @@ struct modulus_2_59 {
   static constexpr word mask = (word{1} << 59) - 1;
 
   [[gnu::always_inline]] static constexpr word product(word a, word b) { return a * b & mask; }
-  static constexpr word residue(std::uint64_t seed) { return seed & mask; }
+  static constexpr bool is_value(word w) { return w != 0 && w <= mask; }
+  static constexpr bool is_multiplier(word w) { return w % 2 == 1 && w <= mask; }
+  static constexpr word residue(std::uint64_t value) { return value & mask; }
+  // One of the odd states, whose period is the longest.
+  static constexpr word state_from(std::uint64_t random) { return (random & mask) | 1; }
 };
 
 struct mcg59 : congruential<modulus_2_59> {

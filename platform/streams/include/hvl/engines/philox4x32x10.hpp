@@ -41,7 +41,7 @@ struct philox4x32x10 : counter_engine<philox4x32x10_cipher> {
                                true};
   using record = vqs_philox4x32x10_record;
 
-  static constexpr state state_of(const record& r) {
+  [[gnu::always_inline]] static constexpr state state_of(const record& r) {
     return {{r.k0, r.k1}, {r.c0, r.c1, r.c2, r.c3}, r.remaining};
   }
   static constexpr void store(const state& s, record& r) {

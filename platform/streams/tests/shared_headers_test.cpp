@@ -1,0 +1,64 @@
+// What kernels make with hvl/engines is what streams give.
+#include "support.hpp"
+
+namespace hvl::streams::test {
+namespace {
+
+template <class Engine>
+const typename Engine::record& record_of(const owned_stream& stream) {
+  return *static_cast<const typename Engine::record*>(static_cast<vqs_stream>(stream));
+}
+
+template <class Engine>
+class positions : public ::testing::Test {
+ protected:
+  // The words of a cursor at any place, from where the stream stands, are the stream's.
+  static void check(const owned_stream& stream) {
+    const auto state = Engine::state_of(record_of<Engine>(stream));
+    for (const std::uint64_t block : {0ull, 1ull, 2ull, 7ull, 624ull, 1ull << 33, (1ull << 60) + 5}) {
+      SCOPED_TRACE("block " + std::to_string(block));
+      auto cursor = Engine::at(state, block);
+      std::vector<std::uint32_t> actual;
+      for (int i = 0; i < 3; ++i) {
+        typename Engine::word words[4];
+        cursor.next(words);
+        for (const auto word : words)
+          actual.push_back(Engine::raw(word));
+      }
+      expect_equal(actual, owned_stream(stream).skip(4 * block).bits(actual.size()));
+    }
+  }
+};
+using position_types = ::testing::Types<engines::philox4x32x10, engines::ars5, engines::mrg32k3a,
+                                        engines::mcg31m1, engines::mcg59>;
+TYPED_TEST_SUITE(positions, position_types);
+
+TYPED_TEST(positions, are_those_of_the_stream) {
+  for (std::size_t before = 0; before < 6; ++before) {
+    owned_stream stream(TypeParam::about.identifier, 7);
+    stream.bits(before);
+    this->check(stream);
+  }
+  if constexpr (TypeParam::about.has_leapfrog) {
+    const owned_stream stream(TypeParam::about.identifier, 7);
+    ASSERT_EQ(vqsLeapfrogStream_64(stream, 2, 5), VQS_STATUS_OK);
+    this->check(stream);
+  }
+}
+
+TEST(recurrences, mt19937_is_that_of_the_stream) {
+  using engine = engines::mt19937;
+  owned_stream stream(engine::about.identifier, 7);
+  const engine::record& record = record_of<engine>(stream);
+  const engine::recurrence recurrence = engine::recurrence_of(record);
+  std::vector<std::uint32_t> x(record.words, record.words + recurrence.size); // all given out
+  std::vector<std::uint32_t> actual;
+  for (std::size_t i = 0; i < 2000; ++i) {
+    x.push_back(recurrence.next(x.data() + i));
+    actual.push_back(recurrence.output(x.back()));
+  }
+  expect_equal(actual, stream.bits(actual.size()));
+}
+
+} // namespace
+} // namespace hvl::streams::test
