@@ -1,6 +1,7 @@
 // The headers that device code includes compile as C++17 and are usable in constant expressions.
 #include <hvl/mrg32k3a_tables.h>
 #include <hvl/streams_detail.h>
+#include <hvl/streams_parameters.hpp>
 #include <hvl/streams_record.h>
 #include <hvl/streams_scaling.hpp>
 

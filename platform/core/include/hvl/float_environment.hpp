@@ -41,4 +41,14 @@ class default_float_environment {
   std::fenv_t callers_;
 };
 
+/// body(), computed in the default environment.
+template <class Body>
+auto in_default_float_environment(const Body& body) {
+  const default_float_environment environment;
+  return [&]() __attribute__((noinline)) {
+    return body();
+  }
+  ();
+}
+
 } // namespace hvl

@@ -5,7 +5,8 @@
  * any existing file as they were. One stream must not be used from two threads at once; different streams
  * may.
  *
- * The same call gives the same bits whatever the instruction set and the number of threads, and any split of
+ * The same call gives the same bits whatever the instruction set, the number of threads and the caller's
+ * floating-point environment (rounding mode, flushing of subnormals), which is left as it was; and any split of
  * a request into several calls gives the same numbers. */
 #ifndef HVL_STREAMS_H
 #define HVL_STREAMS_H
@@ -105,7 +106,7 @@ HVL_STREAMS_API int vqsSaveStreamF_64(vqs_stream stream, const char* file_name);
 HVL_STREAMS_API int vqsLoadStreamM_64(vqs_stream* stream, const unsigned char* memory);
 HVL_STREAMS_API int vqsLoadStreamF_64(vqs_stream* stream, const char* file_name);
 
-/* Uniform on [a, b), a < b, both finite, b - a finite. One engine word makes one value. The accurate method
+/* Uniform on [a, b), a < b; reals finite, b - a and a + b too. One engine word makes one value. The accurate method
  * clamps real values into [a, b]; for integers, which always are in [a, b - 1], it computes in double instead of
  * float, and so has no steps beyond 2^24. */
 HVL_STREAMS_API int vsRngUniform_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a, float b);

@@ -42,12 +42,7 @@ class uniform {
   uniform() : uniform(T(0), std::numeric_limits<T>::is_integer ? std::numeric_limits<T>::max() : T(1)) {}
 
   /// Throws `invalid_argument` unless a < b, both are finite and a + b and b - a do not overflow a real type.
-  uniform(T a, T b) : a_(a), b_(b) {
-    detail::require(a < b, "uniform", "a >= b");
-    if constexpr (!std::numeric_limits<T>::is_integer)
-      detail::require(detail::is_finite(b - a) && detail::is_finite(b + a), "uniform",
-                      "b - a or a + b is not finite");
-  }
+  uniform(T a, T b) : a_(a), b_(b) { detail::check_uniform(a, b); }
 
   T a() const { return a_; }
   T b() const { return b_; }
