@@ -14,22 +14,22 @@ namespace kestro::hvl::rng::detail {
 
 namespace gpu {
 
-/// The scaled word is the value, clamped to [a, b] by the accurate method; an integer is its floor, whatever the
-/// method: there the methods differ in their computation type only.
+/// The scaled word is the value, clamped to [a, b] by the accurate method; an integer is its floor, clamped to
+/// [a, b - 1] whatever the method: there the methods differ in their computation type only.
 template <class T, class Computation, class Method>
 struct uniform_transform {
   using distribution_type = uniform<T, Method>;
   static constexpr int words_per_value = 1;
 
-  Computation a, b;
+  ::hvl::streams::value_range<T> range;
 
   template <std::size_t N>
   void operator()(const Computation (&u)[N], T (&values)[N]) const {
     for (std::size_t k = 0; k < N; ++k) {
       if constexpr (std::is_integral_v<T>)
-        values[k] = ::hvl::streams::floor_to<T>(u[k]);
+        values[k] = ::hvl::streams::integer_value(u[k], range);
       else if constexpr (std::is_same_v<Method, uniform_method::accurate>)
-        values[k] = ::hvl::streams::clamp_to(u[k], a, b);
+        values[k] = ::hvl::streams::clamp_to(u[k], range.low, range.high);
       else
         values[k] = u[k];
     }
@@ -63,8 +63,7 @@ struct distribution_traits<uniform<T, Method>> {
   }
 
   static transform device_transform(const uniform<T, Method>& d) {
-    const auto bounds = uniforms(d);
-    return {bounds.a, bounds.b};
+    return {::hvl::streams::values_on(d.a(), d.b())};
   }
 
   static int generate_on_host(const uniform<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {

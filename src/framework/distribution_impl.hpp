@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include <hvl/float_environment.hpp>
+
 #include "framework/device_type.hpp"
 #include "framework/engine_traits.hpp"
 
@@ -80,7 +82,10 @@ class distribution_impl<T, Distribution, device_type::gpu> {
 
   explicit distribution_impl(const Distribution& distribution) : distribution_(distribution) {}
 
-  transform_type transform() const { return traits::device_transform(distribution_); }
+  /// The parameters of kernels are computed as the kernels compute, whatever the caller's floating-point environment.
+  transform_type transform() const {
+    return ::hvl::in_default_float_environment([&] { return traits::device_transform(distribution_); });
+  }
 
   /// The coefficients that carry words of `Engine` to the uniforms that the transform takes.
   template <class Engine>
@@ -88,8 +93,10 @@ class distribution_impl<T, Distribution, device_type::gpu> {
     if constexpr (std::is_same_v<computation_type, raw_word>) {
       return no_coefficients{};
     } else {
-      const interval<computation_type> u = traits::uniforms(distribution_);
-      return ::hvl::streams::uniform_coefficients<computation_type>(engine_kernel<Engine>::scale, u.a, u.b);
+      return ::hvl::in_default_float_environment([&] {
+        const interval<computation_type> u = traits::uniforms(distribution_);
+        return ::hvl::streams::uniform_coefficients<computation_type>(engine_kernel<Engine>::scale, u.a, u.b);
+      });
     }
   }
 

@@ -1,7 +1,5 @@
 #include <kestro/hvl/exceptions.hpp>
 
-#include <kestro/hvl/rng/detail/parameters.hpp>
-
 namespace kestro::hvl {
 namespace {
 
@@ -43,13 +41,5 @@ computation_error::computation_error(const std::string& domain, const std::strin
 device_bad_alloc::device_bad_alloc(const std::string& domain, const std::string& function,
                                    const sycl::device& device)
     : exception(domain, function, with_device("cannot allocate memory on ", device)) {}
-
-namespace rng::detail {
-
-void refuse_parameter(const char* distribution, const char* info) {
-  throw invalid_argument("rng", distribution, info);
-}
-
-} // namespace rng::detail
 
 } // namespace kestro::hvl

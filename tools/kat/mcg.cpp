@@ -4,27 +4,49 @@
 #include <cstdio>
 #include <random>
 
+#include "split_mix64.hpp"
+
 namespace {
 
 template <class Engine, int Shift>
-void print(unsigned long long seed, unsigned long long skip) {
-  std::printf("seed: %llu skip: %llu bits:", seed, skip);
-  Engine engine(static_cast<typename Engine::result_type>(seed));
+void print_bits(unsigned long long first, unsigned long long skip) {
+  std::printf(" skip: %llu bits:", skip);
+  Engine engine(static_cast<typename Engine::result_type>(first));
   engine.discard(skip == 0 ? 0 : skip - 1);
   for (int i = 0; i < 16; ++i) {
-    const unsigned long long x = i == 0 && skip == 0 ? seed % Engine::modulus : engine();
+    const unsigned long long x = i == 0 && skip == 0 ? first : engine();
     std::printf(" %08llx", x >> Shift);
   }
   std::printf("\n");
 }
 
+// The state itself, as a list of two words.
+template <class Engine, int Shift>
+void print_words(unsigned long long state, unsigned long long skip) {
+  std::printf("words: %08llx %08llx", state & 0xffffffff, state >> 32);
+  print_bits<Engine, Shift>(state % Engine::modulus, skip);
+}
+
+template <class Engine, int Shift>
+void print_seed(unsigned long long seed, unsigned long long skip) {
+  const unsigned long long random = split_mix64{seed}.next_long();
+  std::printf("seed: %llu", seed);
+  print_bits<Engine, Shift>(Shift == 0 ? random % (Engine::modulus - 1) + 1 : random % Engine::modulus | 1,
+                            skip);
+}
+
 template <class Engine, int Shift>
 void print_all() {
-  print<Engine, Shift>(1, 0);
-  print<Engine, Shift>(1, 1);
-  print<Engine, Shift>(12345, 997);
-  print<Engine, Shift>(2147483650, 5);
-  print<Engine, Shift>(987654321, 10'000'000);
+  print_words<Engine, Shift>(1, 0);
+  print_words<Engine, Shift>(1, 1);
+  print_words<Engine, Shift>(0x123456789abcdef1, 5);
+  print_seed<Engine, Shift>(0, 0);
+  print_seed<Engine, Shift>(1, 0);
+  print_seed<Engine, Shift>(2, 0);
+  print_seed<Engine, Shift>(12345, 997);
+  print_seed<Engine, Shift>(2147483650, 5);
+  print_seed<Engine, Shift>(987654321, 10'000'000);
+  print_seed<Engine, Shift>(0xfedcba9876543210, 3);
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "split_mix64.hpp"
+
 namespace {
 
 constexpr double m1 = 4294967087.0;
@@ -31,18 +33,31 @@ struct mrg {
   }
 };
 
-void print(const std::uint32_t (&w)[6], unsigned long long skip) {
+void print_bits(const std::uint32_t (&w)[6], unsigned long long skip) {
   mrg engine{static_cast<double>(w[0]), static_cast<double>(w[1]), static_cast<double>(w[2]),
              static_cast<double>(w[3]), static_cast<double>(w[4]), static_cast<double>(w[5])};
   for (unsigned long long i = 0; i < skip; ++i)
     engine.next();
-  std::printf("words:");
-  for (const std::uint32_t word : w)
-    std::printf(" %08lx", static_cast<unsigned long>(word));
   std::printf(" skip: %llu bits:", skip);
   for (int i = 0; i < 16; ++i)
     std::printf(" %08lx", static_cast<unsigned long>(engine.next()));
   std::printf("\n");
+}
+
+void print(const std::uint32_t (&w)[6], unsigned long long skip) {
+  std::printf("words:");
+  for (const std::uint32_t word : w)
+    std::printf(" %08lx", static_cast<unsigned long>(word));
+  print_bits(w, skip);
+}
+
+void print_seed(unsigned long long seed, unsigned long long skip) {
+  split_mix64 random{seed};
+  std::uint32_t w[6];
+  for (int i = 0; i < 6; ++i)
+    w[i] = static_cast<std::uint32_t>(random.next_long() % (i < 3 ? 4294967087u : 4294944443u));
+  std::printf("seed: %llu", seed);
+  print_bits(w, skip);
 }
 
 } // namespace
@@ -54,4 +69,9 @@ int main() {
   print({4294967086u, 4294967086u, 4294967086u, 4294944442u, 4294944442u, 4294944442u}, 0);
   print({0, 0, 1, 0, 0, 1}, 2047);
   print({7, 7, 7, 7, 7, 7}, 3);
+  print_seed(0, 0);
+  print_seed(1, 0);
+  print_seed(2, 0);
+  print_seed(4294967295, 2047);
+  print_seed(0xfedcba9876543210, 999'999);
 }

@@ -22,13 +22,14 @@ int gaussian(std::int64_t code, vqs_stream stream, std::int64_t n, T* r, T mean,
   const bool known = code >= VQS_METHOD_GAUSSIAN_BOX_MULLER && code <= VQS_METHOD_GAUSSIAN_ICDF;
   const auto method = static_cast<gaussian_method>(known ? code : 0);
   const bool icdf = method == gaussian_method::icdf;
-  gaussian_parameters<T> p{{}, mean, icdf ? math::icdf_scale(stddev) : stddev};
-  return vector_call(parameters_status<T>(known, {mean}, {stddev}), stream, n, r,
-                     [&](const engine& e, const kernel_set& kernels) {
-                       p.affine = uniform_coefficients(e.scale, icdf ? T(-1) : T(0), T(1));
-                       return transform_of(kernels.gaussian(e.kind, method, precision_of<T>), &p,
-                                           words_of(method), sizeof(T));
-                     });
+  gaussian_parameters<T> p{{}, mean, stddev};
+  const auto status = [&] { return parameters_status(known, gaussian_fault(mean, stddev)); };
+  return vector_call(status, stream, n, r, [&](const engine& e, const kernel_set& kernels) {
+    p.affine = uniform_coefficients(e.scale, icdf ? T(-1) : T(0), T(1));
+    if (icdf)
+      p.scale = math::icdf_scale(stddev);
+    return transform_of(kernels.gaussian(e.kind, method, precision_of<T>), &p, words_of(method), sizeof(T));
+  });
 }
 
 } // namespace

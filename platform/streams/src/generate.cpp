@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+#include "hvl/float_environment.hpp"
 #include "streamed_output.hpp"
 #include "word_reader.hpp"
 
@@ -28,9 +29,9 @@ std::uint64_t streaming_threshold_bytes() noexcept {
   return bytes;
 }
 
-// body(i) for every i of [first, last), over the threads of the calling arena. oneTBB orders the bodies after
-// what precedes the call and before what follows it; the atomic says so once more, where the thread sanitizer
-// can see it.
+// body(i) for every i of [first, last), over the threads of the calling arena, which inherit their floating-point
+// environment from whoever started them. oneTBB orders the bodies after what precedes the call and before what follows
+// it; the atomic says so once more, where the thread sanitizer can see it.
 template <class Body>
 void in_parallel(std::size_t first, std::size_t last, const Body& body) {
   std::atomic<std::size_t> order{0};
@@ -39,6 +40,7 @@ void in_parallel(std::size_t first, std::size_t last, const Body& body) {
       first, last,
       [&](std::size_t i) {
         order.load(std::memory_order_acquire);
+        const default_float_environment environment; // body computes behind calls that are not inlined
         body(i);
         order.fetch_add(1, std::memory_order_release);
       },

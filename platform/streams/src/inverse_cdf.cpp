@@ -23,9 +23,13 @@ template <class T>
 int inverse_cdf(const family_description& f, std::int64_t method, vqs_stream stream, std::int64_t n, T* r,
                 T a, T scale, T alpha = T(1)) noexcept {
   const bool accurate = f.has_accurate && method == VQS_METHOD_ACCURATE;
-  const int status = parameters_status<T>(method == 0 || accurate, {a}, {scale, alpha});
-  inverse_cdf_parameters<T> p{{}, a, scale, math::weibull_exponent(alpha), {}};
+  // with alpha 1 the rule of every other family, too
+  const auto status = [&] {
+    return parameters_status(method == 0 || accurate, weibull_fault(alpha, a, scale));
+  };
+  inverse_cdf_parameters<T> p{{}, a, scale, {}, {}};
   return vector_call(status, stream, n, r, [&](const engine& e, const kernel_set& kernels) {
+    p.exponent = math::weibull_exponent(alpha);
     p.affine = uniform_coefficients(e.scale, T(0), T(1));
     p.angles = uniform_coefficients(e.scale, math::cauchy_low, math::cauchy_high);
     return transform_of(kernels.inverse_cdf(e.kind, f.family, accurate, precision_of<T>), &p, f.words,

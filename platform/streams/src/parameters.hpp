@@ -1,11 +1,9 @@
-// What the exported functions of the continuous distributions have in common.
+// What the exported functions of the distributions have in common.
 #pragma once
 
 #include <hvl/math/transforms/words.hpp>
 
-#include <cmath>
-#include <initializer_list>
-
+#include "hvl/streams_parameters.hpp"
 #include "vector_call.hpp"
 
 namespace hvl::streams {
@@ -14,17 +12,8 @@ template <class T>
 inline constexpr precision precision_of = sizeof(T) == 4 ? precision::single : precision::real64;
 
 // The status that a method and parameters deserve.
-template <class T>
-int parameters_status(bool method_known, std::initializer_list<T> finite, std::initializer_list<T> positive) {
-  if (!method_known)
-    return VQS_STATUS_BAD_METHOD;
-  for (const T x : finite)
-    if (!std::isfinite(x))
-      return VQS_STATUS_BAD_PARAMETER;
-  for (const T x : positive)
-    if (!(x > 0) || !std::isfinite(x)) // refuses NaN too
-      return VQS_STATUS_BAD_PARAMETER;
-  return VQS_STATUS_OK;
+inline int parameters_status(bool method_known, const char* fault) {
+  return !method_known ? VQS_STATUS_BAD_METHOD : fault != nullptr ? VQS_STATUS_BAD_PARAMETER : VQS_STATUS_OK;
 }
 
 inline transform transform_of(transform_function apply, const void* parameters, math::word_use use,

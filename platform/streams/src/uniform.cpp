@@ -1,6 +1,4 @@
-#include <cmath>
-
-#include "vector_call.hpp"
+#include "parameters.hpp"
 
 namespace hvl::streams {
 namespace {
@@ -11,13 +9,14 @@ bool is_method(std::int64_t method) {
 
 // T is the type of computation.
 template <class T, class Value>
-int uniform(int status, uniform_result result, vqs_stream stream, std::int64_t n, Value* r, Value a,
+int uniform(std::int64_t method, uniform_result result, vqs_stream stream, std::int64_t n, Value* r, Value a,
             Value b) noexcept {
-  uniform_parameters<T> p{{}, static_cast<T>(a), static_cast<T>(b)};
+  uniform_parameters<T, Value> p{{}, values_on(a, b)};
   direct_values direct{sizeof(T) == 4 ? value_form::real32 : value_form::real64, {}, {}};
   const bool plain = result == uniform_result::real32 || result == uniform_result::real64;
+  const auto status = [&] { return parameters_status(is_method(method), uniform_fault(a, b)); };
   return vector_call(status, stream, n, r, [&](const engine& e, const kernel_set& kernels) {
-    p.affine = uniform_coefficients(e.scale, p.low, p.high);
+    p.affine = uniform_coefficients(e.scale, static_cast<T>(a), static_cast<T>(b));
     if constexpr (sizeof(T) == 4)
       direct.single = p.affine;
     else
@@ -29,26 +28,18 @@ int uniform(int status, uniform_result result, vqs_stream stream, std::int64_t n
 template <class T>
 int real_uniform(std::int64_t method, uniform_result standard, uniform_result accurate, vqs_stream stream,
                  std::int64_t n, T* r, T a, T b) noexcept {
-  int status = VQS_STATUS_OK;
-  if (!is_method(method))
-    status = VQS_STATUS_BAD_METHOD;
-  else if (!(a < b) || !std::isfinite(b - a)) // refuses NaN too
-    status = VQS_STATUS_BAD_PARAMETER;
-  return uniform<T>(status, method == VQS_METHOD_UNIFORM_ACCURATE ? accurate : standard, stream, n, r, a, b);
+  return uniform<T>(method, method == VQS_METHOD_UNIFORM_ACCURATE ? accurate : standard, stream, n, r, a, b);
 }
 
 template <class Integer>
 int integer_uniform(std::int64_t method, uniform_result standard, uniform_result accurate, vqs_stream stream,
                     std::int64_t n, Integer* r, Integer a, Integer b) noexcept {
-  const int status = !is_method(method) ? VQS_STATUS_BAD_METHOD
-                     : a < b            ? VQS_STATUS_OK
-                                        : VQS_STATUS_BAD_PARAMETER;
-  return method == VQS_METHOD_UNIFORM_ACCURATE ? uniform<double>(status, accurate, stream, n, r, a, b)
-                                               : uniform<float>(status, standard, stream, n, r, a, b);
+  return method == VQS_METHOD_UNIFORM_ACCURATE ? uniform<double>(method, accurate, stream, n, r, a, b)
+                                               : uniform<float>(method, standard, stream, n, r, a, b);
 }
 
-int bits_status(std::int64_t method) {
-  return method == 0 ? VQS_STATUS_OK : VQS_STATUS_BAD_METHOD;
+auto bits_status(std::int64_t method) {
+  return [=] { return parameters_status(method == 0, nullptr); };
 }
 
 transform bits32(const engine& e, const kernel_set& kernels) {

@@ -164,9 +164,11 @@ TEST_P(leapfrog, of_a_leapfrog_multiplies_the_strides) {
 
 INSTANTIATE_TEST_SUITE_P(engines, leapfrog, ::testing::Values(VQS_ENGINE_MCG31M1, VQS_ENGINE_MCG59));
 
-TEST(mcg_seeds, are_reduced_and_never_zero) {
-  const auto x_of = [](std::int32_t id, std::uint64_t seed) -> std::uint64_t {
-    owned_stream stream(id, seed);
+TEST(mcg_seed_words, are_the_state_reduced_and_never_zero) {
+  const auto x_of = [](std::int32_t id, std::uint64_t state) -> std::uint64_t {
+    const std::uint32_t words[] = {static_cast<std::uint32_t>(state),
+                                   static_cast<std::uint32_t>(state >> 32)};
+    owned_stream stream(id, words);
     if (id == VQS_ENGINE_MCG59)
       return static_cast<vqs_mcg59_record*>(static_cast<vqs_stream>(stream))->x;
     return static_cast<vqs_mcg31m1_record*>(static_cast<vqs_stream>(stream))->x;

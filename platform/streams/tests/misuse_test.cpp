@@ -29,6 +29,8 @@ TEST_P(misuse, of_a_vector_generator_leaves_stream_and_output_alone) {
   EXPECT_EQ(vsRngUniform_64(0, stream, 1, f, nan, 1), VQS_STATUS_BAD_PARAMETER);
   EXPECT_EQ(vsRngUniform_64(0, stream, 1, f, 0, nan), VQS_STATUS_BAD_PARAMETER);
   EXPECT_EQ(vsRngUniform_64(0, stream, 1, f, -3e38f, 3e38f), VQS_STATUS_BAD_PARAMETER);
+  EXPECT_EQ(vsRngUniform_64(0, stream, 1, f, 2e38f, 3e38f), VQS_STATUS_BAD_PARAMETER);
+  EXPECT_EQ(vdRngUniform_64(0, stream, 1, d, -1.7e308, -1e308), VQS_STATUS_BAD_PARAMETER);
   EXPECT_EQ(vdRngUniform_64(0, stream, 1, d, -infinity, 1), VQS_STATUS_BAD_PARAMETER);
   EXPECT_EQ(vdRngUniform_64(0, stream, 1, d, 0, infinity), VQS_STATUS_BAD_PARAMETER);
   EXPECT_EQ(viRngUniform_64(0, stream, 1, i, 5, 5), VQS_STATUS_BAD_PARAMETER);

@@ -1,7 +1,9 @@
 // The uniform family against its definition, written out here once more in exact or wider arithmetic.
-#include <cfenv>
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
+#include <map>
 
 #include "engine.hpp"
 #include "support.hpp"
@@ -11,6 +13,12 @@ namespace {
 
 constexpr std::size_t count = 4099;
 
+// Where the sequence of owned_stream's seed has a word so great that float scales it to 9 on [1, 9).
+const std::map<std::int32_t, std::uint64_t> position_of_a_greatest_word = {
+    {VQS_ENGINE_PHILOX4X32X10, 20180005}, {VQS_ENGINE_MRG32K3A, 82942356}, {VQS_ENGINE_MCG31M1, 8342607},
+    {VQS_ENGINE_MCG59, 8974830},          {VQS_ENGINE_MT19937, 8366988},
+};
+
 // A word of any engine and the constants by which its engine scales it.
 struct raw_word {
   std::int64_t value;
@@ -18,11 +26,12 @@ struct raw_word {
 
 class uniform_family : public each_engine {
  protected:
-  // The raw words, 59-bit ones whole.
-  std::vector<raw_word> words(std::size_t n) const {
+  // The raw words from a position on, 59-bit ones whole.
+  std::vector<raw_word> words(std::size_t n, std::uint64_t from = 0) const {
     const run_mode mode(HVL_ISA_SCALAR, 1);
     std::vector<raw_word> raw;
     owned_stream stream(id());
+    stream.skip(from);
     for (std::size_t i = 0; i < n; ++i) {
       if (id() == VQS_ENGINE_MCG59) {
         raw.push_back(
@@ -60,7 +69,7 @@ class uniform_family : public each_engine {
     return product + shift;
   }
 
-  // floor, then rint, then the nearest representable integer.
+  // floor, then rint, then the nearest integer that is representable and in [a, b).
   template <class T, class Integer>
   Integer integer(raw_word word, Integer a, Integer b) const {
     const double v =
@@ -69,7 +78,30 @@ class uniform_family : public each_engine {
     double most = static_cast<double>(std::numeric_limits<Integer>::max());
     if (sizeof(T) == 4)
       most = static_cast<double>(std::nextafter(static_cast<float>(most), 0.0f));
-    return static_cast<Integer>(std::fmin(std::fmax(v, least), most));
+    return std::clamp(static_cast<Integer>(std::fmin(std::fmax(v, least), most)), a, b - 1);
+  }
+
+  // Integers of both methods from the words of that position on.
+  void check_integers(auto generate, auto a, auto b, const std::vector<raw_word>& raw,
+                      std::uint64_t from = 0) const {
+    using integer_type = decltype(a);
+    SCOPED_TRACE(std::to_string(a) + " to " + std::to_string(b));
+    std::vector<integer_type> standard, accurate;
+    for (const raw_word word : raw) {
+      standard.push_back(integer<float>(word, a, b));
+      accurate.push_back(integer<double>(word, a, b));
+    }
+    const auto check = [&](std::int64_t method, const std::vector<integer_type>& expected) {
+      std::vector<integer_type> values(raw.size(), b);
+      ASSERT_EQ(generate(method, owned_stream(id()).skip(from), static_cast<std::int64_t>(values.size()),
+                         values.data(), a, b),
+                VQS_STATUS_OK);
+      expect_equal(values, expected);
+    };
+    for_every_mode([&] {
+      check(VQS_METHOD_UNIFORM_STANDARD, standard);
+      check(VQS_METHOD_UNIFORM_ACCURATE, accurate);
+    });
   }
 };
 
@@ -109,35 +141,38 @@ TEST_P(uniform_family, real_values_follow_the_definition_bit_for_bit) {
   check(vdRngUniform_64, 1.0, std::nextafter(1.0, 2.0));
 }
 
+using signed_limits = std::numeric_limits<std::int32_t>;
+
 TEST_P(uniform_family, integers_follow_the_definition) {
   const auto raw = words(count);
-  const auto check = [&]<class Integer>(auto generate, Integer a, Integer b) {
-    SCOPED_TRACE(std::to_string(a) + " to " + std::to_string(b));
-    std::vector<Integer> standard(count), accurate(count);
-    for (std::size_t i = 0; i < count; ++i) {
-      standard[i] = integer<float>(raw[i], a, b);
-      accurate[i] = integer<double>(raw[i], a, b);
-    }
-    for_every_mode([&] {
-      std::vector<Integer> values(count, 77);
-      ASSERT_EQ(generate(VQS_METHOD_UNIFORM_STANDARD, owned_stream(id()), count, values.data(), a, b),
-                VQS_STATUS_OK);
-      expect_equal(values, standard);
-      ASSERT_EQ(generate(VQS_METHOD_UNIFORM_ACCURATE, owned_stream(id()), count, values.data(), a, b),
-                VQS_STATUS_OK);
-      expect_equal(values, accurate);
-    });
-  };
-  using signed_limits = std::numeric_limits<std::int32_t>;
-  check(viRngUniform_64, 0, 10);
-  check(viRngUniform_64, -3, 4);
-  check(viRngUniform_64, signed_limits::min(), signed_limits::max());
-  check(viRngUniform_64, signed_limits::max() - 100, signed_limits::max());
-  check(viRngUniform_64, signed_limits::min(), signed_limits::min() + 100);
-  check(viRngUniformU_64, 0u, 10u);
-  check(viRngUniformU_64, 0u, 0xFFFFFFFFu);
-  check(viRngUniformU_64, 0xFFFFFF00u, 0xFFFFFFFFu);
-  check(viRngUniformU_64, 0x7FFFFF00u, 0x80000100u);
+  check_integers(viRngUniform_64, 0, 10, raw);
+  check_integers(viRngUniform_64, -3, 4, raw);
+  check_integers(viRngUniform_64, signed_limits::min(), signed_limits::max(), raw);
+  check_integers(viRngUniform_64, signed_limits::max() - 100, signed_limits::max(), raw);
+  check_integers(viRngUniform_64, signed_limits::min(), signed_limits::min() + 100, raw);
+  check_integers(viRngUniformU_64, 0u, 10u, raw);
+  check_integers(viRngUniformU_64, 0u, 0xFFFFFFFFu, raw);
+  check_integers(viRngUniformU_64, 0xFFFFFF00u, 0xFFFFFFFFu, raw);
+  check_integers(viRngUniformU_64, 0x7FFFFF00u, 0x80000100u, raw);
+}
+
+// In float the greatest words scale to b itself; beyond 2^24 neither end need be a float.
+TEST_P(uniform_family, integers_stay_in_their_interval) {
+  const std::uint64_t at = position_of_a_greatest_word.at(id());
+  const auto raw = words(67, at);
+  ASSERT_EQ(scaled(raw[0], 1.0f, 9.0f), 9.0f);
+  check_integers(viRngUniform_64, 1, 9, raw, at);
+  check_integers(viRngUniform_64, 0, 10, raw, at);
+  check_integers(viRngUniform_64, -10, 0, raw, at);
+  check_integers(viRngUniform_64, 16777217, 16777218, raw, at);
+  check_integers(viRngUniform_64, -16777219, -16777217, raw, at);
+  check_integers(viRngUniform_64, 0, signed_limits::max(), raw, at);
+  check_integers(viRngUniform_64, signed_limits::min(), signed_limits::min() + 1, raw, at);
+  check_integers(viRngUniform_64, signed_limits::max() - 1, signed_limits::max(), raw, at);
+  check_integers(viRngUniformU_64, 0u, 10u, raw, at);
+  check_integers(viRngUniformU_64, 16777217u, 16777218u, raw, at);
+  check_integers(viRngUniformU_64, 0x7FFFFFFFu, 0x80000001u, raw, at);
+  check_integers(viRngUniformU_64, 0xFFFFFFFEu, 0xFFFFFFFFu, raw, at);
 }
 
 TEST_P(uniform_family, bits_of_both_widths_are_made_of_the_words) {

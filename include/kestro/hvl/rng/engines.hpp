@@ -54,7 +54,9 @@ struct custom {
 /// multiple recursive random number generators" (Operations Research 47, 1999); period about 2^191.
 class KESTRO_HVL_API mrg32k3a : public detail::engine_base<mrg32k3a> {
  public:
-  /// One seed sets x0 = seed modulo m1; the other five words are 1.
+  /// One seed is spread: the words of the state, as the list below gives them, are successive outputs of SplitMix64
+  /// (G. L. Steele, D. Lea, C. H. Flood, "Fast splittable pseudorandom number generators", OOPSLA 2014) started at
+  /// the seed, modulo m1 and m2. So neighbouring seeds give unrelated streams.
   mrg32k3a(sycl::queue queue, std::uint32_t seed);
   mrg32k3a(sycl::queue queue, std::uint32_t seed, mrg32k3a_mode::optimal mode);
   mrg32k3a(sycl::queue queue, std::uint32_t seed, mrg32k3a_mode::custom mode);
@@ -77,7 +79,7 @@ class KESTRO_HVL_API mrg32k3a : public detail::engine_base<mrg32k3a> {
 /// linear congruential generators of different sizes and good lattice structure", 1999); period 2^31 - 2.
 class KESTRO_HVL_API mcg31m1 : public detail::engine_base<mcg31m1> {
  public:
-  /// The first value is seed modulo 2^31 - 1, where 0 becomes 1.
+  /// The first value is z modulo (2^31 - 2), plus 1, with z the first output of SplitMix64 started at the seed.
   mcg31m1(sycl::queue queue, std::uint32_t seed);
 
   /// Advances by `num_to_skip` values. Cost grows with the logarithm of the distance.
@@ -87,10 +89,10 @@ class KESTRO_HVL_API mcg31m1 : public detail::engine_base<mcg31m1> {
   void leapfrog(std::uint64_t idx, std::uint64_t stride);
 };
 
-/// Multiplicative congruential engine modulo 2^59 with multiplier 13^13; period 2^57 for an odd seed.
+/// Multiplicative congruential engine modulo 2^59 with multiplier 13^13; period 2^57 for an odd state.
 class KESTRO_HVL_API mcg59 : public detail::engine_base<mcg59> {
  public:
-  /// The first value is seed modulo 2^59, where 0 becomes 1.
+  /// The first value is z modulo 2^59 with its lowest bit set, z the first output of SplitMix64 started at the seed.
   mcg59(sycl::queue queue, std::uint64_t seed);
 
   /// As `mcg31m1::skip_ahead`.

@@ -5,7 +5,8 @@
  * any existing file as they were. One stream must not be used from two threads at once; different streams
  * may.
  *
- * The same call gives the same bits whatever the instruction set and the number of threads, and any split of
+ * The same call gives the same bits whatever the instruction set, the number of threads and the caller's
+ * floating-point environment (rounding mode, flushing of subnormals), which is left as it was; and any split of
  * a request into several calls gives the same numbers. */
 #ifndef HVL_STREAMS_H
 #define HVL_STREAMS_H
@@ -74,7 +75,8 @@ HVL_STREAMS_API const char* vqsStatusText(int status);
 HVL_STREAMS_API int32_t vqsEngineOfStream(vqs_stream stream);
 
 /* Creates a stream from one seed, or from `count` seed words; count 0 (words may then be null) is the
- * engine's state without any word. */
+ * engine's state without any word. For mrg32k3a, mcg31m1 and mcg59 the words are the state itself, reduced by the
+ * moduli: x0 x1 x2 y0 y1 y2, or the low and the high word of x; one seed is spread over their state by SplitMix64. */
 HVL_STREAMS_API int vqsNewStream_64(vqs_stream* stream, int32_t engine, uint64_t seed);
 HVL_STREAMS_API int vqsNewStreamEx_64(vqs_stream* stream, int32_t engine, int64_t count,
                                       const uint32_t* words);
@@ -104,8 +106,9 @@ HVL_STREAMS_API int vqsSaveStreamF_64(vqs_stream stream, const char* file_name);
 HVL_STREAMS_API int vqsLoadStreamM_64(vqs_stream* stream, const unsigned char* memory);
 HVL_STREAMS_API int vqsLoadStreamF_64(vqs_stream* stream, const char* file_name);
 
-/* Uniform on [a, b), a < b, both finite, b - a finite. One engine word makes one value. The accurate method
- * clamps real values into [a, b]; for integers it computes in double instead of float. */
+/* Uniform on [a, b), a < b; reals finite, b - a and a + b too. One engine word makes one value. The accurate method
+ * clamps real values into [a, b]; for integers, which always are in [a, b - 1], it computes in double instead of
+ * float, and so has no steps beyond 2^24. */
 HVL_STREAMS_API int vsRngUniform_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a, float b);
 HVL_STREAMS_API int vdRngUniform_64(int64_t method, vqs_stream stream, int64_t n, double* r, double a,
                                     double b);

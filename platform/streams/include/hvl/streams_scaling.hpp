@@ -44,11 +44,24 @@ constexpr T uniform_value(Word word, coefficients<T> c) {
   return product + c.shift;
 }
 
-// The accurate method of real results.
 template <class T>
-constexpr T clamp_to(T value, T a, T b) {
-  const T raised = value > a ? value : a;
-  return raised < b ? raised : b;
+constexpr T clamp_to(T value, T low, T high) {
+  const T raised = value > low ? value : low;
+  return raised < high ? raised : high;
+}
+
+// The least and the greatest value on [a, b): for integers b - 1, for the accurate method of reals b itself.
+template <class T>
+struct value_range {
+  T low;
+  T high;
+};
+template <class T>
+constexpr value_range<T> values_on(T a, T b) {
+  if constexpr (std::is_integral_v<T>)
+    return {a, b - 1};
+  else
+    return {a, b};
 }
 
 // The least and the greatest values of T that Integer (32 bits) represents.
@@ -71,6 +84,13 @@ constexpr Integer floor_to(T value) {
     return truncated - static_cast<Integer>(static_cast<T>(truncated) > clamped);
   else
     return truncated;
+}
+
+// An integer result: the floor, where rounding took it out of the range the nearest value within. T has 24 or 53 bits,
+// so both ends may be passed.
+template <class Integer, class T>
+constexpr Integer integer_value(T value, value_range<Integer> range) {
+  return clamp_to(floor_to<Integer>(value), range.low, range.high);
 }
 
 } // namespace hvl::streams

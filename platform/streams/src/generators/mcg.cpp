@@ -4,6 +4,7 @@
 
 #include "engine.hpp"
 #include "generators/power.hpp"
+#include "generators/split_mix.hpp"
 
 namespace hvl::streams {
 namespace {
@@ -19,19 +20,23 @@ struct mcg {
     return power(base, exponent, word{1}, Arithmetic::product);
   }
 
-  static void seed(void* record, std::uint64_t value) noexcept {
+  static void set_state(void* record, word x) {
     record_type& r = as_record(record);
     r.a = Arithmetic::multiplier;
-    r.x = Arithmetic::residue(value);
-    if (r.x == 0)
-      r.x = 1;
+    r.x = x;
   }
 
-  // The list spells one seed, low word first; words past the second are ignored.
+  // Small seeds as they are would begin near 0, and neighbouring ones stay in proportion.
+  static void seed(void* record, std::uint64_t value) noexcept {
+    set_state(record, Arithmetic::state_from(split_mix64(value)()));
+  }
+
+  // The list spells the state, low word first; words past the second are ignored.
   static void seed_words(void* record, std::span<const std::uint32_t> words) noexcept {
     const std::uint64_t low = words.empty() ? 0 : words[0];
     const std::uint64_t high = words.size() < 2 ? 0 : words[1];
-    seed(record, high << 32 | low);
+    const word x = Arithmetic::residue(high << 32 | low);
+    set_state(record, x != 0 ? x : 1);
   }
 
   static void draw(void* record, void* words, std::size_t count) noexcept {
@@ -95,11 +100,19 @@ const engine mcg31m1_engine = {
 };
 
 const engine mcg59_engine = {
-    VQS_ENGINE_MCG59,  "mcg59",     word_kind::unsigned64,
-    word_scale::mcg59, true,        sizeof(vqs_mcg59_record),
+    VQS_ENGINE_MCG59,
+    "mcg59",
+    word_kind::unsigned64,
+    word_scale::mcg59,
+    true,
+    sizeof(vqs_mcg59_record),
     1 << 16,
-    fields59,          mcg59::seed, mcg59::seed_words,
-    in_range59,        mcg59::draw, mcg59::skip,
+    fields59,
+    mcg59::seed,
+    mcg59::seed_words,
+    in_range59,
+    mcg59::draw,
+    mcg59::skip,
     mcg59::leapfrog,
 };
 

@@ -18,7 +18,11 @@ struct mcg31m1_arithmetic {
     const std::uint64_t folded = (p >> 31) + (p & modulus); // below 2^32
     return static_cast<word>(folded >= modulus ? folded - modulus : folded);
   }
-  static constexpr word residue(std::uint64_t seed) { return static_cast<word>(seed % modulus); }
+  static constexpr word residue(std::uint64_t value) { return static_cast<word>(value % modulus); }
+  // One of all states.
+  static constexpr word state_from(std::uint64_t random) {
+    return static_cast<word>(random % (modulus - 1)) + 1;
+  }
 };
 
 struct mcg59_arithmetic {
@@ -28,7 +32,9 @@ struct mcg59_arithmetic {
   static constexpr word multiplier = 302875106592253; // 13^13
 
   [[gnu::always_inline]] static constexpr word product(word a, word b) { return a * b & mask; }
-  static constexpr word residue(std::uint64_t seed) { return seed & mask; }
+  static constexpr word residue(std::uint64_t value) { return value & mask; }
+  // One of the odd states, whose period is the longest.
+  static constexpr word state_from(std::uint64_t random) { return (random & mask) | 1; }
 };
 
 } // namespace hvl::streams

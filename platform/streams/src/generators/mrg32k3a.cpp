@@ -6,6 +6,7 @@
 
 #include "engine.hpp"
 #include "generators/power.hpp"
+#include "generators/split_mix.hpp"
 
 namespace hvl::streams {
 namespace {
@@ -80,21 +81,28 @@ component jumped(const jump_table& jump, std::uint32_t m, component v, std::span
   return applied(rest.data(), v, m);
 }
 
-void seed_words(void* record, std::span<const std::uint32_t> words) noexcept {
-  const auto word = [&](std::size_t i) { return i < words.size() ? words[i] : 1u; };
+// word(i), reduced, is word i of the state x0 x1 x2 y0 y1 y2; called in this order.
+template <class Word>
+void set_state(void* record, Word word) {
   const auto component_from = [&](std::size_t first, std::uint32_t m) {
-    component c{word(first) % m, word(first + 1) % m, word(first + 2) % m};
+    component c;
+    for (std::size_t i = 0; i < 3; ++i)
+      c[i] = static_cast<std::uint32_t>(word(first + i) % m);
     if ((c[0] | c[1] | c[2]) == 0)
       c[0] = 1;
     return c;
   };
-  set_components(as_record(record), component_from(0, mrg32k3a_m1), component_from(3, mrg32k3a_m2));
+  const component x = component_from(0, mrg32k3a_m1);
+  set_components(as_record(record), x, component_from(3, mrg32k3a_m2));
 }
 
+void seed_words(void* record, std::span<const std::uint32_t> words) noexcept {
+  set_state(record, [&](std::size_t i) { return i < words.size() ? words[i] : 1u; });
+}
+
+// Neighbouring seeds as they are would give streams whose first values are near each other.
 void seed(void* record, std::uint64_t value) noexcept {
-  const std::uint32_t words[] = {static_cast<std::uint32_t>(value), static_cast<std::uint32_t>(value >> 32)};
-  // a seed of 32 bits is a list of one word
-  seed_words(record, std::span(words, value >> 32 == 0 ? 1 : 2));
+  set_state(record, [next = split_mix64(value)](std::size_t) mutable { return next(); });
 }
 
 bool in_range(const void* record) noexcept {

@@ -59,17 +59,17 @@ enum class uniform_result : std::uint8_t {
   packed64 // of mcg59: two consecutive high32, first one low
 };
 
-template <class T>
+// T is the type of computation.
+template <class T, class Value = T>
 struct uniform_parameters {
   coefficients<T> affine;
-  T low; // of the clamp
-  T high;
+  value_range<Value> range; // of the clamp
 };
 
 struct kernel_set {
   // Null where the engine's draw is the best there is.
   const block_kernel* (*block)(engine_index e) noexcept;
-  // Parameters are uniform_parameters<float or double>, by the type of computation.
+  // Parameters are uniform_parameters by the types of computation and result.
   transform_function (*uniform)(word_kind kind, uniform_result result) noexcept;
   // Parameters are those of continuous.hpp for the family and the precision.
   transform_function (*gaussian)(word_kind kind, gaussian_method method, precision p) noexcept;

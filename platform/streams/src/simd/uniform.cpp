@@ -11,7 +11,7 @@ void real_values(const void* parameters, const void* words, void* values, std::s
   for_each_vector<T>(static_cast<T*>(values), count, [&](std::size_t i) {
     const auto v = load(i);
     if constexpr (Clamped)
-      return clamp(v, p.low, p.high);
+      return clamp(v, p.range.low, p.range.high);
     else
       return v;
   });
@@ -19,10 +19,10 @@ void real_values(const void* parameters, const void* words, void* values, std::s
 
 template <word_kind Kind, class T, class Integer>
 void integer_values(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
-  const auto& p = *static_cast<const uniform_parameters<T>*>(parameters);
+  const auto& p = *static_cast<const uniform_parameters<T, Integer>*>(parameters);
   const word_loader<Kind, T> load(words, p.affine);
   for_each_vector<T>(static_cast<Integer*>(values), count,
-                     [&](std::size_t i) { return floor_vector<Integer>(load(i)); });
+                     [&](std::size_t i) { return integer_vector<Integer>(load(i), p.range); });
 }
 
 void high_words(const void*, const void* words, void* values, std::size_t count) noexcept {

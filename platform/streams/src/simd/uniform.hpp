@@ -39,8 +39,8 @@ T clamp(T v, T low, T high) {
 }
 
 template <class Integer, class T>
-Integer floor_vector(T v) {
-  return floor_to<Integer>(v);
+Integer integer_vector(T v, value_range<Integer> range) {
+  return integer_value(v, range);
 }
 
 // out[i...] = body(i) for every vector; T is the type of computation, which sets the width.
@@ -195,6 +195,13 @@ HWY_INLINE auto floor_vector(V v) {
       return hn::Xor(low_bits, hn::IfThenElseZero(hn::RebindMask(dr, upper), hn::Set(dr, 0x80000000u)));
     }
   }
+}
+
+// As integer_value of streams_scaling.hpp.
+template <class Integer, class V>
+HWY_INLINE auto integer_vector(V v, value_range<Integer> range) {
+  const hn::Rebind<Integer, vector_tag<hn::TFromV<V>>> d;
+  return hn::Min(hn::Max(floor_vector<Integer>(v), hn::Set(d, range.low)), hn::Set(d, range.high));
 }
 
 // out[i...] = body(i) for every vector; T is the type of computation, which sets the width.

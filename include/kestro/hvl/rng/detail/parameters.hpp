@@ -6,25 +6,25 @@
 
 namespace kestro::hvl::rng::detail {
 
-/// Throws `invalid_argument("rng", distribution, info)`.
-[[noreturn]] KESTRO_HVL_API void refuse_parameter(const char* distribution, const char* info);
-
-inline void require(bool holds, const char* distribution, const char* info) {
-  if (!holds)
-    refuse_parameter(distribution, info);
-}
-
-/// False for infinities and NaN.
+/// What the constructors of the distributions refuse: throw `invalid_argument("rng", distribution, info)`, the info
+/// naming the parameter. Compiled into the library, so that neither the caller's floating-point environment nor options
+/// such as -ffast-math decide.
 template <class T>
-constexpr bool is_finite(T x) {
-  return x - x == T(0);
-}
-
-/// False for NaN, too.
+KESTRO_HVL_API void check_uniform(T a, T b);
 template <class T>
-constexpr bool is_positive(T x) {
-  return x > T(0) && is_finite(x);
-}
+KESTRO_HVL_API void check_gaussian(T mean, T stddev);
+template <class T>
+KESTRO_HVL_API void check_lognormal(T m, T s, T displ, T scale);
+template <class T>
+KESTRO_HVL_API void check_weibull(T alpha, T a, T beta);
+
+/// exponential, rayleigh, gumbel
+template <class T>
+KESTRO_HVL_API void check_displaced(const char* distribution, T a, T beta);
+
+/// laplace, cauchy
+template <class T>
+KESTRO_HVL_API void check_centred(const char* distribution, T a, T b);
 
 template <class T, class... Allowed>
 inline constexpr bool is_one_of = (std::is_same_v<T, Allowed> || ...);

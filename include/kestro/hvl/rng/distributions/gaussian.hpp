@@ -19,6 +19,17 @@ struct icdf {};
 
 /// Normal distribution. (G. E. P. Box, M. E. Muller, "A note on the generation of random normal deviates",
 /// 1958.)
+///
+/// Tails end where the uniforms do, which have 32 bits (mcg31m1 31, mcg59 59) and in `float` 24 of them. With
+/// philox4x32x10 and mt19937, in standard deviations:
+///
+///   method                        float    double
+///   box_muller, box_muller2       5.89     6.66     and, for a uniform of 0, up to 14.37 and 38.59
+///   icdf                          5.42     6.23     and, for the least uniform of double, -8.29
+///
+/// A uniform is 0 for 65 of 2^32 words in `float`, for one in `double`; then its logarithm is taken as that of the
+/// smallest positive number of the type. Box-Muller's angle is counted in turns, where it is reduced exactly, and not
+/// rounded to a multiple of 2 pi first; mean + stddev z is one fused step; stddev sqrt(2) is kept finite.
 template <class T = float, class Method = gaussian_method::box_muller2>
 class gaussian {
   static_assert(detail::is_one_of<T, float, double>, "gaussian yields float or double");
@@ -32,10 +43,7 @@ class gaussian {
   gaussian() : gaussian(T(0), T(1)) {}
 
   /// Throws `invalid_argument` unless mean is finite and stddev positive and finite.
-  gaussian(T mean, T stddev) : mean_(mean), stddev_(stddev) {
-    detail::require(detail::is_finite(mean), "gaussian", "mean is not finite");
-    detail::require(detail::is_positive(stddev), "gaussian", "stddev <= 0");
-  }
+  gaussian(T mean, T stddev) : mean_(mean), stddev_(stddev) { detail::check_gaussian(mean, stddev); }
 
   T mean() const { return mean_; }
   T stddev() const { return stddev_; }
@@ -56,7 +64,8 @@ struct icdf_accurate {};
 
 } // namespace lognormal_method
 
-/// scale * exp(z) + displ for a normal z of mean m and standard deviation s. Uniforms as the gaussian method.
+/// scale * exp(z) + displ for a normal z of mean m and standard deviation s. Uniforms and tails as the gaussian method;
+/// the product and the sum behind exp(z) are one fused step.
 template <class T = float, class Method = lognormal_method::box_muller2>
 class lognormal {
   static_assert(detail::is_one_of<T, float, double>, "lognormal yields float or double");
@@ -71,10 +80,7 @@ class lognormal {
 
   /// Throws `invalid_argument` unless m and displ are finite, s and scale positive and finite.
   lognormal(T m, T s, T displ = T(0), T scale = T(1)) : m_(m), s_(s), displ_(displ), scale_(scale) {
-    detail::require(detail::is_finite(m), "lognormal", "m is not finite");
-    detail::require(detail::is_positive(s), "lognormal", "s <= 0");
-    detail::require(detail::is_finite(displ), "lognormal", "displ is not finite");
-    detail::require(detail::is_positive(scale), "lognormal", "scale <= 0");
+    detail::check_lognormal(m, s, displ, scale);
   }
 
   T m() const { return m_; }

@@ -5,6 +5,12 @@
 /// Continuous distributions made by the inverse of their distribution function from uniforms u on [0, 1). The
 /// logarithm of u = 0 is taken as that of the smallest positive number of the type. `icdf_accurate` raises a
 /// result that rounding left below the displacement to the displacement.
+///
+/// Tails end where the uniforms do, which have 32 bits (mcg31m1 31, mcg59 59) and in `float` 24 of them: with
+/// philox4x32x10 and mt19937 -ln u reaches 17.33 in `float` and 22.18 in `double`, and for u = 0 (65 and 1 of 2^32
+/// words) it is 103.28 and 744.44. The other end, u = 1, is reached in `float` only (191 of 2^32 words).
+///
+/// The last product and the sum with the displacement are one fused step.
 
 namespace kestro::hvl::rng {
 
@@ -26,10 +32,7 @@ class exponential {
   exponential() : exponential(T(0), T(1)) {}
 
   /// Throws `invalid_argument` unless a is finite and beta is positive and finite.
-  exponential(T a, T beta) : a_(a), beta_(beta) {
-    detail::require(detail::is_finite(a), "exponential", "a is not finite");
-    detail::require(detail::is_positive(beta), "exponential", "beta <= 0");
-  }
+  exponential(T a, T beta) : a_(a), beta_(beta) { detail::check_displaced("exponential", a, beta); }
 
   T a() const { return a_; }
   T beta() const { return beta_; }
@@ -55,10 +58,7 @@ class laplace {
   laplace() : laplace(T(0), T(1)) {}
 
   /// Throws `invalid_argument` unless a is finite and b is positive and finite.
-  laplace(T a, T b) : a_(a), b_(b) {
-    detail::require(detail::is_finite(a), "laplace", "a is not finite");
-    detail::require(detail::is_positive(b), "laplace", "b <= 0");
-  }
+  laplace(T a, T b) : a_(a), b_(b) { detail::check_centred("laplace", a, b); }
 
   T a() const { return a_; }
   T b() const { return b_; }
@@ -72,7 +72,8 @@ struct icdf {};
 struct icdf_accurate {};
 } // namespace weibull_method
 
-/// a + beta (-ln u)^(1/alpha): shape alpha, displacement a, scale beta. One uniform per value.
+/// a + beta (-ln u)^(1/alpha): shape alpha, displacement a, scale beta. One uniform per value. The power is formed in
+/// `double` for both result types, 1 / alpha is kept finite.
 template <class T = float, class Method = weibull_method::icdf>
 class weibull {
   static_assert(detail::is_one_of<T, float, double>, "weibull yields float or double");
@@ -85,11 +86,7 @@ class weibull {
   weibull() : weibull(T(1), T(0), T(1)) {}
 
   /// Throws `invalid_argument` unless a is finite and alpha and beta are positive and finite.
-  weibull(T alpha, T a, T beta) : alpha_(alpha), a_(a), beta_(beta) {
-    detail::require(detail::is_positive(alpha), "weibull", "alpha <= 0");
-    detail::require(detail::is_finite(a), "weibull", "a is not finite");
-    detail::require(detail::is_positive(beta), "weibull", "beta <= 0");
-  }
+  weibull(T alpha, T a, T beta) : alpha_(alpha), a_(a), beta_(beta) { detail::check_weibull(alpha, a, beta); }
 
   T alpha() const { return alpha_; }
   T a() const { return a_; }
@@ -118,10 +115,7 @@ class rayleigh {
   rayleigh() : rayleigh(T(0), T(1)) {}
 
   /// Throws `invalid_argument` unless a is finite and beta is positive and finite.
-  rayleigh(T a, T beta) : a_(a), beta_(beta) {
-    detail::require(detail::is_finite(a), "rayleigh", "a is not finite");
-    detail::require(detail::is_positive(beta), "rayleigh", "beta <= 0");
-  }
+  rayleigh(T a, T beta) : a_(a), beta_(beta) { detail::check_displaced("rayleigh", a, beta); }
 
   T a() const { return a_; }
   T beta() const { return beta_; }
@@ -147,10 +141,7 @@ class gumbel {
   gumbel() : gumbel(T(0), T(1)) {}
 
   /// Throws `invalid_argument` unless a is finite and beta is positive and finite.
-  gumbel(T a, T beta) : a_(a), beta_(beta) {
-    detail::require(detail::is_finite(a), "gumbel", "a is not finite");
-    detail::require(detail::is_positive(beta), "gumbel", "beta <= 0");
-  }
+  gumbel(T a, T beta) : a_(a), beta_(beta) { detail::check_displaced("gumbel", a, beta); }
 
   T a() const { return a_; }
   T beta() const { return beta_; }
@@ -163,7 +154,8 @@ namespace cauchy_method {
 struct icdf {};
 } // namespace cauchy_method
 
-/// a + b tan v for an angle v uniform on (-pi/2, pi/2): displacement a, scale b. One uniform per value.
+/// a + b tan v for an angle v uniform on (-pi/2, pi/2): displacement a, scale b. One uniform per value. Computed in
+/// `double` for both result types.
 template <class T = float, class Method = cauchy_method::icdf>
 class cauchy {
   static_assert(detail::is_one_of<T, float, double>, "cauchy yields float or double");
@@ -176,10 +168,7 @@ class cauchy {
   cauchy() : cauchy(T(0), T(1)) {}
 
   /// Throws `invalid_argument` unless a is finite and b is positive and finite.
-  cauchy(T a, T b) : a_(a), b_(b) {
-    detail::require(detail::is_finite(a), "cauchy", "a is not finite");
-    detail::require(detail::is_positive(b), "cauchy", "b <= 0");
-  }
+  cauchy(T a, T b) : a_(a), b_(b) { detail::check_centred("cauchy", a, b); }
 
   T a() const { return a_; }
   T b() const { return b_; }

@@ -1,0 +1,60 @@
+// Which parameters the distributions take: one definition for the C functions and for callers that build a distribution
+// before they reach one. Each function gives what is wrong, in words that name the parameter, or null. Ask in the
+// default floating-point environment: under another rounding an overflow can pass, under another treatment of
+// subnormals a small scale can fail.
+#pragma once
+
+#include <cmath>
+#include <type_traits>
+
+namespace hvl::streams {
+
+// False for NaN, too.
+template <class T>
+bool is_positive(T x) {
+  return x > T(0) && std::isfinite(x);
+}
+
+// Besides the bounds, uniform_coefficients forms b - a and a + b.
+template <class T>
+const char* uniform_fault(T a, T b) {
+  if (!(a < b))
+    return "a >= b";
+  if constexpr (std::is_floating_point_v<T>)
+    if (!std::isfinite(b - a) || !std::isfinite(b + a))
+      return "b - a or a + b is not finite";
+  return nullptr;
+}
+
+template <class T>
+const char* gaussian_fault(T mean, T stddev) {
+  return !std::isfinite(mean) ? "mean is not finite" : !is_positive(stddev) ? "stddev <= 0" : nullptr;
+}
+
+template <class T>
+const char* lognormal_fault(T m, T s, T displ, T scale) {
+  return !std::isfinite(m)       ? "m is not finite"
+         : !is_positive(s)       ? "s <= 0"
+         : !std::isfinite(displ) ? "displ is not finite"
+         : !is_positive(scale)   ? "scale <= 0"
+                                 : nullptr;
+}
+
+// exponential, rayleigh, gumbel
+template <class T>
+const char* displaced_fault(T a, T beta) {
+  return !std::isfinite(a) ? "a is not finite" : !is_positive(beta) ? "beta <= 0" : nullptr;
+}
+
+// laplace, cauchy
+template <class T>
+const char* centred_fault(T a, T b) {
+  return !std::isfinite(a) ? "a is not finite" : !is_positive(b) ? "b <= 0" : nullptr;
+}
+
+template <class T>
+const char* weibull_fault(T alpha, T a, T beta) {
+  return !is_positive(alpha) ? "alpha <= 0" : displaced_fault(a, beta);
+}
+
+} // namespace hvl::streams

@@ -1,0 +1,63 @@
+// The checks of the distributions' constructors: the rules are the stream library's.
+#include <cstdint>
+
+#include <hvl/float_environment.hpp>
+#include <hvl/streams_parameters.hpp>
+#include <kestro/hvl/exceptions.hpp>
+#include <kestro/hvl/rng/detail/parameters.hpp>
+
+namespace kestro::hvl::rng::detail {
+namespace {
+
+template <class... Parameters>
+void check(const char* distribution, const char* (*rule)(Parameters...), Parameters... parameters) {
+  if (const char* const fault = ::hvl::in_default_float_environment([&] { return rule(parameters...); }))
+    throw invalid_argument("rng", distribution, fault);
+}
+
+} // namespace
+
+template <class T>
+void check_uniform(T a, T b) {
+  check("uniform", ::hvl::streams::uniform_fault<T>, a, b);
+}
+
+template <class T>
+void check_gaussian(T mean, T stddev) {
+  check("gaussian", ::hvl::streams::gaussian_fault<T>, mean, stddev);
+}
+
+template <class T>
+void check_lognormal(T m, T s, T displ, T scale) {
+  check("lognormal", ::hvl::streams::lognormal_fault<T>, m, s, displ, scale);
+}
+
+template <class T>
+void check_weibull(T alpha, T a, T beta) {
+  check("weibull", ::hvl::streams::weibull_fault<T>, alpha, a, beta);
+}
+
+template <class T>
+void check_displaced(const char* distribution, T a, T beta) {
+  check(distribution, ::hvl::streams::displaced_fault<T>, a, beta);
+}
+
+template <class T>
+void check_centred(const char* distribution, T a, T b) {
+  check(distribution, ::hvl::streams::centred_fault<T>, a, b);
+}
+
+#define KESTRO_HVL_CHECKS(T)                                                                                 \
+  template void check_uniform(T, T);                                                                         \
+  template void check_gaussian(T, T);                                                                        \
+  template void check_lognormal(T, T, T, T);                                                                 \
+  template void check_weibull(T, T, T);                                                                      \
+  template void check_displaced(const char*, T, T);                                                          \
+  template void check_centred(const char*, T, T);
+KESTRO_HVL_CHECKS(float)
+KESTRO_HVL_CHECKS(double)
+#undef KESTRO_HVL_CHECKS
+template void check_uniform(std::int32_t, std::int32_t);
+template void check_uniform(std::uint32_t, std::uint32_t);
+
+} // namespace kestro::hvl::rng::detail

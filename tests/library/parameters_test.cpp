@@ -1,0 +1,101 @@
+// A distribution's constructor and the stream library's function take the same parameters.
+#include <cfenv>
+#include <limits>
+
+#include <hvl/streams.h>
+#include <immintrin.h>
+
+#include "support.hpp"
+
+namespace kestro::hvl::rng::test {
+namespace {
+
+template <class T>
+std::vector<T> hard_values() {
+  using limits = std::numeric_limits<T>;
+  if constexpr (limits::is_integer)
+    return {limits::min(), limits::min() + 1, T(-1), T(0), T(1), limits::max() - 1, limits::max()};
+  else
+    return {limits::quiet_NaN(),
+            -limits::infinity(),
+            limits::infinity(),
+            -limits::max(),
+            limits::max(),
+            -limits::max() / 2,
+            limits::max() * T(0.75),
+            limits::min(),
+            limits::denorm_min(),
+            -limits::denorm_min(),
+            T(0),
+            -T(0),
+            T(1),
+            T(-1),
+            T(1) + limits::epsilon()};
+}
+
+/// Calls `check` with every combination of `Count` hard values.
+template <class T, int Count, class Check, class... Chosen>
+void for_each_combination(const Check& check, Chosen... chosen) {
+  if constexpr (Count == 0)
+    check(chosen...);
+  else
+    for (const T value : hard_values<T>())
+      for_each_combination<T, Count - 1>(check, chosen..., value);
+}
+
+/// The verdicts on all combinations, one character each; `function` is the C function.
+template <class Distribution, int Count, class Function>
+std::string verdicts(Function function) {
+  using T = typename Distribution::result_type;
+  vqs_stream stream = nullptr;
+  EXPECT_EQ(vqsNewStream_64(&stream, VQS_ENGINE_MRG32K3A, 1), VQS_STATUS_OK);
+  std::string all;
+  for_each_combination<T, Count>([&](auto... parameters) {
+    bool taken = true;
+    try {
+      Distribution distribution(parameters...);
+    } catch (const invalid_argument&) {
+      taken = false;
+    }
+    T value = 0;
+    const int status = function(0, stream, 0, &value, parameters...);
+    EXPECT_EQ(status, taken ? VQS_STATUS_OK : VQS_STATUS_BAD_PARAMETER)
+        << ::testing::PrintToString(std::make_tuple(parameters...));
+    all += taken ? '+' : '-';
+  });
+  EXPECT_EQ(vqsDeleteStream_64(&stream), VQS_STATUS_OK);
+  EXPECT_NE(all.find('+'), std::string::npos);
+  EXPECT_NE(all.find('-'), std::string::npos);
+  return all;
+}
+
+std::string all_verdicts() {
+  return verdicts<uniform<float>, 2>(vsRngUniform_64) + verdicts<uniform<double>, 2>(vdRngUniform_64) +
+         verdicts<uniform<int>, 2>(viRngUniform_64) + verdicts<uniform<unsigned>, 2>(viRngUniformU_64) +
+         verdicts<gaussian<float>, 2>(vsRngGaussian_64) + verdicts<gaussian<double>, 2>(vdRngGaussian_64) +
+         verdicts<lognormal<float>, 4>(vsRngLognormal_64) +
+         verdicts<lognormal<double>, 4>(vdRngLognormal_64) +
+         verdicts<exponential<float>, 2>(vsRngExponential_64) +
+         verdicts<exponential<double>, 2>(vdRngExponential_64) +
+         verdicts<laplace<float>, 2>(vsRngLaplace_64) + verdicts<laplace<double>, 2>(vdRngLaplace_64) +
+         verdicts<weibull<float>, 3>(vsRngWeibull_64) + verdicts<weibull<double>, 3>(vdRngWeibull_64) +
+         verdicts<rayleigh<float>, 2>(vsRngRayleigh_64) + verdicts<rayleigh<double>, 2>(vdRngRayleigh_64) +
+         verdicts<gumbel<float>, 2>(vsRngGumbel_64) + verdicts<gumbel<double>, 2>(vdRngGumbel_64) +
+         verdicts<cauchy<float>, 2>(vsRngCauchy_64) + verdicts<cauchy<double>, 2>(vdRngCauchy_64);
+}
+
+TEST(parameters_test, class_and_function_agree_in_every_environment) {
+  const std::string expected = all_verdicts();
+  for (const int rounding : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+    ASSERT_EQ(std::fesetround(rounding), 0);
+    EXPECT_EQ(all_verdicts(), expected);
+  }
+  std::fesetround(FE_TONEAREST);
+  const unsigned before = _mm_getcsr();
+  _mm_setcsr(before | 0x8040); // flushes subnormal results and arguments
+  EXPECT_EQ(all_verdicts(), expected);
+  _mm_setcsr(before);
+}
+
+} // namespace
+} // namespace kestro::hvl::rng::test
