@@ -64,6 +64,8 @@ int vqsCopyStream_64(vqs_stream* out, vqs_stream in) {
     const engine* e = engine_of(in);
     if (e == nullptr)
       return VQS_STATUS_BAD_STREAM;
+    if (!e->in_range(in))
+      return VQS_STATUS_STATE_RANGE;
     record_pointer record = new_record(*e);
     std::memcpy(record.get(), in, e->record_bytes);
     *out = record.release();

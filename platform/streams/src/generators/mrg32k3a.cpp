@@ -110,7 +110,9 @@ bool in_range(const void* record) noexcept {
   const auto proper = [](const component& c, std::uint32_t m) {
     return (c[0] | c[1] | c[2]) != 0 && c[0] < m && c[1] < m && c[2] < m;
   };
-  return proper(component_x(r), mrg32k3a_m1) && proper(component_y(r), mrg32k3a_m2);
+  const bool in_row =
+      r.offset == 0 ? r.row_steps == 0 : r.offset < r.substreams && (r.row_steps == 1 || r.row_steps == 2);
+  return proper(component_x(r), mrg32k3a_m1) && proper(component_y(r), mrg32k3a_m2) && in_row;
 }
 
 void draw(void* record, void* words, std::size_t count) noexcept {
@@ -136,7 +138,7 @@ void skip(void* record, std::span<const std::uint64_t> count) {
                  jumped(mrg32k3a_jump_y, mrg32k3a_m2, component_y(r), count));
 }
 
-constexpr record_field fields[] = {{16, 4, 6}};
+constexpr record_field fields[] = {{16, 4, 6}, {40, 4, 3, 2}};
 
 double centred(std::uint32_t residue, std::uint32_t m) {
   return static_cast<double>(residue) - (residue > m / 2 ? static_cast<double>(m) : 0.0);

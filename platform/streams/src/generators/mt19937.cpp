@@ -75,12 +75,20 @@ void seed(void* record, std::uint64_t value) noexcept {
     init_by_array(as_record(record), words);
 }
 
-// Of the first word only the top bit belongs to the state.
+// Of the first word only the top bit belongs to the state. So where it is the next output, its lower bits are not free:
+// they are what the twist that made the block's last word took from it.
+bool gives_first_word(const record_type& r) {
+  const std::uint32_t mixed = r.words[n - 1] ^ r.words[m - 1];
+  const std::uint32_t odd = mixed >> 31;
+  const std::uint32_t lower = (mixed ^ (odd != 0 ? mt19937_matrix : 0)) << 1 | odd;
+  return ((r.words[0] ^ lower) & ~mt19937_upper) == 0;
+}
+
 bool in_range(const void* record) noexcept {
   const auto& r = *static_cast<const record_type*>(record);
   const bool any = (r.words[0] & mt19937_upper) != 0 ||
                    std::any_of(r.words + 1, r.words + n, [](std::uint32_t word) { return word != 0; });
-  return any && r.position <= n;
+  return any && r.position <= n && (r.position != 0 || gives_first_word(r));
 }
 
 void draw(void* record, void* words, std::size_t count) noexcept {
