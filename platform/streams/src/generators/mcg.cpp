@@ -95,11 +95,19 @@ const engine mcg31m1_engine = {
 };
 
 const engine mcg59_engine = {
-    VQS_ENGINE_MCG59,  "mcg59",     word_kind::unsigned64,
-    word_scale::mcg59, true,        sizeof(vqs_mcg59_record),
+    VQS_ENGINE_MCG59,
+    "mcg59",
+    word_kind::unsigned64,
+    word_scale::mcg59,
+    true,
+    sizeof(vqs_mcg59_record),
     1 << 16,
-    fields59,          mcg59::seed, mcg59::seed_words,
-    in_range59,        mcg59::draw, mcg59::skip,
+    fields59,
+    mcg59::seed,
+    mcg59::seed_words,
+    in_range59,
+    mcg59::draw,
+    mcg59::skip,
     mcg59::leapfrog,
 };
 
