@@ -14,9 +14,10 @@ install(DIRECTORY include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 
 # The same for pkg-config, wherever the tree is moved. AdaptiveCpp's own compiler brings what it needs.
 file(RELATIVE_PATH prefix_from_pc "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" /)
+string(REGEX REPLACE "/$" "" prefix_from_pc "${prefix_from_pc}")
 if(KESTRO_SYCL STREQUAL "qorin")
   get_target_property(options qorin INTERFACE_COMPILE_OPTIONS)
-  string(REGEX MATCHALL "-[-a-z=]+" options "${options}") # out of the generator expression around them
+  string(REGEX MATCHALL "-[-A-Za-z=]+" options "${options}") # out of the generator expression around them
   list(JOIN options " " options)
   set(pc_cflags " -I\${includedir}/qorin ${options}")
   set(pc_libs " -lqorin")
