@@ -49,7 +49,7 @@ void ring_traits<mt19937>::load(const stream_handle& stream, std::uint32_t* word
 }
 
 void ring_traits<mt19937>::store(const std::uint32_t* words, const stream_handle& stream) {
-  auto& record = *static_cast<vqs_mt19937_record*>(stream.get());
+  auto& record = stream.record<vqs_mt19937_record>();
   std::copy_n(words, size, record.words);
   record.position = size;
 }
@@ -81,8 +81,10 @@ mt19937::mt19937(sycl::queue queue, std::uint32_t seed)
     : engine_base(queue, detail::make_engine_impl<mt19937>(queue, identifier, std::uint64_t{seed})) {}
 
 mt19937::mt19937(sycl::queue queue, std::initializer_list<std::uint32_t> seed)
-    : engine_base(queue, detail::make_engine_impl<mt19937>(
-                             queue, identifier, static_cast<std::int64_t>(seed.size()), seed.begin())) {}
+    : engine_base(queue, detail::make_engine_impl_of_words<mt19937>(queue, seed)) {}
+
+mt19937::mt19937(sycl::queue queue, const std::vector<std::uint32_t>& words)
+    : engine_base(queue, detail::make_engine_impl_of_words<mt19937>(queue, words)) {}
 
 void mt19937::skip_ahead(std::uint64_t num_to_skip) {
   auto& impl = detail::engine_access::impl<mt19937>(*this, "skip_ahead");

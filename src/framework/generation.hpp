@@ -65,7 +65,7 @@ sycl::event engine_base_impl_backend<Engine, Device>::generate(sycl::queue& queu
                                                                std::int64_t n, const Target& target) {
   using generation = engine_generation<Engine>;
   if constexpr (generation::has_substream_modes)
-    if (this->extension().has_substreams())
+    if (generation::in_substreams(*this))
       return generation::generate_impl_sub_seq(*this, queue, distribution, n, target);
   if constexpr (Device == device_type::cpu)
     return generate_on_host(*this, queue, distribution, n, target);

@@ -86,15 +86,10 @@ class generator_impl final : public generator<Distribution> {
 
   static std::unique_ptr<engine_base_impl<Engine>> engine_impl_of(const sycl::queue& queue,
                                                                   vqs_stream stream) {
-    if (device_type_of(queue.get_device(), "generate") == device_type::cpu) {
-      vqs_stream copy = nullptr;
-      check_stream_status(vqsCopyStream_64(&copy, stream), "engine initialization", "initialization failure");
-      return make_engine_impl<Engine>(queue, stream_handle(copy));
-    }
-    std::unique_ptr<engine_base_impl<Engine>> impl(gpu::create_engine<Engine>(queue, stream));
-    if (impl->stream().get() == nullptr)
+    stream_handle copy = gpu::copy_of_host_stream<Engine>(stream);
+    if (copy.get() == nullptr)
       throw computation_error("rng", "engine initialization", "initialization failure");
-    return impl;
+    return make_engine_impl<Engine>(queue, std::move(copy));
   }
 
   Engine engine_;
@@ -112,7 +107,7 @@ std::unique_ptr<generator<Distribution>> create_generator(const sycl::queue& que
     throw invalid_argument("rng", "generate", "stream");
   switch (engine) {
 #define KESTRO_HVL_ENGINE(name)                                                                              \
-  case about<name>.identifier:                                                                      \
+  case about<name>.identifier:                                                                               \
     return std::make_unique<generator_impl<name, Distribution>>(queue, stream, distribution);
 #include <kestro/hvl/rng/detail/engines.def>
 #undef KESTRO_HVL_ENGINE

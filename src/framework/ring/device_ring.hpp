@@ -7,6 +7,7 @@
 #include <sycl/sycl.hpp>
 
 #include "framework/engine_definition.hpp"
+#include "framework/ring/device_state.hpp"
 #include "framework/stream.hpp"
 
 /// Engines that run a recurrence keep it in device memory on a GPU device. Each specialises `ring_traits` with
@@ -24,7 +25,7 @@ struct ring_traits;
 /// `size` live words, the last that were given out, in a ring with room for `step` more; behind the ring the place of the
 /// oldest. Also holds what calls of many segments need.
 template <class Engine>
-class device_ring {
+class device_ring final : public device_state {
   using definition = definition_of<Engine>;
   using traits = ring_traits<Engine>;
 
@@ -42,25 +43,26 @@ class device_ring {
     replace_live_words(words);
   }
 
-  const sycl::queue& queue() const { return queue_; }
   const recurrence_type& recurrence() const { return recurrence_; }
   std::uint32_t* ring() { return ring_.get(); }
 
-  /// The live words, oldest first. No work may be in flight, here and in replace_live_words.
-  void copy_live_words(std::uint32_t* words) const {
+  /// The live words, oldest first. Both wait for the last work.
+  void copy_live_words(std::uint32_t* words) {
+    wait();
     const std::uint32_t oldest = ring_[ring_words];
     for (std::uint32_t k = 0; k < size; ++k)
       words[k] = ring_[(oldest + k) % ring_words];
   }
   void replace_live_words(const std::uint32_t* words) {
+    wait();
     std::copy(words, words + size, ring_.get());
     std::fill(ring_.get() + size, ring_.get() + ring_words + 1, 0u);
   }
 
-  /// Room for the start states of `segments` segments. It may grow only when no work is in flight.
-  bool has_room_for(std::size_t segments) const { return segments <= segments_; }
+  /// Room for the start states of `segments` segments. Waits for the last work when it grows.
   std::uint32_t* segment_states(std::size_t segments) {
-    if (!has_room_for(segments)) {
+    if (segments > segments_) {
+      wait();
       states_ = allocate(segments * size, sycl::usm::alloc::device);
       segments_ = segments;
     }
@@ -83,7 +85,13 @@ class device_ring {
  private:
   struct release {
     sycl::queue queue;
-    void operator()(std::uint32_t* memory) const { sycl::free(memory, queue); }
+    // A memory that cannot be freed is lost; its owner's destructor has nobody to tell.
+    void operator()(std::uint32_t* memory) const noexcept {
+      try {
+        sycl::free(memory, queue);
+      } catch (...) {
+      }
+    }
   };
   using usm_words = std::unique_ptr<std::uint32_t[], release>;
 

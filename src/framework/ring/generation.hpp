@@ -12,12 +12,8 @@ namespace kestro::hvl::rng::detail {
 /// The GPU backend's ring, which stands for the stream; the stream is brought up to date when asked for.
 template <class Engine>
 struct ring_extension {
-  ring_extension() = default;
-  ring_extension(const ring_extension&) {} // a copy is built from the stream
-  ring_extension& operator=(const ring_extension&) = delete;
-
   void attach(const sycl::queue& queue, const stream_handle& stream) {
-    ring = std::make_shared<device_ring<Engine>>(queue, stream);
+    ring.reset(new device_ring<Engine>(queue, stream));
   }
 
   void store(const stream_handle& stream) const {
@@ -28,7 +24,7 @@ struct ring_extension {
     ring_traits<Engine>::store(words, stream);
   }
 
-  std::shared_ptr<device_ring<Engine>> ring;
+  std::unique_ptr<device_ring<Engine>, retire> ring;
 };
 
 template <class Engine>
@@ -41,16 +37,10 @@ struct generation_on_ring {
     using recurrence = typename device_ring<Engine>::recurrence_type;
     device_ring<Engine>& ring = *impl.extension().ring;
     const gpu::ring_plan plan = gpu::plan_segments(queue.get_device(), words, recurrence::step);
-    const std::uint32_t* states = nullptr;
-    if (plan.segments > 1) {
-      if (!ring.has_room_for(plan.segments))
-        impl.settled_stream();
-      impl.set_in_flight(gpu::start_segments(queue, ring, plan, impl.in_flight()));
-      states = ring.segment_states(plan.segments);
-    }
+    const std::uint32_t* const states = plan.segments > 1 ? gpu::start_segments(queue, ring, plan) : nullptr;
     sycl::event event = queue.submit([&](sycl::handler& handler) {
       auto output = target.template on_device<typename Transform::result_type>(handler, n);
-      handler.depends_on(impl.in_flight());
+      handler.depends_on(ring.last());
       if (n == 0)
         return;
       using emit = gpu::emit_values<gpu::value_writer<Engine, Transform, decltype(output)>>;
@@ -60,7 +50,7 @@ struct generation_on_ring {
                                                                 plan.power, memory,
                                                                 emit{{output, transform, n}}));
     });
-    impl.set_in_flight(event);
+    ring.set_last(event);
     return event;
   }
 };
@@ -77,8 +67,8 @@ void skip_on_ring(sycl::queue& queue, engine_base_impl<Engine>& impl, std::uint6
     return;
   if (n <= stepping_words) {
     const std::size_t lanes = gpu::plan_segments(queue.get_device(), 0, recurrence::step).lanes;
-    impl.set_in_flight(queue.submit([&](sycl::handler& handler) {
-      handler.depends_on(impl.in_flight());
+    ring.set_last(queue.submit([&](sycl::handler& handler) {
+      handler.depends_on(ring.last());
       const gpu::local_words memory(sycl::range<1>(gpu::ring_window<recurrence>::capacity), handler);
       handler.parallel_for(sycl::nd_range<1>(lanes, lanes),
                            gpu::ring_generate<recurrence, gpu::drop_words>(ring.recurrence(), ring.ring(),
@@ -86,7 +76,6 @@ void skip_on_ring(sycl::queue& queue, engine_base_impl<Engine>& impl, std::uint6
     }));
     return;
   }
-  impl.settled_stream();
   std::uint32_t words[device_ring<Engine>::size];
   ring.copy_live_words(words);
   check_stream_status(ring_traits<Engine>::jump(words, n), "skip_ahead", "");

@@ -29,27 +29,25 @@ inline ring_plan plan_segments(const sycl::device& device, std::uint64_t words, 
   return {static_cast<std::size_t>((words - 1) >> power) + 1, power, lanes};
 }
 
-/// Computes the start states of the plan's segments by jumps from the ring, after `after`.
+/// Computes the start states of the plan's segments by jumps from the ring, and returns them.
 template <class Engine>
-sycl::event start_segments(sycl::queue& queue, device_ring<Engine>& ring, const ring_plan& plan,
-                           const sycl::event& after) {
+const std::uint32_t* start_segments(sycl::queue& queue, device_ring<Engine>& ring, const ring_plan& plan) {
   using recurrence = typename device_ring<Engine>::recurrence_type;
   std::uint32_t* const states = ring.segment_states(plan.segments);
-  sycl::event event = after;
   int power = plan.power;
   for (std::size_t distance = 1; distance < plan.segments; distance *= 2, ++power) {
     const std::uint32_t* const polynomial = ring.jump_polynomial(power);
     const std::size_t jumps = std::min(distance, plan.segments - distance);
-    event = queue.submit([&](sycl::handler& handler) {
-      handler.depends_on(event);
+    ring.set_last(queue.submit([&](sycl::handler& handler) {
+      handler.depends_on(ring.last());
       const local_words memory(sycl::range<1>(ring_window<recurrence>::capacity), handler);
       handler.parallel_for(
           sycl::nd_range<1>(jumps * plan.lanes, plan.lanes),
           ring_jump<recurrence>(ring.recurrence(), ring.ring(), states, polynomial, distance, memory));
-    });
-    hvl::gpu::verbose_register_event(event);
+    }));
+    hvl::gpu::verbose_register_event(ring.last());
   }
-  return event;
+  return states;
 }
 
 } // namespace kestro::hvl::rng::detail::gpu
