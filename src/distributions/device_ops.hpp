@@ -30,4 +30,13 @@ struct raised : Plain {
   }
 };
 
+/// The transform of a method: `plain`, raised to its displacement if the method is accurate.
+template <bool Accurate, auto Displacement, class Plain>
+auto of_method(const Plain& plain) {
+  if constexpr (Accurate)
+    return raised<Plain, Displacement>{plain};
+  else
+    return plain;
+}
+
 } // namespace kestro::hvl::rng::detail::gpu

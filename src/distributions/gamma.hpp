@@ -59,16 +59,17 @@ struct distribution_traits<gamma<T, Method>> {
   static constexpr bool has_substreams = false;
 
   template <bool BelowOne>
-  using transform = std::conditional_t<
-      is_accurate,
-      gpu::raised<gpu::gamma_marsaglia<T, BelowOne>, &gpu::gamma_marsaglia<T, BelowOne>::displacement>,
-      gpu::gamma_marsaglia<T, BelowOne>>;
+  static auto of_shape(const ::hvl::math::gamma_constants<T>& constants, T displacement) {
+    using plain = gpu::gamma_marsaglia<T, BelowOne>;
+    return gpu::of_method<is_accurate, &plain::displacement>(plain{constants, displacement});
+  }
 
-  static std::variant<transform<false>, transform<true>> transform_of(const gamma<T, Method>& d) {
+  static auto transform_of(const gamma<T, Method>& d) {
     const auto constants = ::hvl::math::gamma_constants_of(d.alpha(), d.a(), d.beta());
-    if (constants.below_one)
-      return transform<true>{{constants, d.a()}};
-    return transform<false>{{constants, d.a()}};
+    using below_one = decltype(of_shape<true>(constants, d.a()));
+    using others = decltype(of_shape<false>(constants, d.a()));
+    return constants.below_one ? std::variant<below_one, others>(of_shape<true>(constants, d.a()))
+                               : std::variant<below_one, others>(of_shape<false>(constants, d.a()));
   }
 
   static int generate_on_host(const gamma<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {

@@ -107,15 +107,6 @@ struct inverse_cdf_traits {
   static constexpr bool is_accurate = Accurate;
   static constexpr bool needs_uniform_bits = false;
   static constexpr bool has_substreams = false;
-
-  /// The transform, raised to its displacement by accurate methods.
-  template <class Plain>
-  static auto of_method(const Plain& plain) {
-    if constexpr (Accurate)
-      return gpu::raised<Plain, &Plain::a>{plain};
-    else
-      return plain;
-  }
 };
 
 template <class T, class Method>
@@ -125,7 +116,8 @@ struct distribution_traits<exponential<T, Method>>
   static constexpr const char* name = "exponential";
 
   static auto transform_of(const exponential<T, Method>& d) {
-    return distribution_traits::of_method(gpu::exponential_icdf<T>{{}, d.a(), d.beta()});
+    return gpu::of_method<is_accurate, &gpu::exponential_icdf<T>::a>(
+        gpu::exponential_icdf<T>{{}, d.a(), d.beta()});
   }
 
   static int generate_on_host(const exponential<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {
@@ -152,7 +144,7 @@ struct distribution_traits<weibull<T, Method>>
   static constexpr const char* name = "weibull";
 
   static auto transform_of(const weibull<T, Method>& d) {
-    return distribution_traits::of_method(
+    return gpu::of_method<is_accurate, &gpu::weibull_icdf<T>::a>(
         gpu::weibull_icdf<T>{{}, ::hvl::math::weibull_exponent(d.alpha()), d.a(), d.beta()});
   }
 
@@ -169,7 +161,7 @@ struct distribution_traits<rayleigh<T, Method>>
   static constexpr const char* name = "rayleigh";
 
   static auto transform_of(const rayleigh<T, Method>& d) {
-    return distribution_traits::of_method(gpu::rayleigh_icdf<T>{{}, d.a(), d.beta()});
+    return gpu::of_method<is_accurate, &gpu::rayleigh_icdf<T>::a>(gpu::rayleigh_icdf<T>{{}, d.a(), d.beta()});
   }
 
   static int generate_on_host(const rayleigh<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {

@@ -63,11 +63,8 @@ struct distribution_traits<lognormal<T, Method>> {
 
   static auto transform_of(const distribution& d) {
     using plain = std::conditional_t<is_icdf, gpu::lognormal_icdf<T>, gpu::lognormal_box_muller2<T>>;
-    const plain transform{d.m(), is_icdf ? ::hvl::math::icdf_scale(d.s()) : d.s(), d.displ(), d.scale()};
-    if constexpr (is_accurate)
-      return gpu::raised<plain, &plain::displ>{transform};
-    else
-      return transform;
+    return gpu::of_method<is_accurate, &plain::displ>(
+        plain{d.m(), is_icdf ? ::hvl::math::icdf_scale(d.s()) : d.s(), d.displ(), d.scale()});
   }
 
   static int generate_on_host(const distribution& d, vqs_stream stream, std::int64_t n, T* r) {

@@ -38,6 +38,15 @@ void check_weibull(T alpha, T a, T beta) {
 }
 
 template <class T>
+void check_gamma(T alpha, T a, T beta) {
+  check("gamma", ::hvl::streams::gamma_fault<T>, alpha, a, beta);
+}
+
+void check_geometric(double p) {
+  check("geometric", ::hvl::streams::geometric_fault, p);
+}
+
+template <class T>
 void check_displaced(const char* distribution, T a, T beta) {
   check(distribution, ::hvl::streams::displaced_fault<T>, a, beta);
 }
@@ -52,6 +61,7 @@ void check_centred(const char* distribution, T a, T b) {
   template void check_gaussian(T, T);                                                                        \
   template void check_lognormal(T, T, T, T);                                                                 \
   template void check_weibull(T, T, T);                                                                      \
+  template void check_gamma(T, T, T);                                                                        \
   template void check_displaced(const char*, T, T);                                                          \
   template void check_centred(const char*, T, T);
 KESTRO_HVL_CHECKS(float)

@@ -57,4 +57,13 @@ const char* weibull_fault(T alpha, T a, T beta) {
   return !is_positive(alpha) ? "alpha <= 0" : displaced_fault(a, beta);
 }
 
+template <class T>
+const char* gamma_fault(T alpha, T a, T beta) {
+  return weibull_fault(alpha, a, beta);
+}
+
+inline const char* geometric_fault(double p) {
+  return !(p > 0 && p <= 1) ? "p is not in (0, 1]" : nullptr;
+}
+
 } // namespace hvl::streams

@@ -17,6 +17,9 @@ template <class T>
 KESTRO_HVL_API void check_lognormal(T m, T s, T displ, T scale);
 template <class T>
 KESTRO_HVL_API void check_weibull(T alpha, T a, T beta);
+template <class T>
+KESTRO_HVL_API void check_gamma(T alpha, T a, T beta);
+KESTRO_HVL_API void check_geometric(double p);
 
 /// exponential, rayleigh, gumbel
 template <class T>
