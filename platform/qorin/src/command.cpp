@@ -4,6 +4,8 @@
 #include "objects.hpp"
 #include "scheduler.hpp"
 
+#include <hvl/float_environment.hpp>
+
 #include <oneapi/tbb/task_arena.h>
 
 namespace sycl::detail {
@@ -72,6 +74,7 @@ void command::run_action() noexcept {
   if (!action_)
     return;
   try {
+    const hvl::default_float_environment same_for_everyone;
     // Isolated, so that waiting inside never picks up an outer task of this thread, which might wait for us.
     oneapi::tbb::this_task_arena::isolate([this] { action_->run(); });
   } catch (...) {
@@ -145,12 +148,11 @@ std::shared_ptr<command> command::claimable_ancestor() {
 /// Runs this command or one it waits for; false when there is none near to run.
 bool command::help() {
   const std::shared_ptr<command> next = claimable_ancestor();
-  if (!next)
+  if (!next || !scheduler::instance().claim(*next))
     return false;
-  if (scheduler::instance().claim(*next)) {
-    next->run_action();
-    next->finish();
-  }
+  next->run_action();
+  next->finish();
+  scheduler::instance().leave();
   return true;
 }
 
@@ -160,6 +162,8 @@ void command::wait() {
       spin = -1;
     } else if (spin < spins_before_sleep) {
       __builtin_ia32_pause();
+    } else if (!scheduler::instance().prepare_to_sleep(*this)) {
+      return;
     } else {
       for (phase p = current_phase(); p != phase::complete; p = current_phase())
         phase_.wait(p, std::memory_order_acquire);

@@ -92,7 +92,8 @@ class command final : public std::enable_shared_from_this<command> {
   bool external_ = false;
   const backend kind_;
   const bool profiled_;
-  bool listed_ = false; // in the scheduler's list; guarded by it, as are the two links
+  bool wanted_ = false; // someone waits, or may; guarded by the scheduler, as are the next three
+  bool listed_ = false; // in the scheduler's list
   command* list_previous_ = nullptr;
   command* list_next_ = nullptr;
   std::atomic<std::thread::id> runner_{};

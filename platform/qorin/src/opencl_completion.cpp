@@ -1,5 +1,7 @@
 #include "opencl_completion.hpp"
 
+#include "scheduler.hpp"
+
 #include <condition_variable>
 #include <map>
 
@@ -80,23 +82,31 @@ class pending_events {
 
   void watch() {
     for (;;) {
-      std::vector<std::pair<std::uintptr_t, std::shared_ptr<void>>> looked_at;
       {
         std::unique_lock lock(mutex_);
         added_.wait(lock, [this] { return !entries_.empty(); });
-        for (const auto& [key, e] : entries_)
-          looked_at.emplace_back(key, e.event);
       }
-      for (const auto& [key, event] : looked_at) {
-        cl_int status = CL_COMPLETE;
-        const cl_int asked =
-            clGetEventInfo(static_cast<cl_event>(event.get()), CL_EVENT_COMMAND_EXECUTION_STATUS,
-                           sizeof status, &status, nullptr);
-        if (asked == CL_SUCCESS && status < 0)
-          ended(key, status);
-      }
-      looked_at.clear();
+      if (!scheduler::instance().enter_unless_ending()) // OpenCL goes, too
+        return;
+      look();
+      scheduler::instance().leave();
       std::this_thread::sleep_for(between_looks);
+    }
+  }
+
+  void look() {
+    std::vector<std::pair<std::uintptr_t, std::shared_ptr<void>>> looked_at;
+    {
+      const std::lock_guard lock(mutex_);
+      for (const auto& [key, e] : entries_)
+        looked_at.emplace_back(key, e.event);
+    }
+    for (const auto& [key, event] : looked_at) {
+      cl_int status = CL_COMPLETE;
+      const cl_int asked = clGetEventInfo(static_cast<cl_event>(event.get()),
+                                          CL_EVENT_COMMAND_EXECUTION_STATUS, sizeof status, &status, nullptr);
+      if (asked == CL_SUCCESS && status < 0)
+        ended(key, status);
     }
   }
 

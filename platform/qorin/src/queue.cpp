@@ -16,6 +16,7 @@ queue_state::queue_state(device dev, context c, async_handler handler, property_
 }
 
 std::shared_ptr<command> queue_state::submit(recording&& group) {
+  scheduler::end_with_main_thread();
   const auto c = std::make_shared<command>(shared_from_this(), errors, profiled);
   c->set_action(std::move(group.action));
   {

@@ -4,6 +4,7 @@
 #include <sycl/exception.hpp>
 
 #include <hvl/core.h>
+#include <hvl/float_environment.hpp>
 
 #include <oneapi/tbb/blocked_range.h>
 #include <oneapi/tbb/parallel_for.h>
@@ -31,13 +32,14 @@ auto chosen(const Functions& functions) {
 }
 
 /// `oneapi::tbb::parallel_for` whose fork and join the thread sanitizer sees: it cannot see those of oneTBB, which is
-/// not built with it.
+/// not built with it. Its threads compute as the calling one does, in the default floating-point environment.
 template <class Range, class Body>
 void fork_join(const Range& all, const Body& body) {
   std::atomic<std::size_t> pieces{0};
   pieces.store(1, std::memory_order_release);
   oneapi::tbb::parallel_for(all, [&](const Range& part) {
     (void)pieces.load(std::memory_order_acquire);
+    const hvl::default_float_environment same_for_everyone;
     body(part);
     pieces.fetch_add(1, std::memory_order_release);
   });

@@ -191,23 +191,34 @@ void group_runner::meet(meeting_place& place, std::size_t member, void* brought,
   current_ = &here;
 }
 
-/// The runner of this thread, kept for its stacks; a second one when the first is in use.
+/// The runner of this thread, kept for its stacks; a second one when the first is in use, or when the thread has
+/// destroyed its objects, as the main thread has while static objects are destroyed.
 class borrowed_runner {
  public:
-  borrowed_runner() : runner_(std::move(kept())) {
+  borrowed_runner() : runner_(std::exchange(kept, nullptr)) {
     if (!runner_)
       runner_ = std::make_unique<group_runner>();
   }
   borrowed_runner(const borrowed_runner&) = delete;
   borrowed_runner& operator=(const borrowed_runner&) = delete;
-  ~borrowed_runner() { kept() = std::move(runner_); }
+  ~borrowed_runner() {
+    thread_local const end_of_thread end;
+    if (!ended && kept == nullptr)
+      kept = runner_.release();
+  }
   group_runner& operator*() const { return *runner_; }
 
  private:
-  static std::unique_ptr<group_runner>& kept() {
-    thread_local std::unique_ptr<group_runner> one;
-    return one;
-  }
+  struct end_of_thread {
+    end_of_thread() noexcept {}
+    ~end_of_thread() {
+      ended = true;
+      delete kept;
+    }
+  };
+  static inline thread_local group_runner* kept = nullptr;
+  static inline thread_local bool ended = false;
+
   std::unique_ptr<group_runner> runner_;
 };
 

@@ -75,6 +75,23 @@ TEST(graph, blocked_tasks_never_hold_up_independent_ones) {
   EXPECT_EQ(arrived.load(), tasks);
 }
 
+TEST(graph, as_many_tasks_as_there_are_may_wait_for_each_other) {
+  constexpr int tasks = 600;
+  sycl::queue q;
+  std::atomic<int> missing{tasks};
+  for (int i = 0; i < tasks; ++i)
+    q.submit([&](sycl::handler& h) {
+      h.host_task([&] {
+        if (missing.fetch_sub(1) == 1)
+          missing.notify_all();
+        for (int seen = missing.load(); seen > 0; seen = missing.load())
+          missing.wait(seen);
+      });
+    });
+  q.wait();
+  EXPECT_EQ(missing.load(), 0);
+}
+
 TEST(graph, joins_and_forks_follow_depends_on) {
   sycl::queue q;
   sycl::queue other{sycl::gpu_selector_v};

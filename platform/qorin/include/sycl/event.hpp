@@ -2,6 +2,7 @@
 #pragma once
 
 #include <sycl/context.hpp>
+#include <sycl/detail/last_use.hpp>
 
 namespace sycl {
 
@@ -9,6 +10,11 @@ class QORIN_EXPORT event : public detail::handle<event, detail::command> {
  public:
   /// An event that is complete from the start.
   event() noexcept = default;
+  event(const event&) = default;
+  event(event&&) noexcept = default;
+  event& operator=(const event&) = default;
+  event& operator=(event&&) noexcept = default;
+  ~event() { detail::note_use(); }
 
   backend get_backend() const noexcept;
 

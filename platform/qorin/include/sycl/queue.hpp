@@ -45,6 +45,7 @@ class QORIN_EXPORT queue : public detail::handle<queue, detail::queue_state>,
   /// Calls `group(handler&)` now, on this thread, and enters what it recorded into the graph of commands.
   template <class CommandGroup>
   event submit(CommandGroup group) {
+    detail::note_use();
     handler commands(*this);
     group(commands);
     return commands.finish();
