@@ -192,6 +192,34 @@ TYPED_TEST(gamma_law, squeeze_decides_nearly_all) {
   }
 }
 
+// Of neighbours, in double those of one group: as made, and as further attempts make them.
+TYPED_TEST(gamma_law, neighbours_are_independent) {
+  using T = TypeParam;
+  constexpr std::size_t cells = 8;
+  constexpr std::uint32_t count = 200'000;
+  double edges[cells - 1];
+  for (std::size_t i = 1; i < cells; ++i)
+    edges[i - 1] = boost::math::gamma_p_inv(2.5, static_cast<double>(i) / cells);
+  const auto c = gamma_constants_of(T(2.5), T(0), T(1));
+  const boost::math::chi_squared_distribution<double> chi(cells * cells - 1);
+  for (const bool further : {false, true}) {
+    std::vector<std::size_t> cell;
+    for_each_input(T(2.5), count, 21, [&](const auto& input) {
+      const auto value = static_cast<double>(further ? input.further(c) : input.value(c));
+      cell.push_back(static_cast<std::size_t>(std::upper_bound(edges, std::end(edges), value) - edges));
+    });
+    double found[cells][cells] = {};
+    for (std::size_t i = 0; i < count; i += 2)
+      ++found[cell[i]][cell[i + 1]];
+    constexpr double expected = count / 2 / static_cast<double>(cells * cells);
+    double statistic = 0;
+    for (const auto& row : found)
+      for (const double n : row)
+        statistic += (n - expected) * (n - expected) / expected;
+    EXPECT_LT(statistic, boost::math::quantile(boost::math::complement(chi, false_alarm))) << further;
+  }
+}
+
 double two_words(const std::uint32_t (&own)[2]) {
   return refined<scalar_ops<double>>(unit<double>(own[0]), unit<double>(own[1]), 0x1p-32);
 }

@@ -50,11 +50,14 @@ void gamma(const void* parameters, const void* words, void* values, std::size_t 
 // The lanes of a mask, one bit each.
 template <class T>
 HWY_INLINE std::uint64_t bits_of(typename vector_ops<T>::mask m) {
-  std::uint8_t bytes[8] = {};
-  hn::StoreMaskBits(vector_tag<T>(), m, bytes);
-  std::uint64_t bits;
-  std::memcpy(&bits, bytes, sizeof bits);
-  return bits;
+#if HWY_TARGET <= HWY_AVX3
+  return m.raw;
+#else
+  if constexpr (sizeof(T) == 4)
+    return static_cast<unsigned>(_mm256_movemask_ps(m.raw));
+  else
+    return static_cast<unsigned>(_mm256_movemask_pd(m.raw));
+#endif
 }
 
 template <word_kind Kind, class T, bool BelowOne>
@@ -68,7 +71,7 @@ class gamma_chunk {
   static constexpr std::size_t wide_width = vector_values<double>;
 
  public:
-  static constexpr std::size_t most_groups = 512 / per_group;
+  static constexpr std::size_t most_groups = 1024 / per_group;
   static constexpr std::size_t most = most_groups * per_group;
 
   HWY_INLINE gamma_chunk(const gamma_parameters<T>& p, const word* words, T* values, std::size_t count)
@@ -128,6 +131,7 @@ class gamma_chunk {
 
   HWY_INLINE void first_attempts() {
     const vector_tag<T> d;
+    const math::gamma_constants<T> constants = p_.constants; // a copy stays in registers
     for_each_vector_of_groups([&](std::size_t i, const vector<T>(&w)[use.words]) HVL_STREAMS_INLINE_LAMBDA {
       vector<T> e[per_group], core[per_group];
       if constexpr (per_group == 1) {
@@ -140,7 +144,7 @@ class gamma_chunk {
       for (std::size_t k = 0; k < per_group; ++k) {
         const std::size_t place = k * most_groups + i;
         const auto u = unit(w[per_group + k]);
-        const auto attempt = math::gamma_squeezed<O>(e[k], u, p_.constants);
+        const auto attempt = math::gamma_squeezed<O>(e[k], u, constants);
         core[k] = attempt.core;
         hn::Store(e[k], d, e_ + place);
         hn::Store(u, d, u_ + place);
