@@ -5,8 +5,8 @@ namespace hvl::streams::test {
 namespace {
 
 template <class Engine>
-const typename Engine::record& record_of(const owned_stream& stream) {
-  return *static_cast<const typename Engine::record*>(static_cast<vqs_stream>(stream));
+typename Engine::record& record_of(const owned_stream& stream) {
+  return *static_cast<typename Engine::record*>(static_cast<vqs_stream>(stream));
 }
 
 template <class Engine>
@@ -37,6 +37,12 @@ TYPED_TEST(positions, are_those_of_the_stream) {
   for (std::size_t before = 0; before < 6; ++before) {
     owned_stream stream(TypeParam::about.identifier, 7);
     stream.bits(before);
+    this->check(stream);
+  }
+  if constexpr (requires(typename TypeParam::record r) { r.remaining; }) {
+    owned_stream stream(TypeParam::about.identifier, 7);
+    stream.bits(4);
+    record_of<TypeParam>(stream).remaining = 4; // the whole block once more
     this->check(stream);
   }
   if constexpr (TypeParam::about.has_leapfrog) {
