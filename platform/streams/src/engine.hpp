@@ -17,11 +17,13 @@ constexpr std::size_t word_bytes(word_kind kind) {
   return kind == word_kind::unsigned64 ? 8 : 4;
 }
 
-// One array of words of a record, in saved states written word by word.
+// One array of words of a record, in saved states written word by word. States of an earlier format version than
+// `since` are without it; it is then 0.
 struct record_field {
   std::uint32_t offset_bytes;
   std::uint32_t word_bytes;
   std::uint32_t words;
+  std::uint32_t since = 1;
 };
 
 // The functions are called with a record of this engine, whose header says which member it is. All but advance are

@@ -42,13 +42,12 @@ int vqsLoadStreamM_64(vqs_stream* stream, const unsigned char* memory) {
   return guarded([&]() -> int {
     if (stream == nullptr || memory == nullptr)
       return VQS_STATUS_NULL_POINTER;
-    const engine* e = nullptr;
-    std::size_t state_bytes = 0;
-    const std::span<const std::uint8_t, state_header_bytes> header(memory, state_header_bytes);
-    if (const int status = read_state_header(header, e, state_bytes); status != 0)
+    state_header header;
+    const std::span<const std::uint8_t, state_header_bytes> start(memory, state_header_bytes);
+    if (const int status = read_state_header(start, header); status != 0)
       return status;
     record_pointer record;
-    const int status = decode_state(std::span(memory, state_bytes), record);
+    const int status = decode_state(std::span(memory, header.state_bytes), record);
     if (status == 0)
       *stream = record.release();
     return status;

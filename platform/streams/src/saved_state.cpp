@@ -8,7 +8,7 @@ namespace hvl::streams {
 namespace {
 
 constexpr std::uint32_t state_magic = 0x534C5648; // "HVLS"
-constexpr std::uint32_t state_version = 1;
+constexpr std::uint32_t state_version = 2;
 constexpr std::size_t checksum_bytes = 4;
 
 void put(std::uint8_t*& at, std::uint64_t value, std::size_t bytes) noexcept {
@@ -23,11 +23,16 @@ std::uint64_t get(const std::uint8_t*& at, std::size_t bytes) noexcept {
   return value;
 }
 
-std::size_t payload_bytes(const engine& e) noexcept {
+std::size_t payload_bytes(const engine& e, std::uint32_t version) noexcept {
   std::size_t bytes = 0;
   for (const record_field& field : e.fields)
-    bytes += std::size_t{field.word_bytes} * field.words;
+    if (field.since <= version)
+      bytes += std::size_t{field.word_bytes} * field.words;
   return bytes;
+}
+
+std::size_t saved_state_bytes(const engine& e, std::uint32_t version) noexcept {
+  return state_header_bytes + payload_bytes(e, version) + checksum_bytes;
 }
 
 std::uint32_t checksum(std::span<const std::uint8_t> bytes) noexcept {
@@ -38,7 +43,7 @@ std::uint32_t checksum(std::span<const std::uint8_t> bytes) noexcept {
 } // namespace
 
 std::size_t saved_state_bytes(const engine& e) noexcept {
-  return state_header_bytes + payload_bytes(e) + checksum_bytes;
+  return saved_state_bytes(e, state_version);
 }
 
 void encode_state(const engine& e, const void* record, std::span<std::uint8_t> out) noexcept {
@@ -46,7 +51,7 @@ void encode_state(const engine& e, const void* record, std::span<std::uint8_t> o
   put(at, state_magic, 4);
   put(at, state_version, 4);
   put(at, static_cast<std::uint32_t>(static_cast<const vqs_record_header*>(record)->engine), 4);
-  put(at, payload_bytes(e), 4);
+  put(at, payload_bytes(e, state_version), 4);
   for (const record_field& field : e.fields) {
     const auto* source = static_cast<const std::byte*>(record) + field.offset_bytes;
     for (std::uint32_t i = 0; i < field.words; ++i, source += field.word_bytes) {
@@ -58,44 +63,47 @@ void encode_state(const engine& e, const void* record, std::span<std::uint8_t> o
   put(at, checksum(out.first(static_cast<std::size_t>(at - out.data()))), checksum_bytes);
 }
 
-int read_state_header(std::span<const std::uint8_t, state_header_bytes> header, const engine*& e,
-                      std::size_t& state_bytes) noexcept {
-  const std::uint8_t* at = header.data();
-  if (get(at, 4) != state_magic || get(at, 4) != state_version)
+int read_state_header(std::span<const std::uint8_t, state_header_bytes> bytes,
+                      state_header& header) noexcept {
+  const std::uint8_t* at = bytes.data();
+  if (get(at, 4) != state_magic)
     return VQS_STATUS_STATE_FORMAT;
-  e = find_engine(static_cast<std::int32_t>(static_cast<std::uint32_t>(get(at, 4))));
-  if (e == nullptr)
+  const auto version = static_cast<std::uint32_t>(get(at, 4));
+  const auto id = static_cast<std::int32_t>(static_cast<std::uint32_t>(get(at, 4)));
+  const engine* e = find_engine(id);
+  if (version == 0 || version > state_version || e == nullptr)
     return VQS_STATUS_STATE_FORMAT;
-  if (get(at, 4) != payload_bytes(*e))
+  if (get(at, 4) != payload_bytes(*e, version))
     return VQS_STATUS_STATE_SIZE;
-  state_bytes = saved_state_bytes(*e);
+  header = {e, id, version, saved_state_bytes(*e, version)};
   return VQS_STATUS_OK;
 }
 
 int decode_state(std::span<const std::uint8_t> state, record_pointer& record) {
   if (state.size() < state_header_bytes)
     return VQS_STATUS_STATE_SIZE;
-  const engine* e = nullptr;
-  std::size_t state_bytes = 0;
-  if (const int status = read_state_header(state.first<state_header_bytes>(), e, state_bytes); status != 0)
+  state_header header;
+  if (const int status = read_state_header(state.first<state_header_bytes>(), header); status != 0)
     return status;
-  if (state.size() != state_bytes)
+  if (state.size() != header.state_bytes)
     return VQS_STATUS_STATE_SIZE;
-  const std::uint8_t* sum = state.data() + (state_bytes - checksum_bytes);
-  if (get(sum, checksum_bytes) != checksum(state.first(state_bytes - checksum_bytes)))
+  const std::span<const std::uint8_t> sealed = state.first(state.size() - checksum_bytes);
+  const std::uint8_t* sum = state.data() + sealed.size();
+  if (get(sum, checksum_bytes) != checksum(sealed))
     return VQS_STATUS_STATE_CHECKSUM;
 
-  const std::uint8_t* id = state.data() + 8;
-  record_pointer decoded = new_record(*e, static_cast<std::int32_t>(static_cast<std::uint32_t>(get(id, 4))));
+  record_pointer decoded = new_record(*header.e, header.id);
   const std::uint8_t* at = state.data() + state_header_bytes;
-  for (const record_field& field : e->fields) {
+  for (const record_field& field : header.e->fields) {
+    if (field.since > header.version)
+      continue;
     auto* target = static_cast<std::byte*>(decoded.get()) + field.offset_bytes;
     for (std::uint32_t i = 0; i < field.words; ++i, target += field.word_bytes) {
       const std::uint64_t word = get(at, field.word_bytes);
       std::memcpy(target, &word, field.word_bytes);
     }
   }
-  if (!e->in_range(decoded.get()))
+  if (!header.e->in_range(decoded.get()))
     return VQS_STATUS_STATE_RANGE;
   record = std::move(decoded);
   return VQS_STATUS_OK;

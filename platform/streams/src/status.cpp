@@ -42,6 +42,10 @@ const char* vqsStatusText(int status) {
     return "HVL_ISA names an instruction set that is unknown or not available";
   case VQS_STATUS_INTERNAL:
     return "an unexpected failure inside the library";
+  case VQS_STATUS_FILE_MISSING:
+    return "there is no such file or folder";
+  case VQS_STATUS_FILE_PERMISSION:
+    return "no permission to access the file";
   default:
     return "unknown status";
   }

@@ -76,6 +76,8 @@ int vqsCopyStream_64(vqs_stream* out, vqs_stream in) {
     const engine* e = engine_of(in);
     if (e == nullptr)
       return VQS_STATUS_BAD_STREAM;
+    if (!e->in_range(in))
+      return VQS_STATUS_STATE_RANGE;
     record_pointer record = allocate(record_bytes(in));
     std::memcpy(record.get(), in, record_bytes(in));
     *out = record.release();

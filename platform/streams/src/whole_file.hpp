@@ -9,8 +9,9 @@
 namespace hvl::streams {
 
 // Replaces the content of a regular file, or creates it: after a failure, a full disk or a kill the old
-// content is still there. Something that is not a regular file (a pipe, a device) is written to. Returns a
-// status.
+// content is still there. (Where the folder takes no new file, an existing one is overwritten, which a kill can cut
+// short.) Symbolic links are followed; a file without permission to write is refused. Something that is not a regular
+// file (a pipe, a device) is written to. Returns a status.
 int write_whole_file(const char* file_name, std::span<const std::uint8_t> bytes);
 
 // Reads at most `most` bytes and one more, so that a longer file shows. Returns a status.

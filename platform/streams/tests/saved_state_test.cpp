@@ -2,6 +2,7 @@
 // here.
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <zlib.h>
 
@@ -11,6 +12,7 @@
 #include <fstream>
 #include <random>
 
+#include "hvl/streams_record.h"
 #include "support.hpp"
 
 namespace hvl::streams::test {
@@ -69,7 +71,7 @@ TEST_P(saved_states, files_hold_the_same_bytes_as_memory_and_come_back) {
 
 TEST_P(saved_states, a_failed_save_keeps_the_old_file) {
   owned_stream stream(id());
-  EXPECT_EQ(vqsSaveStreamF_64(stream, path("no/such/folder").c_str()), VQS_STATUS_FILE_OPEN);
+  EXPECT_EQ(vqsSaveStreamF_64(stream, path("no/such/folder").c_str()), VQS_STATUS_FILE_MISSING);
   EXPECT_EQ(vqsSaveStreamF_64(stream, "/dev/full"), VQS_STATUS_FILE_WRITE);
   EXPECT_EQ(vqsSaveStreamF_64(stream, nullptr), VQS_STATUS_NULL_POINTER);
   const std::string name = path("state");
@@ -103,6 +105,77 @@ TEST_P(saved_states, a_disk_that_fills_up_leaves_the_old_file) {
   EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1) << "a temporary file was left behind";
 }
 
+TEST_P(saved_states, names_that_others_have_left_behind_are_passed_over) {
+  owned_stream stream(id());
+  const std::string stem = path("state") + ".tmp-" + std::to_string(::getpid()) + "-";
+  for (int serial = 0; serial < 200; ++serial)
+    write(stem + std::to_string(serial), {'x'});
+  ASSERT_EQ(vqsSaveStreamF_64(stream, path("state").c_str()), VQS_STATUS_OK);
+  EXPECT_EQ(content(path("state")), stream.saved());
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 201);
+}
+
+TEST_P(saved_states, the_longest_names_and_links_to_nothing_work) {
+  owned_stream stream(id());
+  const std::string longest = path(std::string(255, 'n').c_str());
+  ASSERT_EQ(vqsSaveStreamF_64(stream, longest.c_str()), VQS_STATUS_OK);
+  EXPECT_EQ(content(longest), stream.saved());
+  EXPECT_EQ(vqsSaveStreamF_64(stream, path(std::string(256, 'n').c_str()).c_str()), VQS_STATUS_FILE_OPEN);
+
+  fs::create_directory(path("other"));
+  ASSERT_EQ(::symlink("other/second", path("first").c_str()), 0);
+  ASSERT_EQ(::symlink("state", path("other/second").c_str()), 0);
+  ASSERT_EQ(vqsSaveStreamF_64(stream, path("first").c_str()), VQS_STATUS_OK);
+  EXPECT_TRUE(fs::is_symlink(path("first")) && fs::is_symlink(path("other/second")));
+  EXPECT_EQ(content(path("other/state")), stream.saved());
+}
+
+// In a child process, as only there the superuser can be left.
+template <class Body>
+int exit_status_without_privileges(Body body) {
+  const pid_t child = ::fork();
+  if (child == 0)
+    ::_exit(::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0) ? 200 : body());
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  return WIFEXITED(status) ? -WEXITSTATUS(status) : 1;
+}
+
+TEST_P(saved_states, permissions_are_those_of_the_file) {
+  owned_stream stream(id());
+  const auto old_content = std::vector<unsigned char>(5000, 'x');
+  const auto save = [&](const char* name) {
+    return exit_status_without_privileges([&] { return -vqsSaveStreamF_64(stream, path(name).c_str()); });
+  };
+  write(path("read-only"), old_content);
+  write(path("free"), old_content);
+  fs::permissions(path("read-only"), fs::perms(0444));
+  fs::permissions(path("free"), fs::perms(0666));
+  fs::permissions(folder_, fs::perms(0777));
+  EXPECT_EQ(save("read-only"), VQS_STATUS_FILE_PERMISSION);
+  EXPECT_EQ(content(path("read-only")), old_content);
+
+  fs::permissions(folder_, fs::perms(0555));
+  EXPECT_EQ(save("new"), VQS_STATUS_FILE_PERMISSION);
+  const int on_a_full_disk = exit_status_without_privileges([&] {
+    const rlimit small{20, 20};
+    std::signal(SIGXFSZ, SIG_IGN);
+    return ::setrlimit(RLIMIT_FSIZE, &small) != 0 ? 200 : -vqsSaveStreamF_64(stream, path("free").c_str());
+  });
+  EXPECT_EQ(on_a_full_disk, VQS_STATUS_FILE_WRITE);
+  EXPECT_EQ(content(path("free")), old_content);
+  EXPECT_EQ(save("free"), VQS_STATUS_OK); // the folder takes no new file, but this one may be written
+  EXPECT_EQ(content(path("free")), stream.saved());
+
+  fs::permissions(path("free"), fs::perms(0000));
+  EXPECT_EQ(exit_status_without_privileges([&] {
+              vqs_stream loaded = nullptr;
+              return -vqsLoadStreamF_64(&loaded, path("free").c_str());
+            }),
+            VQS_STATUS_FILE_PERMISSION);
+  fs::permissions(folder_, fs::perms(0755));
+}
+
 TEST_P(saved_states, every_flipped_bit_is_refused) {
   const auto state = owned_stream(id()).saved();
   for (std::size_t bit = 0; bit < 8 * state.size(); ++bit) {
@@ -128,7 +201,7 @@ TEST_P(saved_states, files_of_a_wrong_size_or_origin_are_refused) {
   }
   write(name, std::vector<unsigned char>(state.size(), 'x'));
   EXPECT_EQ(vqsLoadStreamF_64(&stream, name.c_str()), VQS_STATUS_STATE_FORMAT);
-  EXPECT_EQ(vqsLoadStreamF_64(&stream, path("absent").c_str()), VQS_STATUS_FILE_OPEN);
+  EXPECT_EQ(vqsLoadStreamF_64(&stream, path("absent").c_str()), VQS_STATUS_FILE_MISSING);
   EXPECT_EQ(vqsLoadStreamF_64(&stream, folder_.c_str()), VQS_STATUS_FILE_READ);
   EXPECT_EQ(stream, nullptr);
 }
@@ -143,9 +216,30 @@ TEST_P(saved_states, sealed_states_with_another_header_are_refused) {
   };
   EXPECT_EQ(with(0, state[0]), VQS_STATUS_OK);
   EXPECT_EQ(with(0, 'X'), VQS_STATUS_STATE_FORMAT);
-  EXPECT_EQ(with(4, 2), VQS_STATUS_STATE_FORMAT);
+  EXPECT_EQ(with(4, 0), VQS_STATUS_STATE_FORMAT);
+  EXPECT_EQ(with(4, 3), VQS_STATUS_STATE_FORMAT);
   EXPECT_EQ(with(8, 1), VQS_STATUS_STATE_FORMAT);
   EXPECT_EQ(with(12, static_cast<unsigned char>(state[12] + 4)), VQS_STATUS_STATE_SIZE);
+}
+
+TEST_P(saved_states, states_of_version_1_still_load) {
+  owned_stream stream(id());
+  stream.bits(5);
+  auto state = stream.saved();
+  ASSERT_EQ(state[4], 2);
+  state[4] = 1;
+  if (id() == VQS_ENGINE_MRG32K3A) { // had no substreams
+    state[12] = 24;
+    state.erase(state.begin() + 40, state.begin() + 52);
+  }
+  seal(state);
+  vqs_stream handle = nullptr;
+  ASSERT_EQ(vqsLoadStreamM_64(&handle, state.data()), VQS_STATUS_OK);
+  owned_stream loaded = owned_stream::adopt(handle);
+  EXPECT_EQ(loaded.saved(), stream.saved());
+  write(path("state"), state);
+  ASSERT_EQ(vqsLoadStreamF_64(&handle, path("state").c_str()), VQS_STATUS_OK);
+  vqsDeleteStream_64(&handle);
 }
 
 TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
@@ -161,10 +255,21 @@ TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
     EXPECT_EQ(fill(24, 1, 4), VQS_STATUS_OK);
     EXPECT_EQ(fill(24, 1, 5), VQS_STATUS_STATE_RANGE);
     break;
+  case VQS_ENGINE_ARS5:
+    EXPECT_EQ(fill(32, 1, 4), VQS_STATUS_OK);
+    EXPECT_EQ(fill(32, 1, 5), VQS_STATUS_STATE_RANGE);
+    break;
   case VQS_ENGINE_MRG32K3A:
     EXPECT_EQ(fill(12, 12, 0), VQS_STATUS_STATE_RANGE); // second component all zero
     EXPECT_EQ(fill(12, 12, 1), VQS_STATUS_OK);
     EXPECT_EQ(fill(4, 4, 0xFF), VQS_STATUS_STATE_RANGE); // not below the modulus
+    EXPECT_EQ(fill(4, 4, 0x01), VQS_STATUS_OK);
+    EXPECT_EQ(fill(24, 1, 5), VQS_STATUS_OK);          // five substreams
+    EXPECT_EQ(fill(32, 1, 1), VQS_STATUS_STATE_RANGE); // a row without values has steps
+    EXPECT_EQ(fill(28, 1, 4), VQS_STATUS_OK);
+    EXPECT_EQ(fill(32, 1, 3), VQS_STATUS_STATE_RANGE); // no value takes three
+    EXPECT_EQ(fill(32, 1, 2), VQS_STATUS_OK);
+    EXPECT_EQ(fill(28, 1, 5), VQS_STATUS_STATE_RANGE); // all five have given theirs
     break;
   case VQS_ENGINE_MCG31M1:
     EXPECT_EQ(fill(0, 4, 0), VQS_STATUS_STATE_RANGE);
@@ -207,6 +312,28 @@ TEST_P(saved_states, random_damage_never_builds_a_stream_out_of_range) {
 }
 
 HVL_STREAMS_FOR_EACH_ENGINE(saved_states);
+
+// Of words[0] only the top bit belongs to the sequence, except where it is the next output.
+TEST(mt19937_records, the_first_word_of_a_block_is_one_that_a_twist_gives) {
+  for (const std::uint32_t seed : {1u, 2u, 3u, 4u, 5u}) {
+    owned_stream stream(VQS_ENGINE_MT19937, seed);
+    stream.bits(1);
+    auto& record = *static_cast<vqs_mt19937_record*>(static_cast<vqs_stream>(stream));
+    const std::uint32_t first = record.words[0];
+    for (int bit = 0; bit < 31; ++bit) {
+      vqs_stream copy = nullptr;
+      record.words[0] = first ^ 1u << bit;
+      record.position = 0;
+      ASSERT_EQ(vqsCopyStream_64(&copy, stream), VQS_STATUS_STATE_RANGE) << bit;
+      record.position = 1; // the word is used
+      ASSERT_EQ(vqsCopyStream_64(&copy, stream), VQS_STATUS_OK) << bit;
+      vqsDeleteStream_64(&copy);
+    }
+    record.words[0] = first;
+    record.position = 0;
+    EXPECT_EQ(owned_stream(stream).saved(), stream.saved());
+  }
+}
 
 } // namespace
 } // namespace hvl::streams::test

@@ -16,7 +16,7 @@ constexpr std::size_t count = 4099;
 // Where the sequence of owned_stream's seed has a word so great that float scales it to 9 on [1, 9).
 const std::map<std::int32_t, std::uint64_t> position_of_a_greatest_word = {
     {VQS_ENGINE_PHILOX4X32X10, 20180005}, {VQS_ENGINE_MRG32K3A, 82942356}, {VQS_ENGINE_MCG31M1, 8342607},
-    {VQS_ENGINE_MCG59, 8974830},          {VQS_ENGINE_MT19937, 8366988},
+    {VQS_ENGINE_MCG59, 8974830},          {VQS_ENGINE_MT19937, 8366988},   {VQS_ENGINE_ARS5, 32301534},
 };
 
 // A word of any engine and the constants by which its engine scales it.
@@ -39,7 +39,7 @@ class uniform_family : public each_engine {
         stream.skip(1);
       } else {
         const std::uint32_t w = stream.bits(1)[0];
-        const bool is_signed = id() == VQS_ENGINE_PHILOX4X32X10 || id() == VQS_ENGINE_MT19937;
+        const bool is_signed = GetParam().kind == engines::word_kind::signed32;
         raw.push_back({is_signed ? static_cast<std::int64_t>(static_cast<std::int32_t>(w))
                                  : static_cast<std::int64_t>(w)});
       }

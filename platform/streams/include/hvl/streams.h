@@ -55,8 +55,10 @@ enum {
   VQS_STATUS_STATE_CHECKSUM = -15,      /* a saved state whose checksum does not match */
   VQS_STATUS_STATE_RANGE = -16,         /* a saved state with a field out of its range */
   VQS_STATUS_NO_MEMORY = -17,           /* out of memory */
-  VQS_STATUS_BAD_ISA = -18, /* HVL_ISA names an instruction set that is unknown or not available */
-  VQS_STATUS_INTERNAL = -19 /* an unexpected failure inside the library */
+  VQS_STATUS_BAD_ISA = -18,        /* HVL_ISA names an instruction set that is unknown or not available */
+  VQS_STATUS_INTERNAL = -19,       /* an unexpected failure inside the library */
+  VQS_STATUS_FILE_MISSING = -20,   /* there is no such file, or no folder for it */
+  VQS_STATUS_FILE_PERMISSION = -21 /* no permission to read or write the file */
 };
 
 /* Method codes. Where a distribution has an accurate method, its code is that of the plain one, 0 when there is no
@@ -99,7 +101,8 @@ HVL_STREAMS_API int vqsLeapfrogStream_64(vqs_stream stream, uint64_t idx, uint64
 HVL_STREAMS_API int64_t vqsGetStreamSize_64(vqs_stream stream);
 
 /* Saving: `memory` has room for vqsGetStreamSize_64 bytes. A file is written whole or not at all: under
- * another name in the same folder, brought to the disk, then renamed. */
+ * another name in the same folder, brought to the disk, then renamed. Symbolic links are followed. Where the folder
+ * takes no new file, an existing file is overwritten, and gets its content back when that fails. */
 HVL_STREAMS_API int vqsSaveStreamM_64(vqs_stream stream, unsigned char* memory);
 HVL_STREAMS_API int vqsSaveStreamF_64(vqs_stream stream, const char* file_name);
 

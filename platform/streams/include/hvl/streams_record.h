@@ -33,6 +33,11 @@ typedef struct {
   vqs_record_header header;
   uint32_t x0, x1, x2; /* below 4294967087, not all zero */
   uint32_t y0, y1, y2; /* below 4294944443, not all zero */
+  /* Generation on devices may take values from substreams in turn, each 2^76 steps from the next. This library saves,
+   * copies and otherwise leaves alone what says so: its own generators and skips work on the one sequence above. */
+  uint32_t substreams; /* their number; 0 without them */
+  uint32_t offset;     /* of them, as many have given their value of the row that begins at the state above */
+  uint32_t row_steps;  /* 1 or 2 steps that this row takes of each; 0 when the offset is 0 */
 } vqs_mrg32k3a_record;
 
 /* x is the next output, in [1, 2^31 - 1). */
@@ -64,6 +69,7 @@ typedef struct {
 
 #ifdef __cplusplus
 static_assert(sizeof(vqs_record_header) == 16, "fields start at byte 16");
+static_assert(sizeof(vqs_mrg32k3a_record) == 52, "the substreams lie at byte 40");
 static_assert(sizeof(vqs_mt19937_record) == 2516, "the position lies at byte 2512");
 #endif
 

@@ -47,7 +47,7 @@ struct generator {
   using record = type::record;
 
   static constexpr std::uint32_t words_per_thread = 1 << 16;
-  static constexpr record_field fields[] = {{16, 4, 6}};
+  static constexpr record_field fields[] = {{16, 4, 6}, {40, 4, 3, 2}};
 
   // word(i), reduced, is word i of the state x0 x1 x2 y0 y1 y2; called in this order.
   template <class Word>
@@ -79,7 +79,9 @@ struct generator {
       return (v[0] | v[1] | v[2]) != 0 && v[0] < m && v[1] < m && v[2] < m;
     };
     const type::state s = type::state_of(r);
-    return proper(s.x, type::m1::value) && proper(s.y, type::m2::value);
+    const bool in_row =
+        r.offset == 0 ? r.row_steps == 0 : r.offset < r.substreams && (r.row_steps == 1 || r.row_steps == 2);
+    return proper(s.x, type::m1::value) && proper(s.y, type::m2::value) && in_row;
   }
 
   static void draw(record& r, std::uint32_t* out, std::size_t count) {

@@ -106,11 +106,17 @@ struct generator {
     return VQS_STATUS_OK;
   }
 
-  // Of the first word only the top bit belongs to the state.
+  // Of the first word only the top bit belongs to the state. So where it is the next output, its lower bits are not
+  // free: they are what the twist that made the block's last word took from it.
+  static bool gives_first_word(const record_type& r) {
+    const std::uint32_t joined = recurrence.joined(r.words[n - 1], r.words[m - 1]);
+    return ((r.words[0] ^ joined) & ~recurrence.upper) == 0;
+  }
+
   static bool in_range(const record_type& r) {
     const bool any = (r.words[0] & recurrence.upper) != 0 ||
                      std::any_of(r.words + 1, r.words + n, [](std::uint32_t word) { return word != 0; });
-    return any && r.position <= n;
+    return any && r.position <= n && (r.position != 0 || gives_first_word(r));
   }
 
   static void draw(record_type& r, std::uint32_t* out, std::size_t count) {

@@ -10,7 +10,6 @@ const hn::ScalableTag<std::uint32_t> d32;
 using vec64 = hn::Vec<decltype(d64)>;
 using vec32 = hn::Vec<decltype(d32)>;
 
-using cipher = engines::philox4x32x10_cipher;
 constexpr std::size_t lanes = hn::MaxLanes(hn::ScalableTag<std::uint64_t>());
 constexpr std::size_t in_flight = 6;
 constexpr std::size_t granule_blocks = lanes * in_flight;
@@ -47,10 +46,10 @@ struct blocks_in_flight {
 template <int First, class Sink>
 HWY_INLINE void remaining_rounds(blocks_in_flight& x, std::uint32_t k0, std::uint32_t k1, const Sink& sink,
                                  std::size_t at) {
-  const vec64 m0 = hn::Set(d64, cipher::multiplier0);
-  const vec64 m1 = hn::Set(d64, cipher::multiplier1);
+  const vec64 m0 = hn::Set(d64, math::philox_multiplier0);
+  const vec64 m1 = hn::Set(d64, math::philox_multiplier1);
 #pragma GCC unroll 10
-  for (int round = First; round < cipher::rounds - 1; ++round) {
+  for (int round = First; round < math::philox_rounds - 1; ++round) {
     const vec64 key0 = hn::Set(d64, k0);
     const vec64 key1 = hn::Set(d64, k1);
 #pragma GCC unroll 8
@@ -62,8 +61,8 @@ HWY_INLINE void remaining_rounds(blocks_in_flight& x, std::uint32_t k0, std::uin
       x.x1[v] = p1;
       x.x3[v] = p0;
     }
-    k0 += cipher::bump0;
-    k1 += cipher::bump1;
+    k0 += math::philox_bump0;
+    k1 += math::philox_bump1;
   }
   const vec32 key0 = hn::Set(d32, k0);
   const vec32 key1 = hn::Set(d32, k1);
@@ -100,32 +99,32 @@ HWY_INLINE void granule(const workspace& w, vec64 lane_block, const Sink& sink, 
 template <class Sink>
 HWY_INLINE void granule_of_lowest_words(const workspace& w, vec64 lane_block, const Sink& sink,
                                         std::size_t at) {
-  const vec64 m0 = hn::Set(d64, cipher::multiplier0);
-  const vec64 m1 = hn::Set(d64, cipher::multiplier1);
+  const vec64 m0 = hn::Set(d64, math::philox_multiplier0);
+  const vec64 m1 = hn::Set(d64, math::philox_multiplier1);
   const auto upper = [](std::uint64_t product) { return static_cast<std::uint32_t>(product >> 32); };
   const auto lower = [](std::uint64_t product) { return static_cast<std::uint32_t>(product); };
   std::uint32_t k0 = w.k0, k1 = w.k1;
-  const std::uint64_t first_p1 = std::uint64_t{cipher::multiplier1} * lower(w.counter.high);
+  const std::uint64_t first_p1 = std::uint64_t{math::philox_multiplier1} * lower(w.counter.high);
   const std::uint32_t x0 = upper(first_p1) ^ upper(w.counter.low) ^ k0;
   const vec64 mixed_into_x2 = hn::Set(d64, upper(w.counter.high) ^ k1);
-  k0 += cipher::bump0;
-  k1 += cipher::bump1;
-  const std::uint64_t second_p0 = std::uint64_t{cipher::multiplier0} * x0;
+  k0 += math::philox_bump0;
+  k1 += math::philox_bump1;
+  const std::uint64_t second_p0 = std::uint64_t{math::philox_multiplier0} * x0;
   const vec64 mixed_into_x0 = hn::Set(d64, lower(first_p1) ^ k0);
   const vec64 mixed_into_x3 = hn::Set(d64, upper(second_p0) ^ k1);
-  const std::uint64_t product = std::uint64_t{cipher::multiplier0} * lower(w.counter.low);
+  const std::uint64_t product = std::uint64_t{math::philox_multiplier0} * lower(w.counter.low);
   const vec64 lane_product = multiply_low_halves(lane_block, m0);
   blocks_in_flight x;
 #pragma GCC unroll 8
   for (std::size_t v = 0; v < in_flight; ++v) {
-    const vec64 p0 = hn::Add(hn::Set(d64, product + v * lanes * cipher::multiplier0), lane_product);
+    const vec64 p0 = hn::Add(hn::Set(d64, product + v * lanes * math::philox_multiplier0), lane_product);
     const vec64 p1 = multiply_low_halves(hn::Xor(hn::ShiftRight<32>(p0), mixed_into_x2), m1);
     x.x0[v] = hn::Xor(hn::ShiftRight<32>(p1), mixed_into_x0);
     x.x1[v] = p1;
     x.x2[v] = hn::Xor(p0, mixed_into_x3);
     x.x3[v] = hn::Set(d64, second_p0);
   }
-  remaining_rounds<2>(x, k0 + cipher::bump0, k1 + cipher::bump1, sink, at);
+  remaining_rounds<2>(x, k0 + math::philox_bump0, k1 + math::philox_bump1, sink, at);
 }
 
 // InterleaveLower takes the even lanes of its operands and InterleaveUpper the odd ones; this numbering of a

@@ -38,6 +38,14 @@ struct mt19937 {
       return middle_word ^ joined >> 1 ^ ((0 - (second & 1)) & matrix);
     }
 
+    // What a twist with `middle_word` joined to make a word: the oldest word's top bit, the second's other bits. (The
+    // matrix's top bit tells whether it took part.)
+    constexpr std::uint32_t joined(std::uint32_t made, std::uint32_t middle_word) const {
+      const std::uint32_t mixed = made ^ middle_word;
+      const std::uint32_t odd = mixed >> 31;
+      return (mixed ^ ((0 - odd) & matrix)) << 1 | odd;
+    }
+
     constexpr std::uint32_t next(const std::uint32_t* x) const { return twist(x[0], x[1], x[middle]); }
 
     constexpr std::uint32_t output(std::uint32_t y) const {

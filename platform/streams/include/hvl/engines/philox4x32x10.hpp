@@ -1,31 +1,18 @@
 #pragma once
 
+#include <hvl/math/philox.hpp>
+
 #include "hvl/engines/counter.hpp"
 
 namespace hvl::engines {
 
-// Ten rounds of Philox4x32.
 struct philox4x32x10_cipher {
   static constexpr int key_words = 2;
-  static constexpr int rounds = 10;
-  static constexpr std::uint32_t multiplier0 = 0xD2511F53;
-  static constexpr std::uint32_t multiplier1 = 0xCD9E8D57;
-  static constexpr std::uint32_t bump0 = 0x9E3779B9;
-  static constexpr std::uint32_t bump1 = 0xBB67AE85;
 
   static constexpr void encipher(std::uint32_t (&x)[4], const std::uint32_t (&key)[2]) {
-    std::uint32_t k0 = key[0];
-    std::uint32_t k1 = key[1];
-    for (int round = 0; round < rounds; ++round) {
-      const std::uint64_t p0 = std::uint64_t{multiplier0} * x[0];
-      const std::uint64_t p1 = std::uint64_t{multiplier1} * x[2];
-      x[0] = static_cast<std::uint32_t>(p1 >> 32) ^ x[1] ^ k0;
-      x[1] = static_cast<std::uint32_t>(p1);
-      x[2] = static_cast<std::uint32_t>(p0 >> 32) ^ x[3] ^ k1;
-      x[3] = static_cast<std::uint32_t>(p0);
-      k0 += bump0;
-      k1 += bump1;
-    }
+    const math::philox_block block = math::philox4x32x10({{x[0], x[1], x[2], x[3]}}, key[0], key[1]);
+    for (int k = 0; k < 4; ++k)
+      x[k] = block.word[k];
   }
 };
 
