@@ -89,6 +89,32 @@ struct textbook_mrg32k3a {
   }
 };
 
+// The first member as its definition reads, with moduli and multipliers that the compiler knows.
+struct textbook_wichmann_hill {
+  std::uint32_t x1 = 12345, x2 = 12345, x3 = 12345, x4 = 12345;
+
+  double operator()() {
+    x1 = 112 * x1 % 16769407;
+    x2 = 118 * x2 % 16769411;
+    x3 = 113 * x3 % 16735379;
+    x4 = 122 * x4 % 16772783;
+    const double sum = x1 / 16769407.0 + x2 / 16769411.0 + x3 / 16735379.0 + x4 / 16772783.0;
+    return sum - static_cast<double>(static_cast<std::int32_t>(sum));
+  }
+  void operator()(std::span<std::uint32_t> out) {
+    for (std::uint32_t& word : out)
+      word = static_cast<std::uint32_t>((*this)() * 0x1p32);
+  }
+  void operator()(std::span<float> out) {
+    for (float& value : out)
+      value = static_cast<float>((*this)());
+  }
+  void operator()(std::span<double> out) {
+    for (double& value : out)
+      value = (*this)();
+  }
+};
+
 struct gsl_mt19937 {
   std::shared_ptr<gsl_rng> rng{gsl_rng_alloc(gsl_rng_mt19937), gsl_rng_free};
 
@@ -128,6 +154,7 @@ void register_peers() {
       "std_mcg31m1",
       from_engine<std::linear_congruential_engine<std::uint32_t, 1132489760, 0, 2147483647>>());
   register_words_and_reals("textbook_mrg32k3a", textbook_mrg32k3a());
+  register_words_and_reals("textbook_wichmann_hill", textbook_wichmann_hill());
   register_peer<std::uint32_t>("random123_philox/bits", random123<r123::Philox4x32>());
   register_peer<float>("random123_philox/float", random123<r123::Philox4x32>());
 #if R123_USE_AES_NI

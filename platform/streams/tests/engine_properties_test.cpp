@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 #include <random>
+#include <set>
 
 #include "support.hpp"
 
@@ -149,6 +150,27 @@ TEST_P(engine_properties, different_seeds_and_words_give_different_sequences) {
   EXPECT_NE(owned_stream(id(), std::span(words, 1)).bits(8), owned_stream(id(), words).bits(8));
   const auto none = owned_stream(id(), std::span<const std::uint32_t>()).bits(8);
   EXPECT_NE(none[0], none[1]);
+}
+
+TEST_P(engine_properties, members_have_identifiers_in_a_row_and_sequences_of_their_own) {
+  const engines::facts& about = GetParam().about;
+  std::set<std::vector<std::uint32_t>> sequences;
+  for (std::int32_t member = id(); member - id() < about.members; ++member) {
+    owned_stream stream(member);
+    const auto state = stream.saved();
+    vqs_stream loaded = nullptr;
+    ASSERT_EQ(vqsLoadStreamM_64(&loaded, state.data()), VQS_STATUS_OK);
+    owned_stream restored = owned_stream::adopt(loaded);
+    EXPECT_EQ(vqsEngineOfStream(restored), member);
+    const auto words = stream.bits(100);
+    expect_equal(restored.bits(100), words);
+    EXPECT_TRUE(sequences.insert(words).second) << member - id();
+  }
+  for (const std::int32_t other : {id() - 1, id() + about.members}) {
+    vqs_stream none = nullptr;
+    EXPECT_EQ(vqsNewStream_64(&none, other, 1), VQS_STATUS_UNKNOWN_ENGINE);
+    EXPECT_EQ(none, nullptr);
+  }
 }
 
 // A large call at an address of any alignment, on a stream that stands anywhere in a block, gives what small calls give.

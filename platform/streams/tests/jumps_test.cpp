@@ -162,7 +162,9 @@ TEST_P(leapfrog, of_a_leapfrog_multiplies_the_strides) {
   EXPECT_EQ(twice.saved(), once.saved());
 }
 
-INSTANTIATE_TEST_SUITE_P(engines, leapfrog, ::testing::Values(VQS_ENGINE_MCG31M1, VQS_ENGINE_MCG59));
+INSTANTIATE_TEST_SUITE_P(engines, leapfrog,
+                         ::testing::Values(VQS_ENGINE_MCG31M1, VQS_ENGINE_MCG59, VQS_ENGINE_WICHMANN_HILL,
+                                           VQS_ENGINE_WICHMANN_HILL + 272));
 
 TEST(mcg_seed_words, are_the_state_reduced_and_never_zero) {
   const auto x_of = [](std::int32_t id, std::uint64_t state) -> std::uint64_t {

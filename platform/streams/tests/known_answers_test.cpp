@@ -11,6 +11,7 @@ namespace {
 
 struct known_answer {
   std::string line;
+  std::int32_t member = 0;
   std::vector<std::uint32_t> words; // seed words; a single seed when `one_seed`
   bool one_seed = false;
   std::uint64_t seed = 0;
@@ -27,6 +28,8 @@ known_answer parsed(const std::string& line) {
     if (token.back() == ':') {
       key = token;
       answer.one_seed = answer.one_seed || key == "seed:";
+    } else if (key == "member:") {
+      answer.member = std::stoi(token);
     } else if (key == "words:") {
       answer.words.push_back(static_cast<std::uint32_t>(std::stoul(token, nullptr, 16)));
     } else if (key == "seed:") {
@@ -61,8 +64,9 @@ TEST_P(known_answers_suite, agree_at_every_offset_and_length) {
     for (const known_answer& answer : answers) {
       SCOPED_TRACE(answer.line.substr(0, 100));
       const auto fresh = [&] {
+        const std::int32_t member = id() + answer.member;
         owned_stream stream =
-            answer.one_seed ? owned_stream(id(), answer.seed) : owned_stream(id(), answer.words);
+            answer.one_seed ? owned_stream(member, answer.seed) : owned_stream(member, answer.words);
         stream.skip_words(answer.skip);
         return stream;
       };

@@ -218,7 +218,7 @@ TEST_P(saved_states, sealed_states_with_another_header_are_refused) {
   EXPECT_EQ(with(0, 'X'), VQS_STATUS_STATE_FORMAT);
   EXPECT_EQ(with(4, 0), VQS_STATUS_STATE_FORMAT);
   EXPECT_EQ(with(4, 3), VQS_STATUS_STATE_FORMAT);
-  EXPECT_EQ(with(8, 1), VQS_STATUS_STATE_FORMAT);
+  EXPECT_EQ(with(11, 0x7F), VQS_STATUS_STATE_FORMAT);
   EXPECT_EQ(with(12, static_cast<unsigned char>(state[12] + 4)), VQS_STATUS_STATE_SIZE);
 }
 
@@ -288,6 +288,13 @@ TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
     EXPECT_EQ(fill(2497, 1, 0x03), VQS_STATUS_STATE_RANGE); // position 624 + 256
     EXPECT_EQ(fill(2497, 1, 0x00), VQS_STATUS_OK);
     EXPECT_EQ(fill(0, 2496, 0x00), VQS_STATUS_STATE_RANGE); // no word set
+    break;
+  case VQS_ENGINE_WICHMANN_HILL:
+    for (const std::size_t at : {0u, 12u, 16u, 28u}) { // of the states and the multipliers
+      EXPECT_EQ(fill(at, 4, 0), VQS_STATUS_STATE_RANGE);
+      EXPECT_EQ(fill(at, 3, 0xFF), VQS_STATUS_STATE_RANGE); // 2^24 - 1
+      EXPECT_EQ(fill(at, 3, 0x01), VQS_STATUS_OK);
+    }
     break;
   default:
     FAIL() << "an engine without cases of its own";

@@ -30,7 +30,7 @@ class positions : public ::testing::Test {
   }
 };
 using position_types = ::testing::Types<engines::philox4x32x10, engines::ars5, engines::mrg32k3a,
-                                        engines::mcg31m1, engines::mcg59>;
+                                        engines::mcg31m1, engines::mcg59, engines::wichmann_hill>;
 TYPED_TEST_SUITE(positions, position_types);
 
 TYPED_TEST(positions, are_those_of_the_stream) {
@@ -45,6 +45,7 @@ TYPED_TEST(positions, are_those_of_the_stream) {
     record_of<TypeParam>(stream).remaining = 4; // the whole block once more
     this->check(stream);
   }
+  this->check(owned_stream(TypeParam::about.identifier + TypeParam::about.members - 1, 7));
   if constexpr (TypeParam::about.has_leapfrog) {
     const owned_stream stream(TypeParam::about.identifier, 7);
     ASSERT_EQ(vqsLeapfrogStream_64(stream, 2, 5), VQS_STATUS_OK);

@@ -20,14 +20,14 @@ namespace hvl::streams::test {
 struct engine_entry {
   const char* name;
   std::int32_t id;
-  hvl::engines::word_kind kind;
+  hvl::engines::facts about;
 };
 inline void PrintTo(const engine_entry& e, std::ostream* out) {
   *out << e.name;
 }
 
 inline constexpr engine_entry engines[] = {
-#define HVL_ENGINE(name) {#name, hvl::engines::name::about.identifier, hvl::engines::name::about.kind},
+#define HVL_ENGINE(name) {#name, hvl::engines::name::about.identifier, hvl::engines::name::about},
 #include "hvl/engines.def"
 #undef HVL_ENGINE
 };

@@ -7,3 +7,4 @@
 #include "hvl/engines/mrg32k3a.hpp"
 #include "hvl/engines/mt19937.hpp"
 #include "hvl/engines/philox4x32x10.hpp"
+#include "hvl/engines/wichmann_hill.hpp"

@@ -28,6 +28,7 @@ typedef void* vqs_stream;
 /* Engine identifiers. */
 enum {
   VQS_ENGINE_MCG31M1 = 1048576,
+  VQS_ENGINE_WICHMANN_HILL = 2097152, /* of the first of 273 members, whose identifiers follow each other */
   VQS_ENGINE_MRG32K3A = 3145728,
   VQS_ENGINE_MCG59 = 4194304,
   VQS_ENGINE_MT19937 = 8388608,

@@ -60,6 +60,13 @@ typedef struct {
   uint32_t position; /* 0..624 */
 } vqs_mt19937_record;
 
+/* The header's engine is VQS_ENGINE_WICHMANN_HILL + the member's index, from which the moduli follow. The next output is
+ * that of x; both x and a are from 1 up to the modulus of their component. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t x[4], a[4];
+} vqs_wichmann_hill_record;
+
 #ifdef __cplusplus
 static_assert(sizeof(vqs_record_header) == 16, "fields start at byte 16");
 static_assert(sizeof(vqs_mrg32k3a_record) == 52, "the substreams lie at byte 40");

@@ -63,7 +63,7 @@ struct facts {
 
 // Which member of its engine a record is of: 0 ... members - 1.
 template <class Engine>
-constexpr std::int32_t member_of(const typename Engine::record& r) {
+[[gnu::always_inline]] constexpr std::int32_t member_of(const typename Engine::record& r) {
   return r.header.engine - Engine::about.identifier;
 }
 

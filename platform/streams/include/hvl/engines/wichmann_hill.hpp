@@ -1,0 +1,103 @@
+// Four multiplicative congruential components whose fractions are added up (B. A. Wichmann, I. D. Hill, "Algorithm AS 183",
+// Applied Statistics 31 (1982)), with the moduli near 2^24 of N. M. Maclaren's many sequences.
+#pragma once
+
+#include <iterator>
+
+#include "hvl/engines/facts.hpp"
+#include "hvl/engines/power.hpp"
+#include "hvl/wichmann_hill_table.h"
+
+namespace hvl::engines {
+
+struct wichmann_hill {
+  static constexpr facts about{"wichmann_hill",
+                               VQS_ENGINE_WICHMANN_HILL,
+                               std::size(streams::wichmann_hill_moduli),
+                               word_kind::signed32,
+                               word_scale::signed32,
+                               false,
+                               skip_form::by_number,
+                               true,
+                               true};
+  using record = vqs_wichmann_hill_record;
+  using word = std::uint32_t;
+  static constexpr std::uint32_t raw(word w) { return w; }
+
+  // A modulus m, which lacks less than 2^16 of 2^24.
+  struct modulus {
+    std::uint32_t value;
+
+    // Of two residues. Folds the upper bits onto the lower ones, to below 2^40, 2^32 and 2^25 - 2^17.
+    [[gnu::always_inline]] constexpr std::uint32_t product(std::uint32_t a, std::uint32_t b) const {
+      std::uint64_t p = std::uint64_t{a} * b;
+      for (int fold = 0; fold < 3; ++fold)
+        p = (p >> 24) * ((1u << 24) - value) + (p & 0xFFFFFF);
+      return static_cast<std::uint32_t>(p >= value ? p - value : p);
+    }
+    // The exponent is a number, or a span of words.
+    template <class Exponent>
+    constexpr std::uint32_t power_of(std::uint32_t base, Exponent exponent) const {
+      return power(base, exponent, 1u, [this](std::uint32_t a, std::uint32_t b) { return product(a, b); });
+    }
+    constexpr bool is_value(std::uint32_t x) const { return x != 0 && x < value; }
+    // 2^64 / m, rounded down.
+    [[gnu::always_inline]] constexpr std::uint64_t scale() const { return ~std::uint64_t{0} / value; }
+  };
+
+  [[gnu::always_inline]] static constexpr modulus modulus_of(const record& r, int component) {
+    return {streams::wichmann_hill_moduli[member_of<wichmann_hill>(r)][component]};
+  }
+
+  struct state {
+    std::uint32_t x[4], a[4];
+    modulus m[4];
+    std::uint64_t scale[4];
+
+    // The definition of a word, the upper half of this 64-bit sum: what it lacks of the sum of x / m modulo 1 is below
+    // 4 2^24 / 2^64, as each scale lacks less than 1.
+    constexpr word output() const {
+      std::uint64_t sum = 0;
+      for (int i = 0; i < 4; ++i)
+        sum += x[i] * scale[i];
+      return static_cast<word>(sum >> 32);
+    }
+    constexpr void step() {
+      for (int i = 0; i < 4; ++i)
+        x[i] = m[i].product(x[i], a[i]);
+    }
+  };
+
+  [[gnu::always_inline]] static constexpr state state_of(const record& r) {
+    state s{};
+    for (int i = 0; i < 4; ++i) {
+      s.x[i] = r.x[i];
+      s.a[i] = r.a[i];
+      s.m[i] = modulus_of(r, i);
+      s.scale[i] = s.m[i].scale();
+    }
+    return s;
+  }
+
+  // A jump costs as much as some tens of steps.
+  static constexpr int blocks_per_item = 16;
+
+  struct cursor {
+    state s;
+    constexpr void next(word (&words)[4]) {
+      for (auto& w : words) {
+        w = s.output();
+        s.step();
+      }
+    }
+  };
+
+  static constexpr cursor at(const state& from, std::uint64_t block) {
+    cursor result{from};
+    for (int i = 0; i < 4; ++i)
+      result.s.x[i] = from.m[i].product(from.x[i], from.m[i].power_of(from.a[i], 4 * block));
+    return result;
+  }
+};
+
+} // namespace hvl::engines
