@@ -1,10 +1,10 @@
+#include "framework/advance.hpp"
 #include "framework/engine_instances.hpp"
 
 namespace kestro::hvl::rng {
 
 mcg31m1::mcg31m1(sycl::queue queue, std::uint32_t seed)
-    : engine_base(queue, detail::make_engine_impl<mcg31m1>(queue, detail::about<mcg31m1>.identifier,
-                                                           std::uint64_t{seed})) {}
+    : engine_base(queue, detail::make_engine_impl_of_seed<mcg31m1>(queue, seed)) {}
 
 mcg31m1::mcg31m1(sycl::queue queue, std::initializer_list<std::uint32_t> seed)
     : engine_base(queue, detail::make_engine_impl_of_words<mcg31m1>(queue, seed)) {}
@@ -13,15 +13,15 @@ mcg31m1::mcg31m1(sycl::queue queue, const std::vector<std::uint32_t>& words)
     : engine_base(queue, detail::make_engine_impl_of_words<mcg31m1>(queue, words)) {}
 
 void mcg31m1::skip_ahead(std::uint64_t num_to_skip) {
-  detail::engine_access::impl<mcg31m1>(*this, "skip_ahead").skip_ahead(num_to_skip);
+  detail::skip_ahead(*this, num_to_skip);
 }
 
 void mcg31m1::leapfrog(std::uint64_t idx, std::uint64_t stride) {
-  detail::engine_access::impl<mcg31m1>(*this, "leapfrog").leapfrog(idx, stride);
+  detail::leapfrog(*this, idx, stride);
 }
 
 mcg59::mcg59(sycl::queue queue, std::uint64_t seed)
-    : engine_base(queue, detail::make_engine_impl<mcg59>(queue, detail::about<mcg59>.identifier, seed)) {}
+    : engine_base(queue, detail::make_engine_impl_of_seed<mcg59>(queue, seed)) {}
 
 // The state is one word of the engine, so the first element gives it on every device.
 mcg59::mcg59(sycl::queue queue, std::initializer_list<std::uint64_t> seed)
@@ -33,11 +33,11 @@ mcg59::mcg59(sycl::queue queue, const std::vector<std::uint32_t>& words)
     : engine_base(queue, detail::make_engine_impl_of_words<mcg59>(queue, words)) {}
 
 void mcg59::skip_ahead(std::uint64_t num_to_skip) {
-  detail::engine_access::impl<mcg59>(*this, "skip_ahead").skip_ahead(num_to_skip);
+  detail::skip_ahead(*this, num_to_skip);
 }
 
 void mcg59::leapfrog(std::uint64_t idx, std::uint64_t stride) {
-  detail::engine_access::impl<mcg59>(*this, "leapfrog").leapfrog(idx, stride);
+  detail::leapfrog(*this, idx, stride);
 }
 
 } // namespace kestro::hvl::rng

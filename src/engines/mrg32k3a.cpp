@@ -1,13 +1,13 @@
 #include "engines/mrg32k3a.hpp"
 
+#include "framework/advance.hpp"
 #include "framework/engine_instances.hpp"
 
 namespace kestro::hvl::rng {
 namespace {
 
 auto make(const sycl::queue& queue, std::uint32_t seed, const detail::mrg32k3a_any_mode& mode = {}) {
-  auto impl =
-      detail::make_engine_impl<mrg32k3a>(queue, detail::about<mrg32k3a>.identifier, std::uint64_t{seed});
+  auto impl = detail::make_engine_impl_of_seed<mrg32k3a>(queue, seed);
   set_mode(impl->stream(), mode);
   return impl;
 }
@@ -48,11 +48,11 @@ mrg32k3a::mrg32k3a(sycl::queue queue, const std::vector<std::uint32_t>& words, m
     : engine_base(queue, make_of_words(queue, words, mode)) {}
 
 void mrg32k3a::skip_ahead(std::uint64_t num_to_skip) {
-  detail::engine_access::impl<mrg32k3a>(*this, "skip_ahead").skip_ahead(num_to_skip);
+  detail::skip_ahead(*this, num_to_skip);
 }
 
 void mrg32k3a::skip_ahead(std::initializer_list<std::uint64_t> num_to_skip) {
-  detail::engine_access::impl<mrg32k3a>(*this, "skip_ahead").skip_ahead(num_to_skip);
+  detail::skip_ahead(*this, num_to_skip);
 }
 
 } // namespace kestro::hvl::rng

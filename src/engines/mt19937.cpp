@@ -4,6 +4,7 @@
 
 #include <hvl/streams_detail.h>
 
+#include "framework/advance.hpp"
 #include "framework/engine_instances.hpp"
 
 namespace kestro::hvl::rng {
@@ -71,14 +72,8 @@ void mt19937_gpu_state_to_vqs_stream(engine_base_impl<mt19937>& engine, vqs_stre
 
 } // namespace detail
 
-namespace {
-
-constexpr auto identifier = detail::about<mt19937>.identifier;
-
-} // namespace
-
 mt19937::mt19937(sycl::queue queue, std::uint32_t seed)
-    : engine_base(queue, detail::make_engine_impl<mt19937>(queue, identifier, std::uint64_t{seed})) {}
+    : engine_base(queue, detail::make_engine_impl_of_seed<mt19937>(queue, seed)) {}
 
 mt19937::mt19937(sycl::queue queue, std::initializer_list<std::uint32_t> seed)
     : engine_base(queue, detail::make_engine_impl_of_words<mt19937>(queue, seed)) {}
@@ -87,11 +82,7 @@ mt19937::mt19937(sycl::queue queue, const std::vector<std::uint32_t>& words)
     : engine_base(queue, detail::make_engine_impl_of_words<mt19937>(queue, words)) {}
 
 void mt19937::skip_ahead(std::uint64_t num_to_skip) {
-  auto& impl = detail::engine_access::impl<mt19937>(*this, "skip_ahead");
-  if (impl.extension().ring)
-    detail::skip_on_ring(queue_, impl, num_to_skip);
-  else
-    impl.skip_ahead(num_to_skip);
+  detail::skip_ahead(*this, num_to_skip);
 }
 
 } // namespace kestro::hvl::rng

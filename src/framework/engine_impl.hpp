@@ -5,6 +5,7 @@
 #include <iterator>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include <kestro/hvl/rng/detail/engine_base.hpp>
 
@@ -107,6 +108,17 @@ class engine_base_impl_backend final : public engine_base_impl<Engine> {
                        const Target& target);
 };
 
+/// The implementation object for a GPU device. Without a stream there is nothing to build on the device.
+template <class Engine, class... Arguments>
+std::unique_ptr<engine_base_impl<Engine>> make_gpu_engine_impl(const sycl::queue& queue,
+                                                               Arguments&&... arguments) {
+  auto impl = std::make_unique<engine_base_impl_backend<Engine, device_type::gpu>>(
+      std::forward<Arguments>(arguments)...);
+  if (impl->stream().get() != nullptr)
+    impl->extension().attach(queue, impl->stream());
+  return impl;
+}
+
 /// The implementation object for the kind of device that `queue` has; the arguments are those of a
 /// constructor of `engine_base_impl`. Throws `unsupported_device`.
 template <class Engine, class... Arguments>
@@ -115,18 +127,37 @@ std::unique_ptr<engine_base_impl<Engine>> make_engine_impl(const sycl::queue& qu
   if (device_type_of(queue.get_device(), about<Engine>.name) == device_type::cpu)
     return std::make_unique<engine_base_impl_backend<Engine, device_type::cpu>>(
         std::forward<Arguments>(arguments)...);
-  auto impl = std::make_unique<engine_base_impl_backend<Engine, device_type::gpu>>(
-      std::forward<Arguments>(arguments)...);
-  impl->extension().attach(queue, impl->stream());
-  return impl;
+  return make_gpu_engine_impl<Engine>(queue, std::forward<Arguments>(arguments)...);
+}
+
+/// Of one seed.
+template <class Engine>
+std::unique_ptr<engine_base_impl<Engine>>
+make_engine_impl_of_seed(const sycl::queue& queue, std::uint64_t seed, std::uint32_t member = 0) {
+  return make_engine_impl<Engine>(queue, identifier_of<Engine>(member), seed);
 }
 
 /// From all of `words`, whatever the device.
 template <class Engine, class Words>
-std::unique_ptr<engine_base_impl<Engine>> make_engine_impl_of_words(const sycl::queue& queue,
-                                                                    const Words& words) {
-  return make_engine_impl<Engine>(queue, about<Engine>.identifier,
+std::unique_ptr<engine_base_impl<Engine>>
+make_engine_impl_of_words(const sycl::queue& queue, const Words& words, std::uint32_t member = 0) {
+  return make_engine_impl<Engine>(queue, identifier_of<Engine>(member),
                                   static_cast<std::int64_t>(std::size(words)), std::data(words));
+}
+
+/// From 64-bit elements, read as words, the low one of each first. The CPU backend counts elements, not words, and so reads
+/// the first half only.
+template <class Engine>
+std::unique_ptr<engine_base_impl<Engine>>
+make_engine_impl_of_elements(const sycl::queue& queue, std::initializer_list<std::uint64_t> seed) {
+  std::vector<std::uint32_t> words;
+  for (const std::uint64_t element : seed) {
+    words.push_back(static_cast<std::uint32_t>(element));
+    words.push_back(static_cast<std::uint32_t>(element >> 32));
+  }
+  if (device_type_of(queue.get_device(), about<Engine>.name) == device_type::cpu)
+    words.resize(seed.size());
+  return make_engine_impl_of_words<Engine>(queue, words);
 }
 
 /// The door from the public engine object to its insides.

@@ -22,7 +22,7 @@ Engine load_engine(const sycl::queue& queue, const std::string& failure, Load lo
   vqs_stream stream = nullptr;
   check_state_status(load(&stream), "load_state", failure);
   stream_handle owner(stream);
-  if (vqsEngineOfStream(stream) != about<Engine>.identifier)
+  if (!about<Engine>.has_member(vqsEngineOfStream(stream)))
     throw computation_error("rng", "load_state", failure + ": the state of another engine");
   engine_access::replace_impl<Engine>(engine, make_engine_impl<Engine>(queue, std::move(owner)));
   return engine;

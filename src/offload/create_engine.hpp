@@ -12,22 +12,20 @@ namespace kestro::hvl::rng::detail::gpu {
 
 template <class Engine, class... Arguments>
 engine_base_impl<Engine>* new_engine(const sycl::queue& queue, Arguments&&... arguments) {
-  auto impl = std::make_unique<engine_base_impl_backend<Engine, device_type::gpu>>(
-      std::forward<Arguments>(arguments)...);
-  if (impl->stream().get() != nullptr)
-    impl->extension().attach(queue, impl->stream());
-  return impl.release();
+  return make_gpu_engine_impl<Engine>(queue, std::forward<Arguments>(arguments)...).release();
 }
 
+/// Of a member of the engine, where it has several.
 template <class Engine>
-engine_base_impl<Engine>* create_engine(const sycl::queue& queue, std::uint64_t seed) {
-  return new_engine<Engine>(queue, about<Engine>.identifier, seed);
+engine_base_impl<Engine>* create_engine(const sycl::queue& queue, std::uint64_t seed,
+                                        std::uint32_t engine_idx = 0) {
+  return new_engine<Engine>(queue, identifier_of<Engine>(engine_idx), seed);
 }
 
 template <class Engine>
 engine_base_impl<Engine>* create_engine(const sycl::queue& queue, std::int64_t count,
-                                        const std::uint32_t* words) {
-  return new_engine<Engine>(queue, about<Engine>.identifier, count, words);
+                                        const std::uint32_t* words, std::uint32_t engine_idx = 0) {
+  return new_engine<Engine>(queue, identifier_of<Engine>(engine_idx), count, words);
 }
 
 template <class Engine>

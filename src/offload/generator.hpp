@@ -105,15 +105,12 @@ std::unique_ptr<generator<Distribution>> create_generator(const sycl::queue& que
   const std::int32_t engine = vqsEngineOfStream(stream);
   if (engine < 0)
     throw invalid_argument("rng", "generate", "stream");
-  switch (engine) {
 #define KESTRO_HVL_ENGINE(name)                                                                              \
-  case about<name>.identifier:                                                                               \
+  if (about<name>.has_member(engine))                                                                        \
     return std::make_unique<generator_impl<name, Distribution>>(queue, stream, distribution);
 #include <kestro/hvl/rng/detail/engines.def>
 #undef KESTRO_HVL_ENGINE
-  default:
-    throw unimplemented("rng", "generate", "engine of the stream");
-  }
+  throw unimplemented("rng", "generate", "engine of the stream");
 }
 
 } // namespace kestro::hvl::rng::detail::openmp
