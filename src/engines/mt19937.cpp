@@ -28,10 +28,7 @@ void mt19937_state_unwind(std::uint32_t* words) {
   std::uint32_t sequence[2 * size] = {};
   std::copy(words, words + size, sequence + size);
   for (int k = size - 1; k >= 0; --k) {
-    // What the twist of words k and k + 1 added; the constant's top bit tells whether it took part.
-    const std::uint32_t mixed = sequence[k + size] ^ sequence[k + recurrence::middle];
-    const std::uint32_t odd = mixed >> 31;
-    const std::uint32_t joined = (mixed ^ (odd != 0 ? recurrence::matrix : 0)) << 1 | odd;
+    const std::uint32_t joined = recurrence().joined(sequence[k + size], sequence[k + recurrence::middle]);
     sequence[k] = joined & recurrence::upper;
     if (k + 1 < size)
       sequence[k + 1] |= joined & ~recurrence::upper;

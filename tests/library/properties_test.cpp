@@ -1,8 +1,4 @@
 // What holds for every engine, so that a new one inherits it.
-#include <hvl/streams.h>
-
-#include <map>
-
 #include "support.hpp"
 
 namespace kestro::hvl::rng::test {
@@ -140,18 +136,13 @@ TYPED_TEST(properties_test, skips_beyond_64_bits_wrap_like_steps) {
   }
 }
 
-// What the class offers is what the stream library offers for the engine.
-TYPED_TEST(properties_test, leapfrog_is_offered_where_the_streams_have_it) {
-  const std::string name = engine_names::GetName<TypeParam>(0);
-  const std::map<std::string, std::int32_t> identifiers = {
-#define HVL_STREAMS_ENGINE(name, id) {#name, id},
-#include <engines.def>
-#undef HVL_STREAMS_ENGINE
-  };
-  vqs_stream stream = nullptr;
-  ASSERT_EQ(vqsNewStream_64(&stream, identifiers.at(name), 1), VQS_STATUS_OK);
-  EXPECT_EQ(vqsLeapfrogStream_64(stream, 0, 2) == VQS_STATUS_OK, leapfrogs<TypeParam>);
-  vqsDeleteStream_64(&stream);
+// What the class offers is what the engine's facts say.
+TYPED_TEST(properties_test, skips_and_leapfrog_are_offered_as_the_facts_say) {
+  using ::hvl::engines::skip_form;
+  const auto& about = facts_of<TypeParam>();
+  EXPECT_EQ(about.has_leapfrog, leapfrogs<TypeParam>);
+  EXPECT_EQ(about.skip == skip_form::by_words, skips_by_words<TypeParam>);
+  EXPECT_EQ(about.skip != skip_form::none, skips<TypeParam>);
 }
 
 } // namespace

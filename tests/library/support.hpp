@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 #include <hvl/core.h>
+#include <hvl/engines.hpp>
 #include <kestro/hvl/rng.hpp>
 
 namespace kestro::hvl::rng::test {
@@ -120,20 +121,28 @@ concept leapfrogs = requires(Engine engine) {
   engine.leapfrog(std::uint64_t{}, std::uint64_t{});
 };
 template <class Engine>
+concept skips = requires(Engine engine) {
+  engine.skip_ahead(std::uint64_t{});
+};
+template <class Engine>
 concept skips_by_words = requires(Engine engine) {
   engine.skip_ahead({std::uint64_t{}, std::uint64_t{}});
 };
+
+template <class Engine>
+const ::hvl::engines::facts& facts_of() {
+#define KESTRO_HVL_ENGINE(name)                                                                              \
+  if constexpr (std::is_same_v<Engine, name>)                                                                \
+    return ::hvl::engines::name::about;
+#include <kestro/hvl/rng/detail/engines.def>
+#undef KESTRO_HVL_ENGINE
+}
 
 /// Names the instances of a typed suite.
 struct engine_names {
   template <class Engine>
   static std::string GetName(int) {
-#define KESTRO_HVL_ENGINE(name)                                                                              \
-  if (std::is_same_v<Engine, name>)                                                                          \
-    return #name;
-#include <kestro/hvl/rng/detail/engines.def>
-#undef KESTRO_HVL_ENGINE
-    return "unknown";
+    return facts_of<Engine>().name;
   }
 };
 

@@ -42,6 +42,14 @@ template <class T, class M>
 weibull<T, M> pinned(weibull<T, M>) {
   return {T(1.3), T(-3.1), T(1.9)};
 }
+template <class T, class M>
+gamma<T, M> pinned(gamma<T, M>) {
+  return {T(1.3), T(-3.1), T(1.9)};
+}
+template <class T>
+geometric<T> pinned(geometric<T>) {
+  return geometric<T>(0.07);
+}
 template <template <class, class> class Distribution, class T, class M>
 Distribution<T, M> pinned(Distribution<T, M>) { // the families of location and scale
   return {T(-3.1), T(1.9)};
@@ -56,6 +64,8 @@ template <class T>
 constexpr bool in_pairs<lognormal<T, lognormal_method::box_muller2>> = true;
 template <class T>
 constexpr bool in_pairs<lognormal<T, lognormal_method::box_muller2_accurate>> = true;
+template <class M>
+constexpr bool in_pairs<gamma<double, M>> = true;
 
 // One way to the numbers.
 struct way {
@@ -125,6 +135,8 @@ void add_pins(std::vector<pin>& pins, const std::string& name, Engine (*make)(co
 #undef KESTRO_HVL_DISTRIBUTION
   for (const std::int64_t n : {threads, streamed})
     add("uniform<float, uniform_method::standard>", pinned(uniform<float>()), n);
+  add("gamma<float, gamma_method::marsaglia> below 1", gamma<float>(0.3f, -3.1f, 1.9f), some);
+  add("gamma<double, gamma_method::marsaglia> below 1", gamma<double>(0.3, -3.1, 1.9), some);
   add("gaussian<double, gaussian_method::box_muller2>",
       pinned(gaussian<double, gaussian_method::box_muller2>()), threads);
 }
