@@ -30,11 +30,11 @@ struct raised : Plain {
   }
 };
 
-/// The transform of a method: `plain`, raised to its displacement if the method is accurate.
-template <bool Accurate, auto Displacement, class Plain>
+/// The transform of a method: `plain`, or `Raised` of it if the method is accurate.
+template <bool Accurate, class Raised, class Plain>
 auto of_method(const Plain& plain) {
   if constexpr (Accurate)
-    return raised<Plain, Displacement>{plain};
+    return Raised{plain};
   else
     return plain;
 }

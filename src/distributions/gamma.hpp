@@ -49,6 +49,10 @@ struct gamma_marsaglia {
   }
 };
 
+template <class T, bool BelowOne>
+using gamma_marsaglia_accurate =
+    raised<gamma_marsaglia<T, BelowOne>, &gamma_marsaglia<T, BelowOne>::displacement>;
+
 } // namespace gpu
 
 template <class T, class Method>
@@ -60,8 +64,8 @@ struct distribution_traits<gamma<T, Method>> {
 
   template <bool BelowOne>
   static auto of_shape(const ::hvl::math::gamma_constants<T>& constants, T displacement) {
-    using plain = gpu::gamma_marsaglia<T, BelowOne>;
-    return gpu::of_method<is_accurate, &plain::displacement>(plain{constants, displacement});
+    return gpu::of_method<is_accurate, gpu::gamma_marsaglia_accurate<T, BelowOne>>(
+        gpu::gamma_marsaglia<T, BelowOne>{constants, displacement});
   }
 
   static auto transform_of(const gamma<T, Method>& d) {

@@ -116,7 +116,7 @@ struct distribution_traits<exponential<T, Method>>
   static constexpr const char* name = "exponential";
 
   static auto transform_of(const exponential<T, Method>& d) {
-    return gpu::of_method<is_accurate, &gpu::exponential_icdf<T>::a>(
+    return gpu::of_method<is_accurate, gpu::exponential_icdf_accurate<T>>(
         gpu::exponential_icdf<T>{{}, d.a(), d.beta()});
   }
 
@@ -144,7 +144,7 @@ struct distribution_traits<weibull<T, Method>>
   static constexpr const char* name = "weibull";
 
   static auto transform_of(const weibull<T, Method>& d) {
-    return gpu::of_method<is_accurate, &gpu::weibull_icdf<T>::a>(
+    return gpu::of_method<is_accurate, gpu::weibull_icdf_accurate<T>>(
         gpu::weibull_icdf<T>{{}, ::hvl::math::weibull_exponent(d.alpha()), d.a(), d.beta()});
   }
 
@@ -161,7 +161,8 @@ struct distribution_traits<rayleigh<T, Method>>
   static constexpr const char* name = "rayleigh";
 
   static auto transform_of(const rayleigh<T, Method>& d) {
-    return gpu::of_method<is_accurate, &gpu::rayleigh_icdf<T>::a>(gpu::rayleigh_icdf<T>{{}, d.a(), d.beta()});
+    return gpu::of_method<is_accurate, gpu::rayleigh_icdf_accurate<T>>(
+        gpu::rayleigh_icdf<T>{{}, d.a(), d.beta()});
   }
 
   static int generate_on_host(const rayleigh<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {

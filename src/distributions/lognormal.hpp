@@ -63,7 +63,9 @@ struct distribution_traits<lognormal<T, Method>> {
 
   static auto transform_of(const distribution& d) {
     using plain = std::conditional_t<is_icdf, gpu::lognormal_icdf<T>, gpu::lognormal_box_muller2<T>>;
-    return gpu::of_method<is_accurate, &plain::displ>(
+    using accurate =
+        std::conditional_t<is_icdf, gpu::lognormal_icdf_accurate<T>, gpu::lognormal_box_muller2_accurate<T>>;
+    return gpu::of_method<is_accurate, accurate>(
         plain{d.m(), is_icdf ? ::hvl::math::icdf_scale(d.s()) : d.s(), d.displ(), d.scale()});
   }
 

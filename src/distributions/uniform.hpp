@@ -54,9 +54,10 @@ struct distribution_traits<uniform<T, Method>> {
   static auto transform_of(const uniform<T, Method>& d) {
     using computation_type =
         std::conditional_t<std::is_floating_point_v<T>, T, std::conditional_t<is_accurate, double, float>>;
-    return gpu::uniform_transform<T, computation_type, Method>{static_cast<computation_type>(d.a()),
-                                                               static_cast<computation_type>(d.b()),
-                                                               ::hvl::streams::values_on(d.a(), d.b())};
+    using transform = std::conditional_t<is_accurate, gpu::uniform_std_accurate<T, computation_type>,
+                                         gpu::uniform_std<T, computation_type>>;
+    return transform{static_cast<computation_type>(d.a()), static_cast<computation_type>(d.b()),
+                     ::hvl::streams::values_on(d.a(), d.b())};
   }
 
   static int generate_on_host(const uniform<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {

@@ -61,7 +61,7 @@ class engine_func_sub_seq {
     const std::uint64_t place = std::uint64_t{row_.offset} + id[0];
     const bool in_first_row = place < row_.substreams;
     tag_vqs_sycl_brng_mrg32k3a_stream_t s = state_;
-    definition::skip_substreams(s, in_first_row ? place : place - row_.substreams);
+    definition::mrg32k3a_skipahead_substream(s, in_first_row ? place : place - row_.substreams);
     int ahead = static_cast<int>(row_.first_steps); // of the first row, not taken yet
     if (in_first_row) {
       write(j, s);

@@ -10,7 +10,7 @@
 /// The public `generate`, instantiated for every engine and distribution.
 namespace kestro::hvl::rng {
 
-template <class Distribution, class Engine>
+template <class Distribution, class Engine, class>
 void generate(const Distribution& distribution, Engine& engine, std::int64_t n,
               sycl::buffer<typename Distribution::result_type, 1>& r) {
   using namespace detail;
@@ -28,7 +28,7 @@ void generate(const Distribution& distribution, Engine& engine, std::int64_t n,
   call.finish(dispatch(), r);
 }
 
-template <class Distribution, class Engine>
+template <class Distribution, class Engine, class>
 sycl::event generate(const Distribution& distribution, Engine& engine, std::int64_t n,
                      typename Distribution::result_type* r, const std::vector<sycl::event>& dependencies) {
   using namespace detail;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <numeric>
 #include <type_traits>
+#include <variant>
 
 #include <hvl/float_environment.hpp>
 

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <utility>
 
 #include <hvl/omp_interop.h>
 #include <kestro/hvl/exceptions.hpp>

@@ -21,7 +21,7 @@ constexpr double false_alarm = 1e-9;
 template <std::size_t N>
 void draw(std::uint32_t (&own)[N], std::uint32_t group, std::uint32_t seed) {
   for (std::uint32_t i = 0; i < N; ++i)
-    own[i] = philox4x32x10({{group, i / 4, 0, 0}}, seed, 0).word[i % 4];
+    own[i] = philox4x32x10_round_brute_10({{group, i / 4, 0, 0}}, seed, 0).word[i % 4];
 }
 
 // Words of 32 bits as the library scales them.

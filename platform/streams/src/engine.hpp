@@ -11,8 +11,6 @@ namespace hvl::streams {
 
 using engines::word_kind;
 
-inline constexpr std::size_t word_kinds = 3;
-
 constexpr std::size_t word_bytes(word_kind kind) {
   return kind == word_kind::unsigned64 ? 8 : 4;
 }

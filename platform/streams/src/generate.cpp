@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <memory>
-#include <vector>
 
 #include "hvl/float_environment.hpp"
 #include "streamed_output.hpp"

@@ -165,6 +165,9 @@ struct drop_words {
   void operator()(const Recurrence&, const std::uint32_t*, std::uint64_t, int, int, int) const {}
 };
 
+template <class Recurrence>
+using skip_ahead_gpu = ring_generate<Recurrence, drop_words>;
+
 /// Turns words into values. The last unit of a call may reach past its words; what comes of those is not stored.
 template <class Writer>
 struct emit_values {

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <sycl/sycl.hpp>
 
 #include "../detail/export.hpp"
+#include "detail/listed.hpp"
 
 namespace kestro::hvl::rng {
 
@@ -19,16 +22,28 @@ namespace kestro::hvl::rng {
 /// Throws `invalid_argument` ("n") when n is negative or larger than the buffer, and `unimplemented` for a
 /// distribution that the engine does not offer; the engine is then unchanged. A failure that only shows when
 /// the work runs reaches the queue's asynchronous handler.
-template <class Distribution, class Engine>
+template <class Distribution, class Engine, class = std::enable_if_t<detail::is_listed<Distribution, Engine>>>
 KESTRO_HVL_API void generate(const Distribution& distribution, Engine& engine, std::int64_t n,
                              sycl::buffer<typename Distribution::result_type, 1>& r);
 
 /// As above into USM memory that the queue's device can reach, after `dependencies`. Returns the event of the
 /// generation. Throws `invalid_argument` ("n" when negative, "r" when null).
-template <class Distribution, class Engine>
+template <class Distribution, class Engine, class = std::enable_if_t<detail::is_listed<Distribution, Engine>>>
 KESTRO_HVL_API sycl::event generate(const Distribution& distribution, Engine& engine, std::int64_t n,
                                     typename Distribution::result_type* r,
                                     const std::vector<sycl::event>& dependencies = {});
+
+/// Any other types are refused where they are compiled.
+template <class Distribution, class Engine, class... Output,
+          std::enable_if_t<!detail::is_listed<Distribution, Engine>, int> = 0>
+sycl::event generate(const Distribution&, Engine&, std::int64_t, Output&&...) {
+  static_assert(
+      detail::is_distribution<Distribution>,
+      "generate takes a distribution of kestro::hvl::rng, with one of its result types and methods");
+  static_assert(detail::is_engine<Engine>,
+                "generate takes an engine of kestro::hvl::rng, which is not const");
+  return {};
+}
 
 /// Advances `engine`; the same as its member, for the engines that have it.
 template <class Engine>

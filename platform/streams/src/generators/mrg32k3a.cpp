@@ -95,7 +95,7 @@ struct generator {
     if (count.empty())
       return;
     type::state s = type::state_of(r);
-    type::skip(s, count[0] & ~(std::uint64_t{1} << 63));
+    type::mrg32k3a_skip(s, count[0] & ~(std::uint64_t{1} << 63));
     if (count.size() > 1 || count[0] >> 63 != 0) {
       skip_beyond_table<type::m1>(mrg32k3a_jump_x, s.x, count);
       skip_beyond_table<type::m2>(mrg32k3a_jump_y, s.y, count);
@@ -110,7 +110,7 @@ void mrg32k3a_centred_matrices(std::uint64_t steps, double (&x)[9], double (&y)[
   for (std::size_t column = 0; column < 3; ++column) {
     mrg32k3a::state unit{};
     unit.x[column] = unit.y[column] = 1;
-    mrg32k3a::skip(unit, steps);
+    mrg32k3a::mrg32k3a_skip(unit, steps);
     for (std::size_t row = 0; row < 3; ++row) {
       x[3 * row + column] = centred(unit.x[row], mrg32k3a::m1::value);
       y[3 * row + column] = centred(unit.y[row], mrg32k3a::m2::value);

@@ -17,7 +17,8 @@ struct philox_block {
   std::uint32_t word[4];
 };
 
-HVL_MATH_INLINE constexpr philox_block philox4x32x10(philox_block x, std::uint32_t key0, std::uint32_t key1) {
+HVL_MATH_INLINE constexpr philox_block philox4x32x10_round_brute_10(philox_block x, std::uint32_t key0,
+                                                                    std::uint32_t key1) {
   for (int round = 0; round < philox_rounds; ++round) {
     const std::uint64_t p0 = std::uint64_t{philox_multiplier0} * x.word[0];
     const std::uint64_t p1 = std::uint64_t{philox_multiplier1} * x.word[2];

@@ -81,7 +81,7 @@ struct mrg32k3a {
 
   // Jumps n steps, n below 2^63: one precomputed power for each nonzero base-8 digit of n. Powers of one matrix
   // commute, so each is applied to the state directly.
-  static constexpr void skip(state& s, std::uint64_t n) {
+  static constexpr void mrg32k3a_skip(state& s, std::uint64_t n) {
     for (int place = 0; n != 0; ++place, n >>= 3) {
       const int digit = static_cast<int>(n & 7);
       if (digit != 0) {
@@ -92,7 +92,7 @@ struct mrg32k3a {
   }
 
   // Jumps k substreams of 2^76 steps, k below 2^51.
-  static constexpr void skip_substreams(state& s, std::uint64_t k) {
+  static constexpr void mrg32k3a_skipahead_substream(state& s, std::uint64_t k) {
     for (int bit = 0; k != 0; ++bit, k >>= 1) {
       if (k & 1) {
         m1::multiply(streams::mrg32k3a_substream_x[bit], s.x);
@@ -114,7 +114,7 @@ struct mrg32k3a {
 
   static constexpr cursor at(const state& from, std::uint64_t block) {
     cursor result{from};
-    skip(result.s, 4 * block);
+    mrg32k3a_skip(result.s, 4 * block);
     return result;
   }
 };

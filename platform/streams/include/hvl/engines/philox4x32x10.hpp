@@ -10,7 +10,8 @@ struct philox4x32x10_cipher {
   static constexpr int key_words = 2;
 
   static constexpr void encipher(std::uint32_t (&x)[4], const std::uint32_t (&key)[2]) {
-    const math::philox_block block = math::philox4x32x10({{x[0], x[1], x[2], x[3]}}, key[0], key[1]);
+    const math::philox_block block =
+        math::philox4x32x10_round_brute_10({{x[0], x[1], x[2], x[3]}}, key[0], key[1]);
     for (int k = 0; k < 4; ++k)
       x[k] = block.word[k];
   }

@@ -27,8 +27,8 @@ HVL_MATH_INLINE constexpr philox_block attempt_words(const std::uint32_t (&own)[
                                                      std::uint32_t distribution) {
   philox_block counter = detail::absorbed({}, own, 0);
   for (std::size_t first = 4; first < N; first += 4)
-    counter = detail::absorbed(philox4x32x10(counter, 0, distribution), own, first);
-  return philox4x32x10(counter, attempt, distribution);
+    counter = detail::absorbed(philox4x32x10_round_brute_10(counter, 0, distribution), own, first);
+  return philox4x32x10_round_brute_10(counter, attempt, distribution);
 }
 
 // A word as a uniform on (0, 1), the middle of its cell.
