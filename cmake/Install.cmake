@@ -11,3 +11,22 @@ install(FILES "${CMAKE_BINARY_DIR}/kestro_hvl_rngConfig.cmake"
               "${CMAKE_BINARY_DIR}/kestro_hvl_rngConfigVersion.cmake" DESTINATION "${package_folder}")
 install(EXPORT kestro_hvl_rng_targets NAMESPACE kestro:: DESTINATION "${package_folder}")
 install(DIRECTORY include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+
+# The same for pkg-config, wherever the tree is moved. AdaptiveCpp's own compiler brings what it needs.
+file(RELATIVE_PATH prefix_from_pc "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" /)
+string(REGEX REPLACE "/$" "" prefix_from_pc "${prefix_from_pc}")
+if(KESTRO_SYCL STREQUAL "qorin")
+  get_target_property(options qorin INTERFACE_COMPILE_OPTIONS)
+  string(REGEX MATCHALL "-[-A-Za-z=]+" options "${options}") # out of the generator expression around them
+  list(JOIN options " " options)
+  set(pc_cflags " -I\${includedir}/qorin ${options}")
+  set(pc_libs " -lqorin")
+elseif(KESTRO_SYCL STREQUAL "compiler")
+  set(pc_cflags " ${KESTRO_SYCL_FLAGS}")
+  set(pc_libs " ${KESTRO_SYCL_FLAGS}")
+endif()
+configure_file(cmake/kestro_hvl_rng.pc.in kestro_hvl_rng.pc @ONLY)
+install(FILES "${CMAKE_BINARY_DIR}/kestro_hvl_rng.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+install(FILES README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(DIRECTORY docs examples DESTINATION "${CMAKE_INSTALL_DOCDIR}")

@@ -44,7 +44,8 @@ function(kestro_target target)
   endif()
   if(KESTRO_SANITIZE)
     list(JOIN KESTRO_SANITIZE "," sanitizers)
-    target_compile_options(${target} PRIVATE -fsanitize=${sanitizers} -fno-omit-frame-pointer -g1)
+    # At -O1 a unit full of kernels compiles in two thirds of the time that it takes at -O2.
+    target_compile_options(${target} PRIVATE -fsanitize=${sanitizers} -fno-omit-frame-pointer -O1 -g1)
     target_link_options(${target} PRIVATE -fsanitize=${sanitizers})
     if("undefined" IN_LIST KESTRO_SANITIZE)
       target_compile_options(${target} PRIVATE -fno-sanitize-recover=undefined)
@@ -69,7 +70,9 @@ function(kestro_product name target)
   endif()
 endfunction()
 
-# kestro_test(<name> SOURCES ... [LIBRARIES ...] [LABELS ...]): a GoogleTest program, one ctest entry.
+# kestro_test(<name> SOURCES ... [LIBRARIES ...] [LABELS ...]): a GoogleTest program, one ctest entry. The target
+# <label>_suites builds the programs of a label: `memory` for what goes wrong in memory, which the address sanitizer
+# sees, `threads` for what goes wrong between threads.
 function(kestro_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;LABELS")
   find_package(GTest REQUIRED)
@@ -78,4 +81,10 @@ function(kestro_test name)
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
   set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 900)
+  foreach(label IN LISTS arg_LABELS)
+    if(NOT TARGET ${label}_suites)
+      add_custom_target(${label}_suites)
+    endif()
+    add_dependencies(${label}_suites ${name})
+  endforeach()
 endfunction()

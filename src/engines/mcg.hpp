@@ -61,6 +61,7 @@ constexpr typename Modulus::word power(typename Modulus::word base, std::uint64_
 template <class Modulus, class Record>
 struct mcg_kernel {
   using word_type = typename Modulus::word;
+  using record_type = Record;
   static constexpr int blocks_per_item = 1;
 
   struct state {

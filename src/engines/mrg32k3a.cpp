@@ -5,26 +5,17 @@
 namespace kestro::hvl::rng {
 namespace {
 
-using impl_ptr = std::unique_ptr<detail::engine_base_impl<mrg32k3a>>;
-
-impl_ptr make(const sycl::queue& queue, std::uint32_t seed) {
-  return detail::make_engine_impl<mrg32k3a>(queue, detail::engine_traits<mrg32k3a>::identifier,
-                                            std::uint64_t{seed});
-}
-
-impl_ptr make(const sycl::queue& queue, std::initializer_list<std::uint32_t> seed) {
-  return detail::make_engine_impl<mrg32k3a>(queue, detail::engine_traits<mrg32k3a>::identifier,
-                                            static_cast<std::int64_t>(seed.size()), seed.begin());
-}
-
-impl_ptr with_mode(impl_ptr impl, mrg32k3a_mode::optimal mode) {
-  impl->extension().mode = mode;
+auto make(const sycl::queue& queue, std::uint32_t seed, const detail::mrg32k3a_any_mode& mode = {}) {
+  auto impl = detail::make_engine_impl<mrg32k3a>(queue, detail::engine_traits<mrg32k3a>::identifier,
+                                                 std::uint64_t{seed});
+  set_mode(impl->stream(), mode);
   return impl;
 }
 
-impl_ptr with_mode(impl_ptr impl, mrg32k3a_mode::custom mode) {
-  impl->extension().mode = mode;
-  impl->extension().custom_count = mode.num_streams;
+template <class Words>
+auto make_of_words(const sycl::queue& queue, const Words& words, const detail::mrg32k3a_any_mode& mode = {}) {
+  auto impl = detail::make_engine_impl_of_words<mrg32k3a>(queue, words);
+  set_mode(impl->stream(), mode);
   return impl;
 }
 
@@ -33,19 +24,28 @@ impl_ptr with_mode(impl_ptr impl, mrg32k3a_mode::custom mode) {
 mrg32k3a::mrg32k3a(sycl::queue queue, std::uint32_t seed) : engine_base(queue, make(queue, seed)) {}
 
 mrg32k3a::mrg32k3a(sycl::queue queue, std::uint32_t seed, mrg32k3a_mode::optimal mode)
-    : engine_base(queue, with_mode(make(queue, seed), mode)) {}
+    : engine_base(queue, make(queue, seed, mode)) {}
 
 mrg32k3a::mrg32k3a(sycl::queue queue, std::uint32_t seed, mrg32k3a_mode::custom mode)
-    : engine_base(queue, with_mode(make(queue, seed), mode)) {}
+    : engine_base(queue, make(queue, seed, mode)) {}
 
 mrg32k3a::mrg32k3a(sycl::queue queue, std::initializer_list<std::uint32_t> seed)
-    : engine_base(queue, make(queue, seed)) {}
+    : engine_base(queue, make_of_words(queue, seed)) {}
 
 mrg32k3a::mrg32k3a(sycl::queue queue, std::initializer_list<std::uint32_t> seed, mrg32k3a_mode::optimal mode)
-    : engine_base(queue, with_mode(make(queue, seed), mode)) {}
+    : engine_base(queue, make_of_words(queue, seed, mode)) {}
 
 mrg32k3a::mrg32k3a(sycl::queue queue, std::initializer_list<std::uint32_t> seed, mrg32k3a_mode::custom mode)
-    : engine_base(queue, with_mode(make(queue, seed), mode)) {}
+    : engine_base(queue, make_of_words(queue, seed, mode)) {}
+
+mrg32k3a::mrg32k3a(sycl::queue queue, const std::vector<std::uint32_t>& words)
+    : engine_base(queue, make_of_words(queue, words)) {}
+
+mrg32k3a::mrg32k3a(sycl::queue queue, const std::vector<std::uint32_t>& words, mrg32k3a_mode::optimal mode)
+    : engine_base(queue, make_of_words(queue, words, mode)) {}
+
+mrg32k3a::mrg32k3a(sycl::queue queue, const std::vector<std::uint32_t>& words, mrg32k3a_mode::custom mode)
+    : engine_base(queue, make_of_words(queue, words, mode)) {}
 
 void mrg32k3a::skip_ahead(std::uint64_t num_to_skip) {
   detail::engine_access::impl<mrg32k3a>(*this, "skip_ahead").skip_ahead(num_to_skip);

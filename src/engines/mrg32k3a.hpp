@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <variant>
 
@@ -96,10 +97,11 @@ struct engine_kernel<mrg32k3a> {
   // A jump costs as much as some tens of steps, so each work-item makes as many.
   static constexpr int blocks_per_item = 16;
 
+  using record_type = vqs_mrg32k3a_record;
   using state = gpu::tag_vqs_sycl_brng_mrg32k3a_stream_t;
 
   static state capture(const stream_handle& stream) {
-    const auto& r = stream.record<vqs_mrg32k3a_record>();
+    const auto& r = stream.record<record_type>();
     return {{r.x0, r.x1, r.x2}, {r.y0, r.y1, r.y2}};
   }
 
@@ -120,21 +122,25 @@ struct engine_kernel<mrg32k3a> {
   }
 };
 
-/// The mode, and where the substream modes stand within a row: the first `offset` substreams have given their value of
-/// the row that begins at the stream's state, and up to `row_steps` steps each for it.
-template <>
-struct engine_extension<mrg32k3a> {
-  std::uint32_t offset = 0;
-  std::uint32_t custom_count = 0;
-  std::variant<mrg32k3a_mode::standard, mrg32k3a_mode::optimal, mrg32k3a_mode::custom> mode;
-  std::uint32_t row_steps = 0;
+using mrg32k3a_any_mode =
+    std::variant<mrg32k3a_mode::standard, mrg32k3a_mode::optimal, mrg32k3a_mode::custom>;
 
-  void attach(const sycl::queue&, const stream_handle&) {}
-  void store(const stream_handle&) const {}
-
-  bool has_substreams() const { return !std::holds_alternative<mrg32k3a_mode::standard>(mode); }
-  std::uint32_t substreams() const { return custom_count != 0 ? custom_count : 81920; }
+/// How many substreams a mode takes values from; 0 for the one sequence.
+struct mrg32k3a_substreams {
+  static constexpr std::uint32_t optimal = 81920;
+  std::uint32_t operator()(mrg32k3a_mode::standard) const { return 0; }
+  std::uint32_t operator()(mrg32k3a_mode::optimal) const { return optimal; }
+  std::uint32_t operator()(mrg32k3a_mode::custom mode) const {
+    return mode.num_streams != 0 ? mode.num_streams : optimal;
+  }
 };
+
+/// Puts a stream at the start of a mode. The stream's record alone holds mode and place.
+inline void set_mode(const stream_handle& stream, const mrg32k3a_any_mode& mode) {
+  auto& record = stream.record<vqs_mrg32k3a_record>();
+  record.substreams = std::visit(mrg32k3a_substreams(), mode);
+  record.offset = record.row_steps = 0;
+}
 
 namespace gpu {
 
@@ -145,7 +151,8 @@ struct mrg32k3a_row {
   std::uint32_t first_steps; // steps that the first row takes of every substream
 };
 
-/// The kernel of the substream modes: work-item i makes every value of the call that belongs to substream i.
+/// The kernel of the substream modes: a work-item makes every value of the call that belongs to one substream. Item i has
+/// value i of the call, so no item is without one.
 template <class T, class Computation, class Transform, class Coefficients, class Output>
 class engine_func_sub_seq {
   static constexpr int steps_per_value = Transform::words_per_value;
@@ -158,13 +165,11 @@ class engine_func_sub_seq {
   }
 
   void operator()(sycl::id<1> id) const {
-    const auto item = static_cast<std::int64_t>(id[0]);
-    const bool in_first_row = item >= row_.offset;
-    std::int64_t j = item - row_.offset + (in_first_row ? 0 : row_.substreams);
-    if (j >= n_)
-      return;
+    auto j = static_cast<std::int64_t>(id[0]);
+    const std::uint64_t place = std::uint64_t{row_.offset} + id[0];
+    const bool in_first_row = place < row_.substreams;
     tag_vqs_sycl_brng_mrg32k3a_stream_t s = state_;
-    mrg32k3a_skipahead_substream(&s, static_cast<std::uint64_t>(item));
+    mrg32k3a_skipahead_substream(&s, in_first_row ? place : place - row_.substreams);
     int ahead = static_cast<int>(row_.first_steps); // of the first row, not taken yet
     if (in_first_row) {
       store(j, s);
@@ -205,7 +210,7 @@ struct engine_generation<mrg32k3a> : plain_generation<mrg32k3a> {
   template <class DistributionImpl, class Target>
   static sycl::event on_host(impl_type& impl, sycl::queue& queue, const DistributionImpl& distribution,
                              std::int64_t n, const Target& target) {
-    if (!impl.extension().has_substreams())
+    if (record_of(impl).substreams == 0)
       return plain_generation::on_host(impl, queue, distribution, n, target);
     return in_substreams(impl, queue, distribution.on_device(), n, target);
   }
@@ -213,12 +218,16 @@ struct engine_generation<mrg32k3a> : plain_generation<mrg32k3a> {
   template <class DistributionImpl, class Target>
   static sycl::event on_device(impl_type& impl, sycl::queue& queue, const DistributionImpl& distribution,
                                std::int64_t n, const Target& target) {
-    if (!impl.extension().has_substreams())
+    if (record_of(impl).substreams == 0)
       return plain_generation::on_device(impl, queue, distribution, n, target);
     return in_substreams(impl, queue, distribution, n, target);
   }
 
  private:
+  static vqs_mrg32k3a_record& record_of(const impl_type& impl) {
+    return impl.stream().record<vqs_mrg32k3a_record>();
+  }
+
   template <class DistributionImpl, class Target>
   static sycl::event in_substreams(impl_type& impl, sycl::queue& queue, const DistributionImpl& distribution,
                                    std::int64_t n, const Target& target) {
@@ -229,32 +238,37 @@ struct engine_generation<mrg32k3a> : plain_generation<mrg32k3a> {
     } else {
       using T = typename DistributionImpl::distribution_type::result_type;
       constexpr std::uint32_t steps = traits::words_per_value;
-      auto& extension = impl.extension();
-      const std::uint32_t substreams = extension.substreams();
+      const std::uint32_t substreams = record_of(impl).substreams;
+      const std::uint32_t offset = record_of(impl).offset;
       // A row begun with values of more steps keeps that length, so that no step is used twice.
-      const std::uint32_t first_steps = extension.row_steps > steps ? extension.row_steps : steps;
-      const gpu::mrg32k3a_row row{substreams, extension.offset, first_steps};
+      const std::uint32_t first_steps = std::max(record_of(impl).row_steps, steps);
+      const gpu::mrg32k3a_row row{substreams, offset, first_steps};
+      const auto state = engine_kernel<mrg32k3a>::capture(impl.stream());
 
-      sycl::event event = queue.submit([&](sycl::handler& handler) {
+      const auto advance = [&] {
+        if (n == 0)
+          return;
+        const std::uint64_t end = offset + static_cast<std::uint64_t>(n);
+        const std::uint64_t rows = end / substreams;
+        if (rows != 0)
+          impl.skip_ahead(first_steps + (rows - 1) * steps);
+        auto& record = record_of(impl);
+        record.offset = static_cast<std::uint32_t>(end % substreams);
+        record.row_steps = record.offset == 0 ? 0 : rows != 0 ? steps : first_steps;
+      };
+      const auto command_group = [&](sycl::handler& handler) {
         auto output = target.on_device(handler, n);
         const auto coefficients = distribution.template coefficients<mrg32k3a>();
         const auto transform = distribution.transform();
         using func = gpu::engine_func_sub_seq<T, typename DistributionImpl::computation_type,
                                               std::decay_t<decltype(transform)>,
                                               std::decay_t<decltype(coefficients)>, decltype(output)>;
-        const func kernel(output, engine_kernel<mrg32k3a>::capture(impl.stream()), row, coefficients,
-                          transform, n);
+        const func kernel(output, state, row, coefficients, transform, n);
         if (n > 0)
-          handler.parallel_for(sycl::range<1>(substreams), kernel);
-      });
-
-      const std::uint64_t end = extension.offset + static_cast<std::uint64_t>(n);
-      const std::uint64_t rows = end / substreams;
-      extension.offset = static_cast<std::uint32_t>(end % substreams);
-      if (rows != 0)
-        impl.skip_ahead(first_steps + (rows - 1) * steps);
-      extension.row_steps = extension.offset == 0 ? 0 : rows != 0 ? steps : first_steps;
-      return event;
+          handler.parallel_for(sycl::range<1>(std::min(static_cast<std::size_t>(n), std::size_t{substreams})),
+                               kernel);
+      };
+      return advance_and_submit(impl, advance, [&] { return queue.submit(command_group); });
     }
   }
 };

@@ -9,26 +9,14 @@
 namespace kestro::hvl::rng {
 namespace detail {
 
-engine_extension<mt19937>::~engine_extension() {
-  if (!device || last.get_info<sycl::info::event::command_execution_status>() ==
-                     sycl::info::event_command_status::complete)
-    return;
-  // The device state lives as long as the work that uses it.
-  sycl::queue queue = device->queue();
-  queue.submit([&](sycl::handler& handler) {
-    handler.depends_on(last);
-    portability::host_task(handler, [state = device] {});
-  });
-}
-
 void engine_extension<mt19937>::attach(const sycl::queue& queue, const stream_handle& stream) {
-  device = std::make_shared<mt19937_device_state>(queue, stream.record<vqs_mt19937_record>());
+  device.reset(new mt19937_device_state(queue, stream.record<vqs_mt19937_record>()));
 }
 
 void engine_extension<mt19937>::store(const stream_handle& stream) const {
   if (!device)
     return;
-  auto& record = *static_cast<vqs_mt19937_record*>(stream.get());
+  auto& record = stream.record<vqs_mt19937_record>();
   device->copy_live_words(record.words);
   record.position = gpu::mt_words;
 }
@@ -47,15 +35,14 @@ namespace {
 constexpr std::uint64_t stepping_words = std::uint64_t{1} << 22;
 
 void skip_ahead_gpu(sycl::queue& queue, engine_base_impl<mt19937>& engine, std::uint64_t n) {
-  auto& extension = engine.extension();
+  mt19937_device_state& device = *engine.extension().device;
   const std::size_t lanes = mt19937_plan_for(queue.get_device(), 0).lanes;
-  extension.last = queue.submit([&](sycl::handler& handler) {
-    handler.depends_on(extension.last);
+  device.set_last(queue.submit([&](sycl::handler& handler) {
+    handler.depends_on(device.last());
     const mt_local_words memory(sycl::range<1>(mt19937_window::capacity), handler);
     handler.parallel_for(sycl::nd_range<1>(lanes, lanes),
-                         mt19937_generate<mt19937_drop>(extension.device->ring(), nullptr, n, 0, memory, {}));
-  });
-  engine.set_in_flight(extension.last);
+                         mt19937_generate<mt19937_drop>(device.ring(), nullptr, n, 0, memory, {}));
+  }));
 }
 
 } // namespace
@@ -67,12 +54,11 @@ void skip_ahead(sycl::queue& queue, engine_base_impl<mt19937>& engine, std::uint
     skip_ahead_gpu(queue, engine, n);
     return;
   }
-  auto& extension = engine.extension();
-  extension.last.wait();
+  mt19937_device_state& device = *engine.extension().device;
   std::uint32_t words[mt_words];
-  extension.device->copy_live_words(words);
+  device.copy_live_words(words);
   check_stream_status(vqsMt19937Jump(words, n), "skip_ahead", "");
-  extension.device->replace_live_words(words);
+  device.replace_live_words(words);
 }
 
 } // namespace gpu
@@ -88,8 +74,10 @@ mt19937::mt19937(sycl::queue queue, std::uint32_t seed)
     : engine_base(queue, detail::make_engine_impl<mt19937>(queue, identifier, std::uint64_t{seed})) {}
 
 mt19937::mt19937(sycl::queue queue, std::initializer_list<std::uint32_t> seed)
-    : engine_base(queue, detail::make_engine_impl<mt19937>(
-                             queue, identifier, static_cast<std::int64_t>(seed.size()), seed.begin())) {}
+    : engine_base(queue, detail::make_engine_impl_of_words<mt19937>(queue, seed)) {}
+
+mt19937::mt19937(sycl::queue queue, const std::vector<std::uint32_t>& words)
+    : engine_base(queue, detail::make_engine_impl_of_words<mt19937>(queue, words)) {}
 
 void mt19937::skip_ahead(std::uint64_t num_to_skip) {
   auto& impl = detail::engine_access::impl<mt19937>(*this, "skip_ahead");

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include <kestro/hvl/rng/engines.hpp>
 
@@ -28,16 +27,10 @@ struct engine_kernel<mt19937> {
 /// The GPU backend's device state, which stands for the stream; the stream is brought up to date when asked for.
 template <>
 struct engine_extension<mt19937> {
-  engine_extension() = default;
-  engine_extension(const engine_extension&) {} // a copy is built from the stream
-  engine_extension& operator=(const engine_extension&) = delete;
-  ~engine_extension();
-
   void attach(const sycl::queue& queue, const stream_handle& stream);
   void store(const stream_handle& stream) const;
 
-  std::shared_ptr<mt19937_device_state> device;
-  sycl::event last; // of the work that uses the device state
+  mt19937_device_pointer device;
 };
 
 /// Waits, then writes the device state of an engine to a stream: the 624 live words, all of them used.
@@ -67,21 +60,15 @@ struct engine_generation<mt19937> : plain_generation<mt19937> {
                                const DistributionImpl& distribution, std::int64_t n, const Target& target) {
     using distribution_type = typename DistributionImpl::distribution_type;
 
-    auto& extension = impl.extension();
-    mt19937_device_state& device = *extension.device;
+    mt19937_device_state& device = *impl.extension().device;
     const std::uint64_t words = words_of<distribution_type>(n);
     const gpu::mt19937_plan plan = gpu::mt19937_plan_for(queue.get_device(), words);
-    const std::uint32_t* states = nullptr;
-    if (plan.segments > 1) {
-      if (!device.has_room_for(plan.segments))
-        extension.last.wait();
-      extension.last = gpu::mt19937_start_segments(queue, device, plan, extension.last);
-      states = device.segment_states(plan.segments);
-    }
+    const std::uint32_t* const states =
+        plan.segments > 1 ? gpu::mt19937_start_segments(queue, device, plan) : nullptr;
 
     sycl::event event = queue.submit([&](sycl::handler& handler) {
       auto output = target.on_device(handler, n);
-      handler.depends_on(extension.last);
+      handler.depends_on(device.last());
       if (n == 0)
         return;
       const auto transform = distribution.transform();
@@ -95,8 +82,7 @@ struct engine_generation<mt19937> : plain_generation<mt19937> {
                            gpu::mt19937_generate<emit>(device.ring(), states, words, plan.power, memory,
                                                        emit{output, from_word{coefficients}, transform, n}));
     });
-    extension.last = event;
-    impl.set_in_flight(event);
+    device.set_last(event);
     return event;
   }
 };

@@ -1,6 +1,7 @@
 #include "engines/mt19937_device.hpp"
 
 #include <algorithm>
+#include <mutex>
 
 #include <hvl/streams_detail.h>
 
@@ -46,19 +47,22 @@ mt19937_device_state::mt19937_device_state(const sycl::queue& queue, const vqs_m
   }
 }
 
-void mt19937_device_state::copy_live_words(std::uint32_t* words) const {
+void mt19937_device_state::copy_live_words(std::uint32_t* words) {
+  last_.wait();
   const std::uint32_t oldest = ring_[mt_ring];
   for (std::uint32_t k = 0; k < mt_words; ++k)
     words[k] = ring_[(oldest + k) % mt_ring];
 }
 
 void mt19937_device_state::replace_live_words(const std::uint32_t* words) {
+  last_.wait();
   std::copy(words, words + mt_words, ring_.get());
   std::fill(ring_.get() + mt_words, ring_.get() + mt_ring + 1, 0u);
 }
 
 std::uint32_t* mt19937_device_state::segment_states(std::size_t segments) {
-  if (!has_room_for(segments)) {
+  if (segments > segments_) {
+    last_.wait();
     states_ = allocate(segments * mt_words, sycl::usm::alloc::device);
     segments_ = segments;
   }
@@ -83,6 +87,47 @@ mt19937_device_state::usm_words mt19937_device_state::allocate(std::size_t words
   if (memory == nullptr)
     throw device_bad_alloc("rng", "mt19937", queue_.get_device());
   return usm_words(memory, release{queue_});
+}
+
+// A memory that cannot be freed is lost; its owner's destructor has nobody to tell.
+void mt19937_device_state::release::operator()(std::uint32_t* memory) const noexcept {
+  try {
+    sycl::free(memory, queue);
+  } catch (...) {
+  }
+}
+
+namespace {
+
+// A list through the states themselves, as putting one aside must not fail. Without destructors, for engines of static
+// duration come late.
+constinit std::mutex retired_mutex;
+constinit mt19937_device_state* first_retired = nullptr;
+
+bool is_complete(const sycl::event& event) noexcept {
+  try {
+    return event.get_info<sycl::info::event::command_execution_status>() ==
+           sycl::info::event_command_status::complete;
+  } catch (...) {
+    return false;
+  }
+}
+
+} // namespace
+
+void mt19937_retire::operator()(mt19937_device_state* state) const noexcept {
+  const std::lock_guard lock(retired_mutex);
+  state->next_retired_ = first_retired;
+  first_retired = state;
+  for (mt19937_device_state** at = &first_retired; *at != nullptr;) {
+    mt19937_device_state* const one = *at;
+    if (is_complete(one->last_)) {
+      *at = one->next_retired_;
+      delete one;
+    } else {
+      at = &one->next_retired_;
+    }
+  }
 }
 
 } // namespace kestro::hvl::rng::detail

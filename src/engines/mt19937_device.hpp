@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include <hvl/streams_record.h>
 #include <sycl/sycl.hpp>
@@ -41,15 +42,17 @@ class mt19937_device_state {
   /// Throws `device_bad_alloc`.
   mt19937_device_state(const sycl::queue& queue, const vqs_mt19937_record& record);
 
-  const sycl::queue& queue() const { return queue_; }
   std::uint32_t* ring() { return ring_.get(); }
 
-  /// The live words, oldest first. No work may be in flight, here and in replace_live_words.
-  void copy_live_words(std::uint32_t* words) const;
+  /// The last work that uses the state. All of it runs in order.
+  const sycl::event& last() const { return last_; }
+  void set_last(sycl::event event) { last_ = std::move(event); }
+
+  /// The live words, oldest first. Both wait for the last work.
+  void copy_live_words(std::uint32_t* words);
   void replace_live_words(const std::uint32_t* words);
 
-  /// Room for the start states of `segments` segments. It may grow only when no work is in flight.
-  bool has_room_for(std::size_t segments) const { return segments <= segments_; }
+  /// Room for the start states of `segments` segments. Waits for the last work when it grows.
   std::uint32_t* segment_states(std::size_t segments);
 
   /// The polynomial that jumps 2^power words.
@@ -58,7 +61,7 @@ class mt19937_device_state {
  private:
   struct release {
     sycl::queue queue;
-    void operator()(std::uint32_t* memory) const { sycl::free(memory, queue); }
+    void operator()(std::uint32_t* memory) const noexcept;
   };
   using usm_words = std::unique_ptr<std::uint32_t[], release>;
 
@@ -70,6 +73,17 @@ class mt19937_device_state {
   std::size_t segments_ = 0;
   usm_words polynomials_;
   std::uint64_t known_powers_ = 0;
+  sycl::event last_;
+
+  friend struct mt19937_retire;
+  mt19937_device_state* next_retired_ = nullptr;
 };
+
+/// Ends a device state whose engine is gone, without waiting or submitting: while work still uses the state it is put
+/// aside, and freed with a later one. What work uses when the process ends is never freed.
+struct mt19937_retire {
+  void operator()(mt19937_device_state* state) const noexcept;
+};
+using mt19937_device_pointer = std::unique_ptr<mt19937_device_state, mt19937_retire>;
 
 } // namespace kestro::hvl::rng::detail

@@ -79,23 +79,22 @@ mt19937_plan mt19937_plan_for(const sycl::device& device, std::uint64_t words) {
   return {static_cast<std::size_t>((words - 1) >> power) + 1, power, lanes};
 }
 
-sycl::event mt19937_start_segments(sycl::queue& queue, mt19937_device_state& state, const mt19937_plan& plan,
-                                   const sycl::event& after) {
+const std::uint32_t* mt19937_start_segments(sycl::queue& queue, mt19937_device_state& state,
+                                            const mt19937_plan& plan) {
   std::uint32_t* const states = state.segment_states(plan.segments);
-  sycl::event event = after;
   int power = plan.power;
   for (std::size_t distance = 1; distance < plan.segments; distance *= 2, ++power) {
     const std::uint32_t* const polynomial = state.jump_polynomial(power);
     const std::size_t jumps = std::min(distance, plan.segments - distance);
-    event = queue.submit([&](sycl::handler& handler) {
-      handler.depends_on(event);
+    state.set_last(queue.submit([&](sycl::handler& handler) {
+      handler.depends_on(state.last());
       const mt_local_words memory(sycl::range<1>(mt19937_window::capacity), handler);
       handler.parallel_for(sycl::nd_range<1>(jumps * plan.lanes, plan.lanes),
                            mt19937_jump(state.ring(), states, polynomial, distance, memory));
-    });
-    hvl::gpu::verbose_register_event(event);
+    }));
+    hvl::gpu::verbose_register_event(state.last());
   }
-  return event;
+  return states;
 }
 
 } // namespace kestro::hvl::rng::detail::gpu

@@ -27,9 +27,10 @@ struct mt19937_plan {
 
 mt19937_plan mt19937_plan_for(const sycl::device& device, std::uint64_t words);
 
-/// Computes the start states of the plan's segments by jumps from the ring, after `after`.
-sycl::event mt19937_start_segments(sycl::queue& queue, mt19937_device_state& state, const mt19937_plan& plan,
-                                   const sycl::event& after);
+/// Submits the jumps from the ring to the start states of the plan's segments, and returns where these will lie. The
+/// ring stays as it is.
+const std::uint32_t* mt19937_start_segments(sycl::queue& queue, mt19937_device_state& state,
+                                            const mt19937_plan& plan);
 
 /// Words that are turned into values together; segments and blocks start at whole units.
 inline constexpr int mt_unit = 4;

@@ -1,7 +1,5 @@
 #include "engines/philox4x32x10.hpp"
 
-#include <vector>
-
 #include "framework/engine_instances.hpp"
 
 namespace kestro::hvl::rng {
@@ -17,9 +15,9 @@ auto from_seeds(const sycl::queue& queue, std::initializer_list<std::uint64_t> s
   }
   // The CPU backend counts list elements, not words, and so reads the first half only.
   const bool cpu = detail::device_type_of(queue.get_device(), traits::name) == detail::device_type::cpu;
-  const auto count = static_cast<std::int64_t>(cpu ? seed.size() : words.size());
-  return detail::make_engine_impl<philox4x32x10>(queue, traits::identifier, count,
-                                                 static_cast<const std::uint32_t*>(words.data()));
+  if (cpu)
+    words.resize(seed.size());
+  return detail::make_engine_impl_of_words<philox4x32x10>(queue, words);
 }
 
 } // namespace
@@ -29,6 +27,9 @@ philox4x32x10::philox4x32x10(sycl::queue queue, std::uint64_t seed)
 
 philox4x32x10::philox4x32x10(sycl::queue queue, std::initializer_list<std::uint64_t> seed)
     : engine_base(queue, from_seeds(queue, seed)) {}
+
+philox4x32x10::philox4x32x10(sycl::queue queue, const std::vector<std::uint32_t>& words)
+    : engine_base(queue, detail::make_engine_impl_of_words<philox4x32x10>(queue, words)) {}
 
 void philox4x32x10::skip_ahead(std::uint64_t num_to_skip) {
   detail::engine_access::impl<philox4x32x10>(*this, "skip_ahead").skip_ahead(num_to_skip);

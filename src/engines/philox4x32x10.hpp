@@ -79,6 +79,7 @@ struct engine_kernel<philox4x32x10> {
   static constexpr word_scale scale = word_scale::signed32;
   static constexpr int blocks_per_item = 1;
 
+  using record_type = vqs_philox4x32x10_record;
   using state = gpu::philox4x32x10_state;
 
   static state capture(const stream_handle& stream) {

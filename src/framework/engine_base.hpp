@@ -25,11 +25,12 @@ template <class Engine>
 engine_base<Engine>& engine_base<Engine>::operator=(const engine_base& other) {
   if (this == &other)
     return *this;
-  queue_ = other.queue_;
-  const sycl::device device = queue_.get_device();
   // On a device without a backend the old implementation stays, unlike in copy construction, which throws.
+  const sycl::device device = other.queue_.get_device();
   if (device.is_cpu() || device.is_gpu())
-    impl_ = other.impl_ ? make_engine_impl<Engine>(queue_, other.impl_.get()) : nullptr;
+    *this = engine_base(other);
+  else
+    queue_ = other.queue_;
   return *this;
 }
 

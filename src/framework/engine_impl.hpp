@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -23,8 +24,7 @@ class engine_base_impl {
       : stream_(new_stream(identifier, count, words)) {}
 
   /// A deep copy of `other` as it stands after all its earlier calls.
-  explicit engine_base_impl(engine_base_impl* other)
-      : stream_(copy_stream(other->up_to_date_stream())), extension_(other->extension_) {}
+  explicit engine_base_impl(engine_base_impl* other) : stream_(copy_stream(other->up_to_date_stream())) {}
 
   /// Takes over a stream.
   explicit engine_base_impl(stream_handle stream) : stream_(std::move(stream)) {}
@@ -96,6 +96,14 @@ std::unique_ptr<engine_base_impl<Engine>> make_engine_impl(const sycl::queue& qu
       std::forward<Arguments>(arguments)...);
   impl->extension().attach(queue, impl->stream());
   return impl;
+}
+
+/// From all of `words`, whatever the device.
+template <class Engine, class Words>
+std::unique_ptr<engine_base_impl<Engine>> make_engine_impl_of_words(const sycl::queue& queue,
+                                                                    const Words& words) {
+  return make_engine_impl<Engine>(queue, engine_traits<Engine>::identifier,
+                                  static_cast<std::int64_t>(std::size(words)), std::data(words));
 }
 
 /// The door from the public engine object to its insides.

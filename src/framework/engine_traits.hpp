@@ -26,6 +26,7 @@ struct engine_traits;
 ///   static constexpr word_scale scale;
 ///   static constexpr std::uint32_t raw(word_type);   its 32 bits
 ///   static constexpr int blocks_per_item;            blocks of four words that one work-item makes
+///   using record_type = ...;                         of its streams
 ///   struct state;
 ///   static state capture(const stream_handle&);
 ///   struct cursor { void next(word_type (&words)[4]); };
@@ -33,9 +34,9 @@ struct engine_traits;
 template <class Engine>
 struct engine_kernel;
 
-/// What an engine keeps beside its stream; most keep nothing.
+/// What an engine keeps on a device beside its stream; most keep nothing.
 ///
-///   attach: builds what lives on the device, once the stream is there (GPU backend only)
+///   attach: builds it, once the stream is there (GPU backend only)
 ///   store: brings it back into the stream
 template <class Engine>
 struct engine_extension {

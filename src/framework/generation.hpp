@@ -13,6 +13,21 @@ namespace kestro::hvl::rng::detail {
 template <class Engine>
 struct engine_generation;
 
+/// Advances the stream of an engine whose kernels have a copy of the state, then submits. When either throws, the
+/// stream stands where it stood.
+template <class Engine, class Advance, class Submit>
+sycl::event advance_and_submit(engine_base_impl<Engine>& impl, Advance advance, Submit submit) {
+  auto& record = impl.stream().template record<typename engine_kernel<Engine>::record_type>();
+  const auto before = record;
+  try {
+    advance();
+    return submit();
+  } catch (...) {
+    record = before;
+    throw;
+  }
+}
+
 /// The ordinary way.
 template <class Engine>
 struct plain_generation {
@@ -39,18 +54,21 @@ struct plain_generation {
   static sycl::event on_device(engine_base_impl<Engine>& impl, sycl::queue& queue,
                                const DistributionImpl& distribution, std::int64_t n, const Target& target) {
     using distribution_type = typename DistributionImpl::distribution_type;
-    return queue.submit([&](sycl::handler& handler) {
+    const auto state = engine_kernel<Engine>::capture(impl.stream());
+    const auto command_group = [&](sycl::handler& handler) {
       auto output = target.on_device(handler, n);
       using func = gpu::engine_func<Engine, typename distribution_type::result_type,
                                     typename DistributionImpl::computation_type,
                                     typename DistributionImpl::transform_type, decltype(output)>;
-      const func kernel(output, engine_kernel<Engine>::capture(impl.stream()),
-                        distribution.template coefficients<Engine>(), distribution.transform(), n);
-      impl.skip_ahead(words_of<distribution_type>(n));
+      const func kernel(output, state, distribution.template coefficients<Engine>(), distribution.transform(),
+                        n);
       if (n > 0)
         handler.parallel_for(sycl::range<1>(static_cast<std::size_t>((n + func::width - 1) / func::width)),
                              kernel);
-    });
+    };
+    return advance_and_submit(
+        impl, [&] { impl.skip_ahead(words_of<distribution_type>(n)); },
+        [&] { return queue.submit(command_group); });
   }
 };
 

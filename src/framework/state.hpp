@@ -9,15 +9,21 @@ namespace kestro::hvl::rng {
 
 namespace detail {
 
+/// `failure` is what the exception says before the reason.
+inline void check_state_status(int status, const char* function, const std::string& failure) {
+  if (status != VQS_STATUS_OK)
+    throw computation_error("rng", function, failure + ": " + vqsStatusText(status));
+}
+
 /// A new engine on `queue` around the stream that `load` makes.
 template <class Engine, class Load>
-Engine load_engine(const sycl::queue& queue, const char* failure, Load load) {
+Engine load_engine(const sycl::queue& queue, const std::string& failure, Load load) {
   Engine engine(queue, 1);
   vqs_stream stream = nullptr;
-  check_stream_status(load(&stream), "load_state", failure);
+  check_state_status(load(&stream), "load_state", failure);
   stream_handle owner(stream);
   if (vqsEngineOfStream(stream) != engine_traits<Engine>::identifier)
-    throw computation_error("rng", "load_state", failure);
+    throw computation_error("rng", "load_state", failure + ": the state of another engine");
   engine_access::replace_impl<Engine>(engine, make_engine_impl<Engine>(queue, std::move(owner)));
   return engine;
 }
@@ -36,15 +42,15 @@ std::int64_t get_state_size(Engine& engine) {
 template <class Engine>
 void save_state(Engine& engine, unsigned char* mem) {
   auto& stream = detail::engine_access::impl<Engine>(engine, "save_state").up_to_date_stream();
-  detail::check_stream_status(vqsSaveStreamM_64(stream.get(), mem), "save_state",
-                              "failed to save state to the memory");
+  detail::check_state_status(vqsSaveStreamM_64(stream.get(), mem), "save_state",
+                             "failed to save state to the memory");
 }
 
 template <class Engine>
 void save_state(Engine& engine, const std::string& filename) {
   auto& stream = detail::engine_access::impl<Engine>(engine, "save_state").up_to_date_stream();
-  detail::check_stream_status(vqsSaveStreamF_64(stream.get(), filename.c_str()), "save_state",
-                              "failed to save state to the file");
+  detail::check_state_status(vqsSaveStreamF_64(stream.get(), filename.c_str()), "save_state",
+                             "failed to save state to the file: " + filename);
 }
 
 template <class Engine>
@@ -56,7 +62,7 @@ Engine load_state(const sycl::queue& queue, const unsigned char* mem) {
 template <class Engine>
 Engine load_state(const sycl::queue& queue, const std::string& filename) {
   return detail::load_engine<Engine>(
-      queue, "failed to load state from the file",
+      queue, "failed to load state from the file: " + filename,
       [&filename](vqs_stream* stream) { return vqsLoadStreamF_64(stream, filename.c_str()); });
 }
 

@@ -26,8 +26,8 @@ class stream_handle {
 
   /// The record behind the stream, as the structure of its engine.
   template <class Record>
-  const Record& record() const {
-    return *static_cast<const Record*>(stream_.get());
+  Record& record() const {
+    return *static_cast<Record*>(stream_.get());
   }
 
  private:

@@ -8,7 +8,7 @@
 #define CL_TARGET_OPENCL_VERSION 300
 #endif
 #include <CL/cl.h>
-#include <kestro/hvl/detail/export.hpp>
+#include <kestro/hvl/interop.hpp>
 #include <sycl/sycl.hpp>
 
 #include "offload/interop.hpp"
@@ -66,18 +66,3 @@ void cl_callback_rng(cl_event event, cl_int status, void* interop, std::shared_p
 void tell_zerlin(const sycl::event& event, void* interop, std::shared_ptr<void> generator);
 
 } // namespace kestro::hvl::rng::detail::openmp
-
-/// The event's native OpenCL event, retained for the caller; null for an event of another backend.
-KESTRO_HVL_API cl_event hvl_vs_omp_get_native(sycl::event event);
-
-extern "C" {
-
-/// Tells the OpenMP runtime that the work of `interop` is complete. Returns 0, or the error of the lookup of its
-/// completion function.
-KESTRO_HVL_API int hvl_vs_omp_l0_callback_completed(void* interop);
-
-/// The same as a callback of an OpenCL event, which it releases; when the lookup fails the event stays retained.
-/// How the event's command ended does not matter here.
-KESTRO_HVL_API void CL_CALLBACK hvl_vs_omp_cl_callback_completed(cl_event event, cl_int status,
-                                                                 void* interop);
-}

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <type_traits>
 
+#include "engines/mrg32k3a.hpp"
 #include "framework/engine_impl.hpp"
 
 /// Implementation objects for a GPU queue, made and destroyed by hand.
@@ -33,13 +35,42 @@ engine_base_impl<Engine>* create_engine(const sycl::queue& queue, engine_base_im
   return new_engine<Engine>(queue, other);
 }
 
+/// In a mode, for the engine that has modes.
+template <class Engine>
+requires std::is_same_v<Engine, mrg32k3a> engine_base_impl<Engine>
+*create_engine(const sycl::queue& queue, std::uint64_t seed, const mrg32k3a_any_mode& mode) {
+  std::unique_ptr<engine_base_impl<Engine>> engine(create_engine<Engine>(queue, seed));
+  set_mode(engine->stream(), mode);
+  return engine.release();
+}
+
+template <class Engine>
+requires std::is_same_v<Engine, mrg32k3a> engine_base_impl<Engine>
+*create_engine(const sycl::queue& queue, std::int64_t count, const std::uint32_t* words,
+               const mrg32k3a_any_mode& mode) {
+  std::unique_ptr<engine_base_impl<Engine>> engine(create_engine<Engine>(queue, count, words));
+  set_mode(engine->stream(), mode);
+  return engine.release();
+}
+
+/// A copy of a stream of the host-side interface. It gives the one sequence, as that interface does, whatever mode the
+/// stream's state was saved in. No stream when the copy fails.
+template <class Engine>
+stream_handle copy_of_host_stream(vqs_stream stream) {
+  vqs_stream handle = nullptr;
+  if (vqsCopyStream_64(&handle, stream) != VQS_STATUS_OK)
+    return stream_handle();
+  const stream_handle copy(handle);
+  if constexpr (std::is_same_v<Engine, mrg32k3a>)
+    set_mode(copy, mrg32k3a_mode::standard());
+  return copy;
+}
+
 /// Around a copy of a stream. Unlike in the other forms a failure of the copy is not looked at: the object then
 /// has no stream, and may only be asked for that and deleted.
 template <class Engine>
 engine_base_impl<Engine>* create_engine(const sycl::queue& queue, void* stream) {
-  vqs_stream copy = nullptr;
-  static_cast<void>(vqsCopyStream_64(&copy, stream));
-  return new_engine<Engine>(queue, copy == nullptr ? stream_handle() : stream_handle(copy));
+  return new_engine<Engine>(queue, copy_of_host_stream<Engine>(stream));
 }
 
 template <class Engine>

@@ -81,15 +81,10 @@ class generator_impl final : public generator<Distribution> {
  private:
   static std::unique_ptr<engine_base_impl<Engine>> engine_impl_of(const sycl::queue& queue,
                                                                   vqs_stream stream) {
-    if (device_type_of(queue.get_device(), "generate") == device_type::cpu) {
-      vqs_stream copy = nullptr;
-      check_stream_status(vqsCopyStream_64(&copy, stream), "engine initialization", "initialization failure");
-      return make_engine_impl<Engine>(queue, stream_handle(copy));
-    }
-    std::unique_ptr<engine_base_impl<Engine>> impl(gpu::create_engine<Engine>(queue, stream));
-    if (impl->stream().get() == nullptr)
+    stream_handle copy = gpu::copy_of_host_stream<Engine>(stream);
+    if (copy.get() == nullptr)
       throw computation_error("rng", "engine initialization", "initialization failure");
-    return impl;
+    return make_engine_impl<Engine>(queue, std::move(copy));
   }
 
   Engine engine_;

@@ -2,8 +2,7 @@
 
 #include <cstdint>
 
-#include <kestro/hvl/detail/export.hpp>
-#include <sycl/sycl.hpp>
+#include <kestro/hvl/interop.hpp>
 
 /// What the bridge learns from an OpenMP interop object.
 namespace kestro::hvl::rng::detail::openmp {
@@ -21,8 +20,3 @@ sycl::queue queue_of(void* interop);
 bool hvl_tgt_ocl_use_usm();
 
 } // namespace kestro::hvl::rng::detail::openmp
-
-/// The queue for the native handles of an interop object. `status` becomes 0; or -2 for an object without a
-/// foreign runtime, -1 for an unknown one, -4 when no queue can be made of the handles, and the result is then a
-/// queue on the default device.
-KESTRO_HVL_API sycl::queue hvl_vs_omp_get_openmp_queue(void* interop, int& status);

@@ -1,10 +1,9 @@
-#include "service/destructors.hpp"
-
 #include <cstdint>
 #include <cstdlib>
 #include <new>
 
 #include <hvl/core.h>
+#include <kestro/hvl/interop.h>
 
 namespace {
 

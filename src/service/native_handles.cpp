@@ -6,8 +6,8 @@
 
 #include <hvl/omp_interop.h>
 #include <kestro/hvl/exceptions.hpp>
+#include <kestro/hvl/interop.h>
 
-#include "service/destructors.hpp"
 #include "service/handle_cache.hpp"
 #include "service/native_objects.hpp"
 #include "service/omp_runtime.hpp"

@@ -6,7 +6,7 @@
 
 /// The process-wide caches from native handles to SYCL objects: the same handles always give the same object,
 /// so that memory and queues made on it stay compatible. References hold until the library's clean-up
-/// (service/destructors.hpp). The native objects belong to the caller and must live as long. What the SYCL
+/// (kestro/hvl/interop.h). The native objects belong to the caller and must live as long. What the SYCL
 /// runtime throws when an object cannot be made passes through; a later call tries again.
 namespace kestro::hvl::gpu {
 

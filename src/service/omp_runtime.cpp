@@ -31,6 +31,8 @@ std::intptr_t hvl_omp_get_interop_int(void* interop, int property, int* ret_code
   return function(interop, property, ret_code);
 }
 
-void* hvl_omp_load_lib() { return dlopen("libhvl_omp.so.0", RTLD_NOW | RTLD_LOCAL); }
+void* hvl_omp_load_lib() {
+  return dlopen("libhvl_omp.so.0", RTLD_NOW | RTLD_LOCAL);
+}
 
 } // namespace kestro::hvl::gpu

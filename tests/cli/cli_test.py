@@ -7,22 +7,10 @@ import re
 import select
 import struct
 import subprocess
-import sys
 import tempfile
 import unittest
 
-PROGRAM = sys.argv.pop(1)
-USAGE, DEVICE, OUTPUT, UNSUPPORTED = 2, 3, 4, 5
-
-
-def run(*arguments, **options):
-    return subprocess.run([PROGRAM, *arguments], capture_output=True, check=False, timeout=300, **options)
-
-
-def raw(*arguments):
-    done = run("generate", "-f", "raw", *arguments)
-    assert done.returncode == 0 and not done.stderr, done
-    return done.stdout
+from program import DEVICE, OUTPUT, PROGRAM, UNSUPPORTED, USAGE, raw, run
 
 
 class Numbers(unittest.TestCase):
@@ -30,7 +18,7 @@ class Numbers(unittest.TestCase):
         # philox4x32-10 of key 0 and counter 0, as its authors publish it
         expected = struct.pack("<4I", 0x6627E8D5, 0xE169C58D, 0xBC57AC4C, 0x9B00DBD8)
         self.assertEqual(raw("-s", "0", "-d", "uniform_bits", "-n", "4"), expected)
-        self.assertEqual(raw("-s", "0,0,0", "-d", "uniform_bits", "-n", "4"), expected)
+        self.assertEqual(raw("-s", "0x0", "-d", "uniform_bits", "-n", "4"), expected)
         self.assertEqual(raw("-s", "0", "-d", "uniform_bits", "-n", "2", "--skip", "2"), expected[8:])
 
     def test_is_the_same_on_every_device_across_chunks(self):
@@ -75,8 +63,28 @@ class Numbers(unittest.TestCase):
             self.assertEqual(len(data) - 10 - length, 1000 * value_bytes)
 
     def test_counts(self):
-        for count, numbers in (("0", 0), ("1", 1), ("2k", 2000), ("1M", 1000000)):
+        for count, numbers in (("0", 0), ("1", 1), ("2k", 2000), ("5K", 5000), ("1M", 1000000), ("1e6", 1000000)):
             self.assertEqual(len(raw("-n", count)), 4 * numbers)
+
+
+    def test_seeds_have_64_bits(self):
+        largest = str(2**64 - 1)
+        self.assertEqual(raw("-n", "4", "-s", largest), raw("-n", "4", "-s", hex(2**64 - 1)))
+        self.assertNotEqual(raw("-n", "4", "-s", largest), raw("-n", "4", "-s", str(2**32 - 1)))
+
+    def test_a_list_that_devices_take_differently_is_warned_of(self):
+        done = run("generate", "-n", "4", "-f", "raw", "-d", "uniform_bits", "-s", "0,0,0")
+        self.assertEqual(done.stdout, raw("-n", "4", "-d", "uniform_bits", "-s", "0"))
+        self.assertRegex(done.stderr.decode(), "^hvl-rng: warning: --seed 0,0,0: philox4x32x10 .*\n$")
+        self.assertEqual(raw("-n", "4", "-e", "mt19937", "-s", "1,2"),
+                         raw("-n", "4", "-e", "mt19937", "-s", "1,2", "--device", "gpu"))
+
+    def test_integers_are_exact_unless_told_otherwise(self):
+        wide = ("-n", "1k", "-t", "int32", "--a", "0", "--b", str(2**31 - 1))
+        self.assertEqual(raw(*wide), raw(*wide, "-m", "accurate"))
+        self.assertTrue(any(value % 2 for value in struct.unpack("<1000i", raw(*wide))))
+        self.assertFalse(any(value % 2 for value in struct.unpack("<1000i", raw(*wide, "-m", "standard"))))
+        self.assertEqual(raw("-n", "1k"), raw("-n", "1k", "-m", "standard"))
 
 
 class Pipes(unittest.TestCase):
@@ -128,7 +136,13 @@ class Refusals(unittest.TestCase):
                 ("--engine", "-n", "1", "-e", "nothing"), ("--distribution", "-n", "1", "-d", "nothing"),
                 ("--type", "-n", "1", "-t", "half"), ("--method", "-n", "1", "-m", "fast"),
                 ("--format", "-n", "1", "-f", "csv"), ("--format npy", "--forever", "-f", "npy"),
-                ("--seed", "-n", "1", "-s", "x"), ("--seed", "-n", "1", "-e", "mcg59", "-s", "1,2"),
+                *(("--seed " + (seed or "''"), "-n", "1", "-s", seed)
+                  for seed in ("x", "-1", "", "010", " 1", "+1", "1,", "1,,2", "1e6", "0x", str(2**64))),
+                ("--seed", "-n", "1", "-s", "1", "--seed", "2"), ("--count", "-n", "1", "-n", "2"),
+                *(("--count " + (count or "''"), "-n", count)
+                  for count in ("", "010", "0x10", " 1", "1e", "1e06", "1e20", "5kk", "k", "1.5", str(2**64))),
+                ("--output", "-n", "1", "-o", ""), ("--skip -1", "-n", "1", "--skip", "-1"), ("--skip 010", "-n", "1", "--skip", "010"),
+                ("--seed", "-n", "1", "-e", "mcg59", "-s", "1,2"),
                 ("--seed", "-n", "1", "-e", "mcg31m1", "-s", "4294967296"),
                 ("--beta", "-n", "1", "--beta", "2"), ("--a one", "-n", "1", "--a", "one"),
                 ("--a 1.5", "-n", "1", "-t", "int32", "--a", "1.5"), ("--b 1e99", "-n", "1", "--b", "1e99"),
@@ -137,6 +151,13 @@ class Refusals(unittest.TestCase):
                 ("--mean nan", "-n", "1", "-d", "gaussian", "--mean", "nan"),
                 ("--a 2 --b 1", "-n", "1", "--a", "2", "--b", "1"), ("--nothing", "-n", "1", "--nothing")):
             self.assert_refused(USAGE, named.replace("--format npy", "npy"), *arguments)
+
+    def test_an_unknown_verb_is_named(self):
+        for arguments in (["frobnicate"], ["frobnicate", "-n", "1"], ["--frobnicate"], ["list", "frobnicate"]):
+            done = run(*arguments)
+            self.assertEqual((done.returncode, done.stdout), (USAGE, b""), arguments)
+            self.assertIn(b"frobnicate", done.stderr, arguments)
+        self.assertIn(b"generate, plot, devices, list, trace-summary", run("frobnicate").stderr)
 
     def test_devices_outputs_and_pairs_have_their_own_status(self):
         self.assert_refused(DEVICE, "--device", "-n", "1", "--device", "fpga")
@@ -173,9 +194,11 @@ class Lists(unittest.TestCase):
             if line[2] != " ":
                 name = line.split()[0]
             else:
-                variants.append(["-d", name, *line.split("*")[-1].split()])
+                variants.append(["-d", name, *re.split("[*+]", line)[-1].split()])
         self.assertEqual(len(set(names)), len(names))
         self.assertEqual(sum("*" in line for line in lines), len(names), "one default each")
+        self.assertIn(["-d", "uniform", "--type", "int32", "--method", "accurate", "--a", "0", "--b", str(2**31 - 1)],
+                      variants)
         for variant in variants:
             self.assertEqual(raw("-n", "101", *variant), raw("-n", "101", *variant, "--device", "gpu"), variant)
         for engine in engines:
@@ -208,12 +231,20 @@ class TraceSummary(unittest.TestCase):
 
     def test_tells_what_it_cannot_read(self):
         call = self.CALL.format(form="USM", n=5, r="", host="nan", device="nan", gpu="")
-        done = self.summarise(call + call.replace("n = 5", "n = five"))
-        self.assertEqual(done.returncode, 0)
-        self.assertIn(b"1 trace lines were not understood", done.stderr)
-        self.assertRegex(done.stdout.decode(), r"1 +5 +- +-\n$")
+        wrong = (("n = 5", "n = five"), ("n = 5", "n = -5"), ("n = 5", "n = 12345678901234567890123"),
+                 ("n = 5", f"n = {2**64 - 1}"), ("kestro::hvl::rng::mcg59", ""), ("gaussian", "g" * 200_000),
+                 ("USM call", "USM"), ("host:nan", "host:10,71ms"), ("host:nan", "host:1.5"), ("host:nan", "host:inf"),
+                 ("host:nan", "host:" + "9" * 400 + "s"), ("device:nan", ""), ("nan\n", "nan GPU\n"),
+                 ("nan\n", "nan more\n"), ("HVL", "text before it HVL"), (" host:nan device:nan", ""))
+        for found, put in wrong:
+            done = self.summarise(call + call.replace(found, put))
+            self.assertEqual(done.returncode, 0, put[:50])
+            self.assertIn(b"1 trace lines were not understood", done.stderr, put[:50])
+            self.assertRegex(done.stdout.decode(), r"1 +5 +- +-\n$")
         self.assertEqual(self.summarise("nothing here\n").returncode, 1)
-        self.assertEqual(run("trace-summary", "/no/such/file").returncode, USAGE)
+        for name, reason in (("/no/such/file", "No such file or directory"), ("/", "Is a directory")):
+            done = run("trace-summary", name)
+            self.assertEqual((done.returncode, done.stderr.decode()), (USAGE, f"hvl-rng: {name}: {reason}\n"))
 
 
 if __name__ == "__main__":

@@ -4,18 +4,14 @@ import os
 import pathlib
 import re
 import struct
-import subprocess
 import sys
 import tempfile
 import unittest
 from xml.etree import ElementTree
 
-PROGRAM, GALLERY = sys.argv.pop(1), pathlib.Path(sys.argv.pop(1))
-FAILED, USAGE, DEVICE, OUTPUT, UNSUPPORTED = 1, 2, 3, 4, 5
+from program import DEVICE, FAILED, OUTPUT, UNSUPPORTED, USAGE, run
 
-
-def run(*arguments, **options):
-    return subprocess.run([PROGRAM, *arguments], capture_output=True, check=False, timeout=300, **options)
+GALLERY = pathlib.Path(sys.argv.pop(1))
 
 
 def run_with_gnuplot(body, *arguments):

@@ -112,6 +112,14 @@ TEST(uniform_test, integers_cover_their_interval_and_nothing_else) {
          usm_values(uniform<int, uniform_method::accurate>(lowest, highest), engine, queue, 20000))
       sum += value;
     EXPECT_LT(std::abs(sum / 20000), 5 * 1.24e9 / 141);
+    // float knows neither end; and a word that it scales to 9
+    for (const int value : usm_values(uniform<int>(16777217, 16777218), engine, queue, 1000))
+      ASSERT_EQ(value, 16777217);
+    philox4x32x10 before_the_end(queue, 12345);
+    before_the_end.skip_ahead(20180005);
+    philox4x32x10 again = before_the_end;
+    EXPECT_EQ(usm_values(uniform<float>(1, 9), again, queue, 1)[0], 9);
+    EXPECT_EQ(usm_values(uniform<int>(1, 9), before_the_end, queue, 1)[0], 8);
   });
 }
 

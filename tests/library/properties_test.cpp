@@ -1,4 +1,8 @@
 // What holds for every engine, so that a new one inherits it.
+#include <hvl/streams.h>
+
+#include <map>
+
 #include "support.hpp"
 
 namespace kestro::hvl::rng::test {
@@ -98,7 +102,9 @@ TYPED_TEST(properties_test, a_saved_state_continues_on_any_device) {
 }
 
 TYPED_TEST(properties_test, leapfrog_takes_every_stride_th_value) {
-  if constexpr (std::is_same_v<TypeParam, mcg31m1> || std::is_same_v<TypeParam, mcg59>) {
+  if constexpr (!leapfrogs<TypeParam>) {
+    GTEST_SKIP() << "has no leapfrog";
+  } else {
     on_every_device([](sycl::queue& queue) {
       TypeParam whole(queue, 31);
       usm_values(bits<>(), whole, queue, 3);
@@ -118,7 +124,9 @@ TYPED_TEST(properties_test, leapfrog_takes_every_stride_th_value) {
 }
 
 TYPED_TEST(properties_test, skips_beyond_64_bits_wrap_like_steps) {
-  if constexpr (std::is_same_v<TypeParam, philox4x32x10> || std::is_same_v<TypeParam, mrg32k3a>) {
+  if constexpr (!skips_by_words<TypeParam>) {
+    GTEST_SKIP() << "skips by one word only";
+  } else {
     on_every_device([](sycl::queue& queue) {
       TypeParam one(queue, 8), two = one;
       one.skip_ahead({5, 3});
@@ -130,6 +138,20 @@ TYPED_TEST(properties_test, skips_beyond_64_bits_wrap_like_steps) {
       expect_same(usm_values(bits<>(), one, queue, 40), usm_values(bits<>(), two, queue, 40));
     });
   }
+}
+
+// What the class offers is what the stream library offers for the engine.
+TYPED_TEST(properties_test, leapfrog_is_offered_where_the_streams_have_it) {
+  const std::string name = engine_names::GetName<TypeParam>(0);
+  const std::map<std::string, std::int32_t> identifiers = {
+#define HVL_STREAMS_ENGINE(name, id) {#name, id},
+#include <engines.def>
+#undef HVL_STREAMS_ENGINE
+  };
+  vqs_stream stream = nullptr;
+  ASSERT_EQ(vqsNewStream_64(&stream, identifiers.at(name), 1), VQS_STATUS_OK);
+  EXPECT_EQ(vqsLeapfrogStream_64(stream, 0, 2) == VQS_STATUS_OK, leapfrogs<TypeParam>);
+  vqsDeleteStream_64(&stream);
 }
 
 } // namespace

@@ -55,6 +55,51 @@ TEST(substreams_test, both_devices_agree_in_every_mode) {
               usm_values(uniform<float>(), optimal, gpu, 90000));
 }
 
+// 50 calls that each launched every substream would take as many times ten seconds.
+TEST(substreams_test, substreams_without_a_value_cost_nothing) {
+  on_every_device([](sycl::queue& queue) {
+    mrg32k3a engine(queue, 21, mrg32k3a_mode::custom{0xFFFFFFFF});
+    for (std::uint32_t i = 0; i < 50; ++i)
+      ASSERT_NEAR(usm_values(uniform<double>(0, 4294967088.0), engine, queue, 1)[0],
+                  substream(queue, i, 1)[0], 1e-3);
+  });
+}
+
+TEST(substreams_test, saved_states_keep_mode_and_place) {
+  using two_steps = gaussian<double, gaussian_method::box_muller>;
+  on_every_device([](sycl::queue& queue) {
+    const auto check = [&](mrg32k3a engine, std::int64_t before) {
+      usm_values(uniform<double>(), engine, queue, before);
+      usm_values(two_steps(), engine, queue, 1); // its row takes two steps
+      std::vector<unsigned char> state(static_cast<std::size_t>(get_state_size(engine)));
+      save_state(engine, state.data());
+      for (device_case& other : devices()) {
+        mrg32k3a original = engine, loaded = load_state<mrg32k3a>(other.queue, state.data());
+        for (const std::int64_t n : {3, 0, 100'000})
+          expect_same(usm_values(uniform<double>(), loaded, other.queue, n),
+                      usm_values(uniform<double>(), original, queue, n));
+        expect_same(usm_values(two_steps(), loaded, other.queue, 9),
+                    usm_values(two_steps(), original, queue, 9));
+      }
+    };
+    check(mrg32k3a(queue, 21, mrg32k3a_mode::optimal{}), 100);
+    check(mrg32k3a(queue, 21, mrg32k3a_mode::custom{streams}), 10);
+    check(mrg32k3a(queue, 21, mrg32k3a_mode::custom{1}), 10);
+    check(mrg32k3a(queue, 21), 10);
+  });
+}
+
+TEST(substreams_test, a_call_for_nothing_changes_nothing) {
+  on_every_device([](sycl::queue& queue) {
+    mrg32k3a engine(queue, 21, mrg32k3a_mode::custom{streams}), untouched = engine;
+    usm_values(uniform<float>(), engine, queue, 1);
+    usm_values(uniform<float>(), untouched, queue, 1);
+    usm_values(gaussian<float, gaussian_method::box_muller>(), engine, queue, 0);
+    expect_same(usm_values(uniform<float>(), engine, queue, 20),
+                usm_values(uniform<float>(), untouched, queue, 20));
+  });
+}
+
 TEST(substreams_test, other_distributions_are_refused_before_anything_is_submitted) {
   on_every_device([](sycl::queue& queue) {
     mrg32k3a engine(queue, 7, mrg32k3a_mode::optimal{}), untouched = engine;

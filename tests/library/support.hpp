@@ -103,18 +103,6 @@ void expect_same(const std::vector<T>& actual, const std::vector<T>& expected) {
         << "value " << i << " is " << actual[i] << ", not " << expected[i];
 }
 
-/// Calls `visit` with a default-constructed object of every distribution.
-template <class Visit>
-void for_each_distribution(Visit visit) {
-#define KESTRO_HVL_DISTRIBUTION(family, ...)                                                                 \
-  {                                                                                                          \
-    SCOPED_TRACE(#__VA_ARGS__);                                                                              \
-    visit(__VA_ARGS__());                                                                                    \
-  }
-#include <kestro/hvl/rng/detail/distributions.def>
-#undef KESTRO_HVL_DISTRIBUTION
-}
-
 template <class None, class... Engines>
 struct engine_types {
   using type = ::testing::Types<Engines...>;
@@ -125,6 +113,16 @@ using all_engines = engine_types<void
 #include <kestro/hvl/rng/detail/engines.def>
                                  >::type;
 #undef KESTRO_HVL_ENGINE
+
+/// What not every engine has.
+template <class Engine>
+concept leapfrogs = requires(Engine engine) {
+  engine.leapfrog(std::uint64_t{}, std::uint64_t{});
+};
+template <class Engine>
+concept skips_by_words = requires(Engine engine) {
+  engine.skip_ahead({std::uint64_t{}, std::uint64_t{}});
+};
 
 /// Names the instances of a typed suite.
 struct engine_names {

@@ -101,6 +101,26 @@ TEST(create_engine, makes_gpu_implementations_from_seeds_words_engines_and_strea
   }
 }
 
+TEST(create_engine, makes_mrg32k3a_in_its_modes_from_seeds_and_words) {
+  const sycl::queue queue(sycl::gpu_selector_v);
+  const std::uint32_t words[] = {1, 2, 3, 4, 5, 6};
+  for (const mrg32k3a_any_mode mode :
+       {mrg32k3a_any_mode(mrg32k3a_mode::optimal()), mrg32k3a_any_mode(mrg32k3a_mode::custom{5})}) {
+    std::unique_ptr<engine_base_impl<mrg32k3a>> seeded(gpu::create_engine<mrg32k3a>(queue, 7, mode));
+    std::unique_ptr<engine_base_impl<mrg32k3a>> listed(gpu::create_engine<mrg32k3a>(queue, 6, words, mode));
+    const auto expected = std::visit(mrg32k3a_substreams(), mode);
+    EXPECT_EQ(seeded->stream().record<vqs_mrg32k3a_record>().substreams, expected);
+    EXPECT_EQ(listed->stream().record<vqs_mrg32k3a_record>().substreams, expected);
+    EXPECT_EQ(listed->stream().record<vqs_mrg32k3a_record>().x1, 2u);
+
+    // What comes out of a stream of the host-side interface is the one sequence.
+    std::unique_ptr<engine_base_impl<mrg32k3a>> from_stream(
+        gpu::create_engine<mrg32k3a>(queue, listed->stream().get()));
+    EXPECT_EQ(from_stream->stream().record<vqs_mrg32k3a_record>().substreams, 0u);
+    EXPECT_EQ(from_stream->stream().record<vqs_mrg32k3a_record>().x1, 2u);
+  }
+}
+
 TEST(create_engine, does_not_look_at_a_failed_copy_of_a_stream) {
   const sycl::queue queue(sycl::gpu_selector_v);
   std::uint64_t stranger[16] = {};

@@ -1,7 +1,6 @@
 // The registry of clean-up functions, to the end of processes.
-#include "service/destructors.hpp"
-
 #include <hvl/core.h>
+#include <kestro/hvl/interop.h>
 
 #include <gmock/gmock.h>
 

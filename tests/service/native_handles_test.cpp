@@ -1,9 +1,9 @@
 // The caches over real native objects: the emulated GPU's and those of an OpenCL implementation.
-#include "service/destructors.hpp"
 #include "service/native_handles.hpp"
 
 #include <hvl/omp_interop.h>
 #include <kestro/hvl/exceptions.hpp>
+#include <kestro/hvl/interop.h>
 #include <sycl/backend/opencl.hpp>
 #include <sycl/backend/zerlin.hpp>
 

@@ -1,6 +1,7 @@
 // A small program that a test traces from outside. Numbers and caught exceptions go to standard error.
 #include <kestro/hvl/rng.hpp>
 
+#include <clocale>
 #include <cstdio>
 #include <locale>
 #include <string>
@@ -121,6 +122,8 @@ int main(int count, char** words) {
       refused_calls(make_queue(device));
     else if (verb == "grouped-digits")
       std::locale::global(std::locale(std::locale(), new grouped_digits));
+    else if (verb == "own-locale") // the one of the environment, as many programs choose
+      std::setlocale(LC_ALL, "");
     else if (verb == "threads")
       calls_of_threads();
     else

@@ -1,4 +1,6 @@
 // Whole traces of whole programs; only times, pointers and this machine's facts are masked.
+#include "comma_locale.hpp"
+
 #include <gmock/gmock.h>
 
 #include <cstdio>
@@ -143,6 +145,16 @@ TEST(Trace, HasNoLineForACallThatThrows) {
 TEST(Trace, WritesCountsInPlainDigitsWhateverTheLocale) {
   EXPECT_EQ(run("HVL_VERBOSE=1", "grouped-digits buffer").output,
             header + gpus + buffer_line("host:nan device:nan GPU0"));
+}
+
+// A probe that could not have the locale would write the same numbers with a point.
+TEST(Trace, WritesTimesWithAPointWhateverTheLocale) {
+  const comma_locale comma;
+  const std::string environment =
+      "HVL_VERBOSE=2 LOCPATH=" + comma.folder().string() + " LC_ALL=" + comma.name();
+  const outcome traced = run(environment, "own-locale gpu usm");
+  EXPECT_EQ(traced.output, header + gpus + usm_line("host:TIME device:TIME GPU0"));
+  EXPECT_THAT(traced.errors, HasSubstr(","));
 }
 
 TEST(Trace, GoesToTheFile) {

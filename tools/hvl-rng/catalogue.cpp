@@ -71,15 +71,25 @@ Engine make_from_list(const sycl::queue& queue, const std::vector<std::uint64_t>
   return make_from_list<Engine, Word>(queue, seed, std::make_index_sequence<Words>());
 }
 
+// The library takes a list of 64-bit seeds as twice as many words of 32 bits.
+void warn_of_halves(const std::vector<std::uint64_t>& seed, const char* engine) {
+  fmt::print(
+      stderr,
+      "hvl-rng: warning: --seed {}: {} on a CPU device takes the first half of such a list, on others all "
+      "of it; their numbers differ\n",
+      fmt::join(seed, ","), engine);
+}
+
 template <class Engine>
 Engine make_engine(const sycl::queue& queue, const std::vector<std::uint64_t>& seed, const char* name) {
   if (seed.size() > max_seed_words)
     throw failure(exit_status::usage, fmt::format("--seed: at most {} words", max_seed_words));
   if (seed.size() > 1) {
     require_words_fit(seed, takes_list_of<Engine, std::uint64_t>, name);
-    if constexpr (takes_list_of<Engine, std::uint64_t>)
+    if constexpr (takes_list_of<Engine, std::uint64_t>) {
+      warn_of_halves(seed, name);
       return make_from_list<Engine, std::uint64_t>(queue, seed);
-    else if constexpr (takes_list_of<Engine, std::uint32_t>)
+    } else if constexpr (takes_list_of<Engine, std::uint32_t>)
       return make_from_list<Engine, std::uint32_t>(queue, seed);
     else
       throw failure(exit_status::usage, fmt::format("--seed: {} takes one word", name));

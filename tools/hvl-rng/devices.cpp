@@ -38,14 +38,15 @@ sycl::queue make_queue(const std::string& device) {
 
 void list_devices() {
   namespace info = sycl::info;
-  fmt::print("{:>2}  {:<11}  {:>5}  {:>10}  {:<24}  {}\n", "", "kind", "units", "group size", "platform",
-             "name");
+  constexpr const char* row = "{:>2}  {:<11}  {:>5}  {:>10}  {:<24}  {}\n";
+  std::string text = fmt::format(row, "", "kind", "units", "group size", "platform", "name");
   std::size_t number = 0;
   for (const sycl::device& device : sycl::device::get_devices())
-    fmt::print("{:>2}  {:<11}  {:>5}  {:>10}  {:<24}  {}\n", number++, kind_of(device),
-               device.get_info<info::device::max_compute_units>(),
-               device.get_info<info::device::max_work_group_size>(),
-               device.get_platform().get_info<info::platform::name>(), device.get_info<info::device::name>());
+    text += fmt::format(row, number++, kind_of(device), device.get_info<info::device::max_compute_units>(),
+                        device.get_info<info::device::max_work_group_size>(),
+                        device.get_platform().get_info<info::platform::name>(),
+                        device.get_info<info::device::name>());
+  write_output("", text);
 }
 
 } // namespace hvl_rng

@@ -5,6 +5,7 @@
 #include <kestro/hvl/rng.hpp>
 
 #include <tuple>
+#include <type_traits>
 
 namespace hvl_rng {
 
@@ -41,8 +42,12 @@ struct method_traits {
 };
 
 template <class T, class M>
-struct distribution_traits<rng::uniform<T, M>> : method_traits<rng::uniform<T, M>, rng::uniform<T>> {
+struct distribution_traits<rng::uniform<T, M>> {
   using type = rng::uniform<T, M>;
+  // The library's default, but for integers: there the standard method computes in float, in steps above 2^24.
+  static constexpr bool is_default_method =
+      std::is_same_v<M, std::conditional_t<std::is_integral_v<T>, rng::uniform_method::accurate,
+                                           rng::uniform_method::standard>>;
   static constexpr std::tuple parameters{parameter{"a", &type::a}, parameter{"b", &type::b}};
 };
 

@@ -61,19 +61,23 @@ class pipeline {
 void generate_numbers(const generate_options& options) {
   if (options.forever && options.format == output_format::npy)
     throw failure(exit_status::usage, "--forever: the npy format needs --count");
-
   const distribution_entry& distribution =
       find_distribution(options.distribution, options.type, options.method);
-  sycl::queue queue = make_queue(options.device);
-  const std::unique_ptr<source> numbers = make_source(queue, find_engine(options.engine), options.seed,
-                                                      options.skip, distribution, options.parameters);
+  const engine_entry& engine = find_engine(options.engine);
 
-  // A pair that is not offered is refused here, before the output exists.
-  numbers->fill(usm_memory(distribution.value_bytes, queue).get(), 0).wait();
-
+  // Before anything that prints: numbers and traces never share a stream.
   destination to(options.output);
   if (to.is_terminal() && options.format != output_format::text)
     throw failure(exit_status::usage, "--format: standard output is a terminal; use --output or a pipe");
+  if (options.forever && to.is_beside())
+    throw failure(exit_status::usage, "--forever: no file holds so many; use --count or a pipe");
+
+  sycl::queue queue = make_queue(options.device);
+  const std::unique_ptr<source> numbers =
+      make_source(queue, engine, options.seed, options.skip, distribution, options.parameters);
+  // A pair that is not offered is refused here, before the first byte of output.
+  numbers->fill(usm_memory(distribution.value_bytes, queue).get(), 0).wait();
+
   try {
     const auto writer = make_writer(to, options.format, distribution.type, options.count);
     progress bar(::isatty(STDERR_FILENO) == 1 && !to.is_terminal(), options.forever ? 0 : options.count);

@@ -2,27 +2,45 @@
 
 #include <fmt/format.h>
 
+#include <iterator>
+
 namespace hvl_rng {
 
+namespace {
+
+std::string spell(const std::vector<parameter_entry>& parameters) {
+  std::string text;
+  for (const parameter_entry& one : parameters)
+    text += fmt::format(" --{} {}", one.name, one.default_value);
+  return text;
+}
+
+} // namespace
+
 void list_catalogue() {
-  fmt::print("engines\n");
+  std::string text = "engines\n";
+  const auto to = std::back_inserter(text);
   for (const engine_entry& engine : engines())
-    fmt::print("  {:<16}{}{}\n", engine.name, engine.takes_seed_list ? "seed list  " : "           ",
-               engine.takes_skip ? "skip" : "");
-  fmt::print("\ndistributions (* where --type and --method say nothing)\n");
-  std::string before;
+    fmt::format_to(to, "  {:<16}{}{}\n", engine.name, engine.takes_seed_list ? "seed list  " : "           ",
+                   engine.takes_skip ? "skip" : "");
+  text += "\ndistributions (* where --type and --method say nothing, + where --method does)\n";
+  std::string name, defaults;
   for (const distribution_entry& one : distributions()) {
-    if (one.name != before) {
-      fmt::print("  {}", one.name);
-      for (const parameter_entry& parameter : one.parameters)
-        fmt::print(" --{} {}", parameter.name, parameter.default_value);
-      fmt::print("\n");
-      before = one.name;
+    const std::string own_defaults = spell(one.parameters);
+    if (one.name != name) {
+      name = one.name;
+      defaults = own_defaults;
+      fmt::format_to(to, "  {}{}\n", name, defaults);
     }
-    const bool chosen = find_distribution(one.name, "", "").index == one.index;
-    fmt::print("    {} --type {}{}{}\n", chosen ? "*" : " ", one.type_name,
-               one.method.empty() ? "" : " --method ", one.method);
+    const bool is_default = find_distribution(name, "", "").index == one.index;
+    fmt::format_to(to, "    {} --type {}{}{}{}\n",
+                   is_default              ? "*"
+                   : one.is_default_method ? "+"
+                                           : " ",
+                   one.type_name, one.method.empty() ? "" : " --method ", one.method,
+                   own_defaults == defaults ? "" : own_defaults);
   }
+  write_output("", text);
 }
 
 } // namespace hvl_rng

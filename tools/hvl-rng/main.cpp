@@ -1,15 +1,17 @@
+#include "command_numbers.hpp"
 #include "failure.hpp"
+#include "on_signal.hpp"
 #include "verbs.hpp"
 
 #include <kestro/hvl/exceptions.hpp>
 
 #include <CLI/CLI.hpp>
-#include <fmt/format.h>
+#include <fmt/ranges.h>
 
-#include <charconv>
 #include <csignal>
-#include <functional>
+#include <iostream>
 #include <set>
+#include <sstream>
 
 namespace {
 
@@ -18,23 +20,6 @@ using namespace hvl_rng;
 constexpr const char* footer =
     "Exit status: 0 done (also when the reader of a pipe closed it), 1 failed, 2 wrong usage, 3 device,\n"
     "4 output could not be written, 5 the engine does not offer the distribution.";
-
-// A plain integer, or one with the suffix k, M, G or T: thousands, millions, ...
-std::uint64_t read_count(const std::string& text) {
-  constexpr std::string_view suffixes = "kMGT";
-  std::uint64_t count = 0;
-  const char* const last = text.data() + text.size();
-  const auto [end, error] = std::from_chars(text.data(), last, count);
-  std::uint64_t scale = 1;
-  if (end + 1 == last && suffixes.find(*end) != suffixes.npos)
-    for (std::size_t power = 0; power <= suffixes.find(*end); ++power)
-      scale *= 1000;
-  std::uint64_t product = 0;
-  if (error != std::errc() || (end != last && scale == 1) || __builtin_mul_overflow(count, scale, &product))
-    throw failure(exit_status::usage,
-                  fmt::format("--count {}: not a number such as 1000, 500k, 20M or 3G", text));
-  return product;
-}
 
 void add_parameters(CLI::App& verb, parameter_values& values) {
   std::set<std::string> names;
@@ -55,43 +40,57 @@ output_format format_of(const std::string& name) {
 
 // What the command line says in a form of its own.
 struct raw_options {
-  std::string count;
+  std::string count, seed = "1", skip = "0";
   std::string format = "text";
 };
 
-void add_source(CLI::App& verb, source_options& options) {
-  verb.add_option("-e,--engine", options.engine, "the engine")->capture_default_str();
-  verb.add_option("-s,--seed", options.seed, "one seed, or several words separated by commas")
-      ->delimiter(',')
-      ->capture_default_str();
-  verb.add_option("--skip", options.skip, "outputs of the engine to skip first")->capture_default_str();
-  verb.add_option("-d,--distribution", options.distribution, "the distribution")->capture_default_str();
-  verb.add_option("-t,--type", options.type,
-                  "float, double, int32, uint32 or uint64, as the distribution offers");
-  verb.add_option("-m,--method", options.method, "the distribution's method");
-  verb.add_option("--device", options.device, "cpu, gpu, or a number of hvl-rng devices")
-      ->capture_default_str();
+void read_source(const raw_options& given, source_options& options) {
+  options.seed = read_seed(given.seed);
+  options.skip = read_count("--skip", given.skip);
+}
+
+CLI::Option* add_text(CLI::App& verb, const char* names, std::string& value, const char* kind,
+                      const char* help) {
+  return verb.add_option(names, value, help)->type_name(kind)->capture_default_str();
+}
+
+void add_source(CLI::App& verb, source_options& options, raw_options& given) {
+  add_text(verb, "-e,--engine", options.engine, "NAME", "the engine");
+  add_text(verb, "-s,--seed", given.seed, "SEED", "one seed, or several words separated by commas");
+  add_text(verb, "--skip", given.skip, "N", "outputs of the engine to skip first");
+  add_text(verb, "-d,--distribution", options.distribution, "NAME", "the distribution");
+  add_text(verb, "-t,--type", options.type, "NAME",
+           "float, double, int32, uint32 or uint64, as the distribution offers");
+  add_text(verb, "-m,--method", options.method, "NAME",
+           "the distribution's method; the library's default, but accurate for integers");
+  add_text(verb, "--device", options.device, "DEVICE", "cpu, gpu, or a number of hvl-rng devices");
   add_parameters(verb, options.parameters);
 }
 
-constexpr const char* count_help = "how many numbers; 500k, 20M, 3G are understood";
+// An empty name is a slip, such as a shell variable that nobody has set.
+void add_output(CLI::App& verb, source_options& options, const char* help) {
+  add_text(verb, "-o,--output", options.output, "FILE", help)->check([](const std::string& name) {
+    return name.empty() ? "a name is needed" : "";
+  });
+}
+
+constexpr const char* count_help = "how many numbers; 1e6, 500k, 20M, 3G are understood";
 
 void add_generate(CLI::App& app, generate_options& options, raw_options& given) {
   CLI::App* verb = app.add_subcommand("generate", "Write random numbers to a file or a pipe");
-  auto* count_option = verb->add_option("-n,--count", given.count, count_help);
+  auto* count_option = add_text(*verb, "-n,--count", given.count, "N", count_help);
   auto* forever = verb->add_flag("--forever", options.forever, "go on until the reader closes");
   count_option->excludes(forever);
-  add_source(*verb, options);
-  verb->add_option("-f,--format", given.format, "raw, text (one a line) or npy")
-      ->check(CLI::IsMember({"raw", "text", "npy"}))
-      ->type_name("")
-      ->capture_default_str();
-  verb->add_option("-o,--output", options.output, "a file; standard output otherwise");
-  verb->callback([&options, &given] {
-    if (given.count.empty() && !options.forever)
+  add_source(*verb, options, given);
+  add_text(*verb, "-f,--format", given.format, "", "raw, text (one a line) or npy")
+      ->check(CLI::IsMember({"raw", "text", "npy"}));
+  add_output(*verb, options, "a file; standard output otherwise");
+  verb->callback([&options, &given, count_option] {
+    if (count_option->empty() && !options.forever)
       throw failure(exit_status::usage, "--count or --forever is needed");
     if (!options.forever)
-      options.count = read_count(given.count);
+      options.count = read_count("--count", given.count);
+    read_source(given, options);
     options.format = format_of(given.format);
     generate_numbers(options);
   });
@@ -101,13 +100,26 @@ void add_plot(CLI::App& app, source_options& options, raw_options& given) {
   CLI::App* verb =
       app.add_subcommand("plot", "Draw a histogram of random numbers and the exact density (needs gnuplot)");
   given.count = "1M";
-  verb->add_option("-n,--count", given.count, count_help)->capture_default_str();
-  add_source(*verb, options);
-  verb->add_option("-o,--output", options.output, "a file, .svg or .png; text to standard output otherwise");
+  add_text(*verb, "-n,--count", given.count, "N", count_help);
+  add_source(*verb, options, given);
+  add_output(*verb, options, "a file, .svg or .png; text to standard output otherwise");
   verb->callback([&options, &given] {
-    options.count = read_count(given.count);
+    options.count = read_count("--count", given.count);
+    read_source(given, options);
     plot_numbers(options);
   });
+}
+
+// CLI11 would only say that a verb is missing.
+void require_known_verb(const CLI::App& app) {
+  const std::vector<std::string> unknown = app.remaining();
+  if (!app.get_subcommands().empty() || unknown.empty())
+    return;
+  std::vector<std::string> verbs;
+  for (const CLI::App* verb : app.get_subcommands([](const CLI::App*) { return true; }))
+    verbs.push_back(verb->get_name());
+  throw failure(exit_status::usage,
+                fmt::format("{}: not one of {}", unknown.front(), fmt::join(verbs, ", ")));
 }
 
 int run(int count, char** words) {
@@ -127,13 +139,18 @@ int run(int count, char** words) {
   CLI::App* summary =
       app.add_subcommand("trace-summary", "Sum the calls of a trace by engine and distribution");
   summary->add_option("FILE", trace, "trace lines, as HVL_VERBOSE_OUTPUT_FILE collects them; - reads a pipe")
+      ->type_name("")
       ->required();
   summary->callback([&trace] { summarise_trace(trace); });
 
   try {
     app.parse(count, words);
   } catch (const CLI::ParseError& stopped) {
-    return app.exit(stopped) == 0 ? 0 : static_cast<int>(exit_status::usage);
+    require_known_verb(app);
+    std::ostringstream asked_for;
+    if (app.exit(stopped, asked_for, std::cerr) != 0)
+      return static_cast<int>(exit_status::usage);
+    write_output("", asked_for.str());
   }
   return 0;
 }
@@ -146,8 +163,10 @@ int report(exit_status status, const char* message) {
 } // namespace
 
 int main(int count, char** words) {
-  // A closed pipe is then an error of write(2), which ends the work in order.
+  // A closed pipe and a file that is too large are then errors of write(2), which end the work in order.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  tidy_up_on_signals();
   try {
     return run(count, words);
   } catch (const failure& stopped) {

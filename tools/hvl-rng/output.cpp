@@ -1,33 +1,13 @@
 #include "output.hpp"
 
-#include "failure.hpp"
-
 #include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
 #include <iterator>
-#include <unistd.h>
-#include <utility>
 
 namespace hvl_rng {
 namespace {
-
-[[noreturn]] void fail(const std::string& name, int reason) {
-  throw failure(exit_status::output, fmt::format("--output {}: {}", name, std::strerror(reason)));
-}
-
-int open_output(const std::string& name) {
-  if (name.empty() || name == "-")
-    return STDOUT_FILENO;
-  const int descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (descriptor < 0)
-    fail(name, errno);
-  return descriptor;
-}
 
 template <class T>
 class raw_writer final : public value_writer {
@@ -99,39 +79,6 @@ std::unique_ptr<value_writer> make_typed_writer(destination& to, output_format f
 }
 
 } // namespace
-
-destination::destination(const std::string& name)
-    : name_(name.empty() || name == "-" ? "standard output" : name), descriptor_(open_output(name)) {}
-
-destination::~destination() {
-  if (descriptor_ > STDERR_FILENO)
-    ::close(descriptor_);
-}
-
-bool destination::is_terminal() const {
-  return ::isatty(descriptor_) == 1;
-}
-
-void destination::write(const void* bytes, std::size_t count) {
-  const char* next = static_cast<const char*>(bytes);
-  while (count != 0) {
-    const ssize_t written = ::write(descriptor_, next, count);
-    if (written >= 0) {
-      next += written;
-      count -= static_cast<std::size_t>(written);
-    } else if (errno == EPIPE) {
-      throw closed_pipe();
-    } else if (errno != EINTR) {
-      fail(name_, errno);
-    }
-  }
-}
-
-void destination::close() {
-  const int descriptor = std::exchange(descriptor_, -1);
-  if (::close(descriptor) != 0)
-    fail(name_, errno);
-}
 
 std::unique_ptr<value_writer> make_writer(destination& to, output_format format, value_type type,
                                           std::uint64_t count) {

@@ -151,12 +151,12 @@ void plot_numbers(const source_options& options) {
   const distribution_entry& distribution =
       find_distribution(options.distribution, options.type, options.method);
   const exact_law law = find_law(distribution, options.parameters);
-  const std::vector<bar> bars = make_histogram(draw_sample(options, distribution), law);
 
-  // The output is opened when the picture is complete: an old one survives a failure.
+  // Before anything that prints: the picture and traces never share a stream.
+  destination to(options.output);
+  const std::vector<bar> bars = make_histogram(draw_sample(options, distribution), law);
   const std::string picture = run_gnuplot(script_of(terminal, title_of(options, distribution), bars, law));
   try {
-    destination to(options.output);
     to.write(picture.data(), picture.size());
     to.close();
   } catch (const closed_pipe&) {

@@ -1,5 +1,7 @@
 #include "progress.hpp"
 
+#include "on_signal.hpp"
+
 #include <fmt/format.h>
 
 #include <cstdio>
@@ -12,8 +14,10 @@ progress::progress(bool shown, std::uint64_t total) : shown_(shown), total_(tota
 
 progress::~progress() {
   constexpr const char* erase_line = "\r\033[K";
-  if (drawn_)
-    fmt::print(stderr, "{}", erase_line);
+  if (!drawn_)
+    return;
+  end_line_on_signal(false);
+  fmt::print(stderr, "{}", erase_line);
 }
 
 void progress::update(std::uint64_t done) {
@@ -22,6 +26,7 @@ void progress::update(std::uint64_t done) {
     return;
   next_ = now + 100ms;
   drawn_ = true;
+  end_line_on_signal(true);
   const double millions_a_second =
       static_cast<double>(done) * 1e-6 / std::chrono::duration<double>(now - start_).count();
   if (total_ == 0) {

@@ -1,5 +1,7 @@
 #include "line.hpp"
 
+#include "c_locale.hpp"
+
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -44,7 +46,10 @@ int write_text(FILE* file, const char* format, std::va_list arguments) noexcept 
   if (file == nullptr || format == nullptr)
     return HVL_SERV_BAD_ARGUMENT;
   char* formatted = nullptr;
-  const int length = ::vasprintf(&formatted, format, arguments);
+  const int length = [&] {
+    const c_locale_scope scope;
+    return ::vasprintf(&formatted, format, arguments);
+  }();
   if (length < 0)
     return HVL_SERV_BAD_ARGUMENT;
   const std::unique_ptr<char, free_memory> text(formatted);

@@ -1,6 +1,8 @@
 // Bounded texts: appending to a buffer, reading the environment.
 #include <hvl/core.h>
 
+#include "c_locale.hpp"
+
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -10,6 +12,7 @@
 int hvl_serv_sprintf_char_s(char** cursor, size_t* room, const char* format, ...) {
   if (cursor == nullptr || *cursor == nullptr || room == nullptr || format == nullptr)
     return HVL_SERV_BAD_ARGUMENT;
+  const hvl::core::c_locale_scope scope;
   std::va_list arguments;
   va_start(arguments, format);
   const int length = std::vsnprintf(*cursor, *room + 1, format, arguments);

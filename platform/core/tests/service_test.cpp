@@ -1,11 +1,14 @@
 // What one process can see of the core service.
 #include <hvl/core.h>
 
+#include "comma_locale.hpp"
+
 #include <gmock/gmock.h>
 
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <locale.h>
 #include <string>
 #include <thread>
 #include <vector>
@@ -32,6 +35,29 @@ TEST(BoundedText, CutsAtTheRoomAndKeepsCursorAndRoomInStep) {
   EXPECT_EQ(std::string(buffer + 8, 2), "##");
   EXPECT_EQ(hvl_serv_sprintf_char_s(nullptr, &room, "x"), HVL_SERV_BAD_ARGUMENT);
   EXPECT_EQ(hvl_serv_sprintf_char_s(&cursor, nullptr, "x"), HVL_SERV_BAD_ARGUMENT);
+}
+
+TEST(Print, IsTheSameInEveryLocaleAndLeavesItAlone) {
+  const comma_locale comma;
+  ::setenv("LOCPATH", comma.folder().c_str(), 1);
+  const locale_t locale = ::newlocale(LC_ALL_MASK, comma.name(), nullptr);
+  ASSERT_NE(locale, nullptr);
+  const locale_t before = ::uselocale(locale);
+  char own[8], buffer[16];
+  std::snprintf(own, sizeof own, "%.1f", 1.5);
+  char* cursor = buffer;
+  std::size_t room = sizeof buffer - 1;
+  hvl_serv_sprintf_char_s(&cursor, &room, "%.2fms", 10.71);
+  CaptureStdout();
+  hvl_serv_print_text(HVL_SERV_PRINT_PLAIN, "%.1f", 2.5);
+  hvl_serv_fprintf_s(stdout, "%.1f", 3.5);
+  const std::string printed = GetCapturedStdout();
+  EXPECT_EQ(::uselocale(before), locale);
+  ::freelocale(locale);
+  ::unsetenv("LOCPATH");
+  EXPECT_STREQ(own, "1,5") << "the test's locale writes no comma";
+  EXPECT_STREQ(buffer, "10.71ms");
+  EXPECT_EQ(printed, "2.53.5");
 }
 
 TEST(Getenv, ReportsTheWholeLengthAndAlwaysTerminates) {

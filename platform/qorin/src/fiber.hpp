@@ -10,7 +10,7 @@ namespace sycl::detail {
 
 /// Reusable: when `body` has ended, the next resume runs it from its beginning on the same stack.
 class fiber {
-public:
+ public:
   /// Thrown by `suspend` when the fiber is destroyed while its body is suspended. The body lets it pass.
   struct unwound {};
 
@@ -26,7 +26,7 @@ public:
   void suspend();
   bool ended() const noexcept { return ended_; }
 
-private:
+ private:
   static void enter(boost::context::detail::transfer_t from);
   void run_bodies();
   void switch_inside();

@@ -185,7 +185,11 @@ void generate(const engine& e, const kernel_set& kernels, void* record, std::uin
         {i == 0 ? record : later[i - 1], std::min(values_per_part, n - first), bytes + first * t.value_bytes},
         t, streaming);
   });
-  std::memcpy(record, later[parts - 2], record_bytes(record));
+  // The first field is all that moves. The others another thread may read meanwhile.
+  const record_field& position = e.fields.front();
+  std::memcpy(static_cast<std::byte*>(record) + position.offset_bytes,
+              static_cast<const std::byte*>(later[parts - 2]) + position.offset_bytes,
+              std::size_t{position.word_bytes} * position.words);
 }
 
 } // namespace hvl::streams

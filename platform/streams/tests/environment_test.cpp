@@ -1,12 +1,14 @@
 // The numbers do not depend on the caller's floating-point environment, which is the caller's again afterwards. The
 // program is its own probe: given the name of an environment it prints checksums of numbers made in it, from the first
-// call of its process on.
+// call of its process on; given one argument more, after threads were started in it.
 #include <immintrin.h>
+#include <oneapi/tbb/parallel_for.h>
 
 #include <cfenv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 #include "continuous_members.hpp"
 
@@ -60,9 +62,14 @@ void print_uniform(std::int32_t engine, std::size_t n, auto function, Bound a, B
     });
 }
 
+// What the caller did before with the threads that long calls share: they keep the environment of that.
+void start_threads() {
+  tbb::parallel_for(0, 1000, [](int) { std::this_thread::yield(); });
+}
+
 void print_all() {
   for (const engine_entry& e : engines) {
-    // long enough for several threads, which inherit the environment of the first call
+    // long enough for several threads
     print_uniform<float>(e.id, 300'000, vsRngUniform_64, -1.0f / 3, 1.0f);
     print_uniform<double>(e.id, 3001, vdRngUniform_64, -1.0 / 3, 1.0);
     print_uniform<float>(e.id, 3001, vsRngUniform_64, 1e-40f, 3e-40f);
@@ -95,6 +102,7 @@ TEST(float_environment, changes_no_number_and_is_restored) {
       const std::string named = "HVL_ISA=" + std::string(hvl_serv_isa_name(isa)) + " " + program;
       if (hvl_serv_isa_supported(isa)) {
         EXPECT_EQ(output_of_probe(named, environment), expected);
+        EXPECT_EQ(output_of_probe(named, environment + " with-threads"), expected);
       }
     }
   }
@@ -106,8 +114,10 @@ TEST(float_environment, changes_no_number_and_is_restored) {
 int main(int count, char** arguments) {
   using namespace hvl::streams::test;
   for (const char* environment : environments) {
-    if (count == 2 && std::strcmp(arguments[1], environment) == 0) {
+    if (count >= 2 && std::strcmp(arguments[1], environment) == 0) {
       enter(environment);
+      if (count == 3)
+        start_threads();
       print_all();
       return ::testing::Test::HasFailure() ? 1 : 0;
     }

@@ -1,9 +1,6 @@
-// The continuous distributions against their exact distribution functions. Streams are fixed, so a verdict never
-// changes from run to run; each comparison would fail by chance, over all seeds, with probability `alarm` at most, and
-// there are fewer than 1300 of them: 1.3e-5 in all. Each test of fit is shown to reject the same values with a scale
-// that is 1 % too great.
+// The continuous distributions against their exact distribution functions: fit, moments and tails. Each test of fit is
+// shown to reject the same values with a scale that is 1 % too great.
 #include <boost/math/distributions/cauchy.hpp>
-#include <boost/math/distributions/chi_squared.hpp>
 #include <boost/math/distributions/exponential.hpp>
 #include <boost/math/distributions/extreme_value.hpp>
 #include <boost/math/distributions/laplace.hpp>
@@ -19,13 +16,12 @@
 #include <optional>
 
 #include "continuous_members.hpp"
+#include "fit.hpp"
 
 namespace hvl::streams::test {
 namespace {
 
 namespace bm = boost::math;
-
-constexpr double alarm = 1e-8;
 
 // location + scale X, with what is known of X.
 struct exact_distribution {
@@ -82,6 +78,9 @@ class equal_bins {
       edges_.push_back(quantile(static_cast<double>(i) / static_cast<double>(bins)));
   }
   std::size_t count() const { return edges_.size() + 1; }
+  std::vector<double> expected(std::size_t n) const {
+    return std::vector<double>(count(), static_cast<double>(n) / static_cast<double>(count()));
+  }
   std::size_t operator()(double x) const {
     return static_cast<std::size_t>(std::upper_bound(edges_.begin(), edges_.end(), x) - edges_.begin());
   }
@@ -89,18 +88,6 @@ class equal_bins {
  private:
   std::vector<double> edges_;
 };
-
-double chi_square(const std::vector<std::uint64_t>& counts, std::size_t n) {
-  const double expected = static_cast<double>(n) / static_cast<double>(counts.size());
-  double sum = 0;
-  for (const std::uint64_t c : counts)
-    sum += (static_cast<double>(c) - expected) * (static_cast<double>(c) - expected) / expected;
-  return sum;
-}
-
-double critical_chi_square(std::size_t bins) {
-  return bm::quantile(bm::complement(bm::chi_squared(static_cast<double>(bins - 1)), alarm));
-}
 
 template <class T>
 std::vector<double> standardised(std::int32_t engine, const member<T>& m, std::size_t n) {
@@ -117,11 +104,12 @@ double fit(const std::vector<double>& x, const equal_bins& bins, double factor) 
   std::vector<std::uint64_t> counts(bins.count());
   for (const double v : x)
     ++counts[bins(v * factor)];
-  return chi_square(counts, x.size());
+  return chi_square(counts, bins.expected(x.size()));
 }
 
 // No count outside the range that a Poisson variable keeps.
 void expect_tail(std::uint64_t count, double expected, const char* what) {
+  comparisons::count();
   const bm::poisson p(expected);
   EXPECT_GE(static_cast<double>(count), std::floor(bm::quantile(p, alarm / 2))) << what;
   EXPECT_LE(static_cast<double>(count), std::ceil(bm::quantile(bm::complement(p, alarm / 2)))) << what;
@@ -135,7 +123,9 @@ void check_moments(const std::vector<double>& x, const exact_distribution::momen
   for (const double v : x)
     variance += (v - m.mean) * (v - m.mean) / n;
   const double deviations = bm::quantile(bm::complement(bm::normal(), alarm / 2));
+  comparisons::count();
   EXPECT_NEAR(mean, m.mean, deviations * std::sqrt(m.variance / n));
+  comparisons::count();
   EXPECT_NEAR(variance, m.variance, deviations * m.variance * std::sqrt((m.kurtosis_excess + 2) / n));
 }
 
@@ -145,7 +135,7 @@ void check_fit(std::int32_t engine, const member<T>& m, std::size_t n) {
   const exact_distribution& e = exact(m.name);
   const equal_bins bins(e.quantile, 128);
   const std::vector<double> x = standardised(engine, m, n);
-  EXPECT_LT(fit(x, bins, 1), critical_chi_square(bins.count()));
+  expect_fit(fit(x, bins, 1), bins.count());
   if (e.finite_moments)
     check_moments(x, *e.finite_moments);
   for (const double p : {1e-4, 1e-5}) {
@@ -214,11 +204,13 @@ TEST(normal, values_of_a_pair_are_independent) {
                             std::sqrt(1 - correlation * correlation) * static_cast<double>(values[2 * i + 1]);
       ++counts[bins(first) * bins.count() + bins(second)];
     }
-    return chi_square(counts, pairs);
+    const std::vector<double> expected(counts.size(),
+                                       static_cast<double>(pairs) / static_cast<double>(counts.size()));
+    return chi_square(counts, expected);
   };
-  const double critical = critical_chi_square(bins.count() * bins.count());
-  EXPECT_LT(on_grid(0), critical);
-  EXPECT_GT(on_grid(0.02), critical) << "dependence passes";
+  const std::size_t cells = bins.count() * bins.count();
+  expect_fit(on_grid(0), cells);
+  EXPECT_GT(on_grid(0.02), critical_chi_square(cells)) << "dependence passes";
 }
 
 HVL_STREAMS_FOR_EACH_ENGINE(statistics);

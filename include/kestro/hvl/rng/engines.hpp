@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <vector>
 
 #include "detail/engine_base.hpp"
 
@@ -11,6 +12,9 @@ namespace kestro::hvl::rng {
 /// neither a CPU nor a GPU throws `unsupported_device`. One engine must not be used from two threads at once;
 /// two engines are independent. Work in flight is safe: an engine may be copied, skipped, used again or
 /// destroyed before the events of its earlier calls have completed, and its calls take effect in call order.
+///
+/// Every engine can be seeded from a `std::vector` of 32-bit words, which is the way to seed from run-time data (a rank,
+/// a job's number, the entropy of a device): every word is read, and the engine is the same on every device.
 
 /// Counter-based engine of J. K. Salmon et al., "Parallel random numbers: as easy as 1, 2, 3" (SC 2011): ten
 /// rounds over a 128-bit counter under a 64-bit key; period 2^130 words. Skipping costs the same for any
@@ -20,9 +24,13 @@ class KESTRO_HVL_API philox4x32x10 : public detail::engine_base<philox4x32x10> {
   /// The seed is the key: k0 its low, k1 its high word; the counter starts at 0.
   philox4x32x10(sycl::queue queue, std::uint64_t seed);
 
-  /// The list is read as 32-bit words, low word of each element first, that fill k0, k1, c0, c1, c2, c3 in
-  /// order; missing words are 0, further ones are ignored. A CPU device reads only as many words as the list
-  /// has elements, a GPU device all of them.
+  /// The words fill k0, k1, c0, c1, c2, c3 in order; missing words are 0, further ones are ignored.
+  philox4x32x10(sycl::queue queue, const std::vector<std::uint32_t>& words);
+
+  /// NOT THE SAME ON EVERY DEVICE: prefer the constructor above. The list is read as 32-bit words, low word of each
+  /// element first, but a CPU device takes only as many of them as the list has elements, that is half, where a GPU
+  /// device takes all. So `{42, rank}` gives every rank the same numbers on a CPU device; `{seed}` has a key of 32 bits
+  /// there.
   philox4x32x10(sycl::queue queue, std::initializer_list<std::uint64_t> seed);
 
   /// Advances by `num_to_skip` 32-bit words. Constant cost.
@@ -61,8 +69,11 @@ class KESTRO_HVL_API mrg32k3a : public detail::engine_base<mrg32k3a> {
   mrg32k3a(sycl::queue queue, std::uint32_t seed, mrg32k3a_mode::optimal mode);
   mrg32k3a(sycl::queue queue, std::uint32_t seed, mrg32k3a_mode::custom mode);
 
-  /// The words are x0, x1, x2 modulo m1 = 2^32 - 209, then y0, y1, y2 modulo m2 = 2^32 - 22853. Missing words
+  /// The state itself: the words are x0, x1, x2 modulo m1 = 2^32 - 209, then y0, y1, y2 modulo m2 = 2^32 - 22853. Missing words
   /// are 1, further ones are ignored; a component of three zeros gets a first word of 1.
+  mrg32k3a(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  mrg32k3a(sycl::queue queue, const std::vector<std::uint32_t>& words, mrg32k3a_mode::optimal mode);
+  mrg32k3a(sycl::queue queue, const std::vector<std::uint32_t>& words, mrg32k3a_mode::custom mode);
   mrg32k3a(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
   mrg32k3a(sycl::queue queue, std::initializer_list<std::uint32_t> seed, mrg32k3a_mode::optimal mode);
   mrg32k3a(sycl::queue queue, std::initializer_list<std::uint32_t> seed, mrg32k3a_mode::custom mode);
@@ -82,6 +93,11 @@ class KESTRO_HVL_API mcg31m1 : public detail::engine_base<mcg31m1> {
   /// The first value is z modulo (2^31 - 2), plus 1, with z the first output of SplitMix64 started at the seed.
   mcg31m1(sycl::queue queue, std::uint32_t seed);
 
+  /// The state itself: the first value is words[0] + 2^32 words[1] modulo 2^31 - 1, where 0 becomes 1. Missing words are
+  /// 0, further ones are ignored.
+  mcg31m1(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  mcg31m1(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
+
   /// Advances by `num_to_skip` values. Cost grows with the logarithm of the distance.
   void skip_ahead(std::uint64_t num_to_skip);
 
@@ -94,6 +110,13 @@ class KESTRO_HVL_API mcg59 : public detail::engine_base<mcg59> {
  public:
   /// The first value is z modulo 2^59 with its lowest bit set, z the first output of SplitMix64 started at the seed.
   mcg59(sycl::queue queue, std::uint64_t seed);
+
+  /// The state itself: the first value is words[0] + 2^32 words[1] modulo 2^59, where 0 becomes 1. Missing words are 0,
+  /// further ones are ignored.
+  mcg59(sycl::queue queue, const std::vector<std::uint32_t>& words);
+
+  /// The same from the first element, on every device; further elements are ignored.
+  mcg59(sycl::queue queue, std::initializer_list<std::uint64_t> seed);
 
   /// As `mcg31m1::skip_ahead`.
   void skip_ahead(std::uint64_t num_to_skip);
@@ -109,7 +132,8 @@ class KESTRO_HVL_API mt19937 : public detail::engine_base<mt19937> {
   /// The authors' `init_genrand`.
   mt19937(sycl::queue queue, std::uint32_t seed);
 
-  /// The authors' `init_by_array`.
+  /// The authors' `init_by_array`; without any word, `init_genrand` of 5489.
+  mt19937(sycl::queue queue, const std::vector<std::uint32_t>& words);
   mt19937(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
 
   /// Advances by `num_to_skip` words. Far skips cost a jump polynomial, that is, some milliseconds at most.

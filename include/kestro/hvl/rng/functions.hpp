@@ -53,21 +53,22 @@ template <class Engine>
 KESTRO_HVL_API std::int64_t get_state_size(Engine& engine);
 
 /// Writes the state, as it stands after all earlier calls on `engine`, to `mem`: at least
-/// get_state_size(engine) bytes. The bytes are the same on every machine. Throws `computation_error`; the
-/// engine is unchanged.
+/// get_state_size(engine) bytes. The bytes are the same on every machine; a mode of `mrg32k3a` and the place in it are
+/// among them. Throws `computation_error`; the engine is unchanged.
 template <class Engine>
 KESTRO_HVL_API void save_state(Engine& engine, unsigned char* mem);
 
-/// As above to a file, which is written whole or not at all.
+/// As above to a file, which is written whole or not at all; symbolic links are followed. The exception names the file
+/// and the reason.
 template <class Engine>
 KESTRO_HVL_API void save_state(Engine& engine, const std::string& filename);
 
 /// A new engine on `queue` that continues where the saved one stood. A damaged, truncated or foreign state is
-/// refused with `computation_error`.
+/// refused with `computation_error`, which says what is wrong.
 template <class Engine>
 KESTRO_HVL_API Engine load_state(const sycl::queue& queue, const unsigned char* mem);
 
-/// As above from a file.
+/// As above from a file, which the exception names.
 template <class Engine>
 KESTRO_HVL_API Engine load_state(const sycl::queue& queue, const std::string& filename);
 

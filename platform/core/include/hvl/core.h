@@ -53,7 +53,7 @@ HVL_CORE_API double hvl_serv_dsecnd(void);
    ------------------------------------------------------------------------------------ A formatted text is
    written whole, by one write(2) past the stream's buffer (which is flushed first): texts of several threads
    never interleave, and those of several processes appending to one file stay whole. Do not mix these calls
-   with seeking on the same stream. */
+   with seeking on the same stream. Numbers are formatted as in the C locale, whatever the program's. */
 
 /* As fopen, and the descriptor is not inherited by child programs. */
 HVL_CORE_API FILE* hvl_serv_fopen(const char* name, const char* mode);
