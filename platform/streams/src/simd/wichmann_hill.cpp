@@ -12,7 +12,7 @@ const hn::ScalableTag<std::uint64_t> d64;
 using vec32 = hn::Vec<decltype(d32)>;
 using vec64 = hn::Vec<decltype(d64)>;
 
-constexpr std::size_t in_flight = 4;
+constexpr std::size_t in_flight = 2;
 constexpr std::size_t lanes = hn::MaxLanes(hn::ScalableTag<std::uint32_t>());
 constexpr std::size_t granule = in_flight * lanes;
 
