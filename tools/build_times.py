@@ -1,14 +1,20 @@
 #!/usr/bin/env python3
-"""Prints, as Markdown, where the time of a build went: reads the log that Ninja keeps in a build tree.
+"""Prints, as a page of Markdown, where the time of a build went: reads the log that Ninja keeps in a build tree.
 
-Each line of the table is a part of the project: how many steps it took, the seconds that they ran (steps that ran side
-by side count each), its share of all, and its longest step. Only the last run of a step counts, so the tree should have
-been built once, from nothing.
+Only the last run of a step counts, so the tree should have been built once, from nothing.
 """
 import argparse
 import collections
+import os
 import pathlib
 import re
+
+HEAD = """\
+# Where build time goes
+
+Made by `./dev build-times`, which builds what `./dev demo` needs from nothing: {minutes}:{seconds:02} minutes on {cores} cores.
+Steps that run side by side count their seconds each.
+"""
 
 # The first pattern that a step's output matches names its part.
 PARTS = [
@@ -31,19 +37,20 @@ def part_of(output):
 
 
 def steps_of(log):
-    """The seconds of every step, by its first output; a step with several outputs counts once."""
+    """The seconds of every step, by its first output (a step with several outputs counts once), and those of the build."""
     last, seen = {}, set()
     for line in log.read_text().splitlines():
         if line.startswith("#"):
             continue
         start, end, _, output, command = line.split("\t")
         last[output] = ((int(end) - int(start)) / 1000, (start, end, command))
+    build = max((int(end) for _, (_, end, _) in last.values()), default=0) / 1000
     steps = {}
     for output, (seconds, identity) in last.items():
         if identity not in seen and not pathlib.PurePath(output).is_absolute():
             seen.add(identity)
             steps[output] = seconds
-    return steps
+    return steps, build
 
 
 def table(steps):
@@ -66,7 +73,9 @@ def main():
     log = parser.parse_args().tree / ".ninja_log"
     if not log.is_file():
         parser.error(f"{log} does not exist: the tree has not been built")
-    print(*table(steps_of(log)), sep="\n")
+    steps, build = steps_of(log)
+    print(HEAD.format(minutes=int(build) // 60, seconds=int(build) % 60, cores=os.cpu_count()))
+    print(*table(steps), sep="\n")
 
 
 if __name__ == "__main__":
