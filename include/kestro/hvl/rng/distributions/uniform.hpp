@@ -24,7 +24,7 @@ struct accurate {};
 /// Consumes one word per value, so a `double` takes at most 2^32 different values (mcg31m1: 2^31; mcg59: more).
 ///
 /// An integer is at least a and at most b - 1, whatever the method. A real value may be b: `uniform<float>(0, 1)` gives
-/// 1.0f for 191 of 2^32 words of philox4x32x10 and mt19937 and for about one in 2^25 of mcg31m1 and mcg59, by
+/// 1.0f for 191 of 2^32 words of philox4x32x10, ars5 and mt19937 and for about one in 2^25 of mcg31m1 and mcg59, by
 /// either method.
 /// Where that must not be, take `double`, which on [0, 1) stays below 1 (mcg59: but for one word in 2^54), or
 /// `uniform<float>(0, std::nextafter(1.0f, 0.0f))`, whose greatest value is its b.
@@ -52,8 +52,8 @@ class uniform {
 };
 
 /// Uniformly distributed bits: the engine's words, or two consecutive words for a 64-bit result, the first
-/// one low. `mcg59` gives the upper 32 of its 59 bits. `mrg32k3a` and `mcg31m1`, whose words are not uniform
-/// in all bits, are refused with `unimplemented`.
+/// one low. `mcg59` gives the upper 32 of its 59 bits. `mrg32k3a`, `mcg31m1` and `wichmann_hill`, whose words are not
+/// uniform in all bits, are refused with `unimplemented`.
 template <class UInt = std::uint32_t>
 class uniform_bits {
   static_assert(detail::is_one_of<UInt, std::uint32_t, std::uint64_t>,
