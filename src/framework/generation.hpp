@@ -6,6 +6,7 @@
 #include "framework/engine_impl.hpp"
 #include "framework/kernel_frame.hpp"
 #include "framework/output.hpp"
+#include "service/portability.hpp"
 
 namespace kestro::hvl::rng::detail {
 

@@ -4,9 +4,8 @@
 #include <type_traits>
 #include <vector>
 
+#include <kestro/hvl/exceptions.hpp>
 #include <sycl/sycl.hpp>
-
-#include "service/portability.hpp"
 
 /// Where a generation writes, in its two forms. `on_device` and `on_host` are called inside the command
 /// group: they declare its dependencies and return what kernels and host tasks index. A kernel may write elements of

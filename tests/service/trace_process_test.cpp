@@ -206,7 +206,6 @@ TEST(Trace, KeepsLinesWholeBetweenProcesses) {
   EXPECT_EQ(whole_lines(trace.text(), 3), 600);
 }
 
-#ifdef HVL_RNG_PROGRAM
 TEST(Trace, IsUnderstoodByTheProgramThatSumsIt) {
   const scratch_file trace("trace"), table("table");
   run("HVL_VERBOSE=2 HVL_VERBOSE_OUTPUT_FILE=" + trace.name(), "gpu usm usm buffer cpu buffer");
@@ -221,6 +220,5 @@ TEST(Trace, IsUnderstoodByTheProgramThatSumsIt) {
                                      "+TIME +TIME"));
   EXPECT_THAT(summed, Not(HasSubstr("not understood")));
 }
-#endif
 
 } // namespace
