@@ -16,6 +16,8 @@ PICTURES = (
     ("weibull", "Weibull", "-d weibull --alpha 2.5"),
     ("rayleigh", "Rayleigh: a + beta sqrt(-ln u), no factor 2 under the root", "-d rayleigh"),
     ("gumbel", "Gumbel: a + beta ln(-ln u), so the long tail is the left one", "-d gumbel"),
+    ("gamma", "Gamma", "-d gamma --alpha 2.5"),
+    ("geometric", "Geometric: how many trials fail before the first success", "-d geometric --p 0.2"),
     ("cauchy", "Cauchy; the plot leaves the tails out", "-d cauchy"),
 )
 

@@ -27,15 +27,19 @@ void register_engine(const std::string& engine, const std::string& device, const
 }
 
 // The distributions whose mathematics shows.
-void register_continuous(const std::string& device, const sycl::queue& queue) {
+void register_mathematics(const std::string& device, const sycl::queue& queue) {
   const std::string prefix = "generate/" + device + "/philox4x32x10/";
   register_pair<rng::gaussian<float>, rng::philox4x32x10>(prefix + "gaussian_float", queue, {});
   register_pair<rng::gaussian<double>, rng::philox4x32x10>(prefix + "gaussian_double", queue, {});
   register_pair<rng::exponential<float>, rng::philox4x32x10>(prefix + "exponential_float", queue, {});
+  // Shapes of at least 1 reject; one below takes a power too.
+  register_pair<rng::gamma<float>, rng::philox4x32x10>(prefix + "gamma_float_2.5", queue, {2.5f, 0.0f, 1.0f});
+  register_pair<rng::gamma<float>, rng::philox4x32x10>(prefix + "gamma_float_0.5", queue, {0.5f, 0.0f, 1.0f});
+  register_pair<rng::geometric<>, rng::philox4x32x10>(prefix + "geometric", queue, rng::geometric<>(0.1));
 }
 
 void register_device(const std::string& device, const sycl::queue& queue) {
-  register_continuous(device, queue);
+  register_mathematics(device, queue);
 #define KESTRO_HVL_ENGINE(name) register_engine<rng::name>(#name, device, queue);
 #include <kestro/hvl/rng/detail/engines.def>
 #undef KESTRO_HVL_ENGINE

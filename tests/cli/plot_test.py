@@ -42,6 +42,11 @@ def zero_below(end, cdf):
     return lambda x: cdf(x) if x > end else 0.0
 
 
+def erlang_cdf(shape, z):
+    """Of the sum of so many exponential variables."""
+    return 1 - math.fsum(math.exp(k * math.log(z) - z - math.lgamma(k + 1)) for k in range(shape))
+
+
 # Distribution functions by their textbook definitions; the program knows the densities only.
 CONTINUOUS = {
     "uniform --a -2 --b 3": lambda x: min(max((x + 2) / 5, 0), 1),
@@ -54,11 +59,16 @@ CONTINUOUS = {
     "weibull --alpha 0.5": zero_below(0, lambda x: 1 - math.exp(-math.sqrt(x))),
     "rayleigh --a 1 --beta 2": zero_below(1, lambda x: 1 - math.exp(-(((x - 1) / 2) ** 2))),
     "gumbel --a 1 --beta 2": lambda x: 1 - math.exp(-math.exp((x - 1) / 2)),
+    "gamma --alpha 3 --a -1 --beta 2": zero_below(-1, lambda x: erlang_cdf(3, (x + 1) / 2)),
+    "gamma --alpha 200": zero_below(0, lambda x: erlang_cdf(200, x)),
+    "gamma --alpha 1 --beta 3": zero_below(0, lambda x: 1 - math.exp(-x / 3)),
+    "gamma --alpha 0.5": zero_below(0, lambda x: math.erf(math.sqrt(x))),
     "cauchy --a 1 --b 2": lambda x: 0.5 + math.atan((x - 1) / 2) / math.pi,
 }
 INTEGER = {  # first and last value
     "uniform -t int32 --a -3 --b 9": (-3, 8),
     "uniform -t uint32 --a 7 --b 1010": (7, 1009),
+    "uniform -t int32 --a 2147483600 --b 2147483647": (2147483600, 2147483646),
     "uniform_bits": (0, 2**32 - 1),
     "uniform_bits -t uint64": (0, 2**64 - 1),
 }
@@ -111,6 +121,26 @@ class Pictures(unittest.TestCase):
                 if values < 80:
                     self.assertEqual(len(bars), values)
 
+    def test_geometric_numbers_lie_under_their_probability(self):
+        # Few integers, a bar for each, bars of several, and values that would exceed the largest integer.
+        for p, fewest_bars in ((1, 1), (0.9, 3), (0.5, 6), (0.05, 20), (1e-4, 50), (1e-9, 50), (1e-10, 7)):
+            with self.subTest(p=p):
+                _, bars, law = script("-n", str(self.COUNT), "-d", "geometric", "--p", str(p))
+                largest = 2**31 - 1
+                cdf = lambda k, p=p: 1 - (1 - p) ** (k + 1) if k < largest else 1
+                self.assertEqual(bars[0][0], -0.5 if p > 1e-10 else largest - 6.5)
+                self.assertGreaterEqual(len(bars), fewest_bars)
+                for low, high, height in bars:
+                    first, last = math.ceil(low), math.ceil(high) - 1
+                    share = cdf(last) - cdf(first - 1)
+                    slack = 6 * math.sqrt(share / self.COUNT) + 1e-5
+                    self.assertLess(abs(height * (high - low) - share), slack, (low, high))
+                for (low, high, _), (k, height) in zip(bars, law, strict=True):
+                    if high - low == 1:
+                        self.assertAlmostEqual(height, cdf(k) - cdf(k - 1), delta=1e-5)
+                    elif high < largest:
+                        self.assertAlmostEqual(height, p * (1 - p) ** k, delta=1e-5 * p)
+
     def test_a_heavy_tail_does_not_squeeze_the_rest(self):
         _, bars, _ = script("-d", "cauchy", "-n", "1M")
         self.assertTrue(8 < bars[-1][1] < 20 and -20 < bars[0][0] < -8, bars)
@@ -133,6 +163,12 @@ class Pictures(unittest.TestCase):
             self.assertEqual((data[:8], data[12:16]), (b"\x89PNG\r\n\x1a\n", b"IHDR"))
             self.assertEqual(struct.unpack(">2I", data[16:24]), (960, 600))
             self.assertEqual(data[-8:-4], b"IEND")
+
+    def test_the_title_tells_which_engine(self):
+        for named, *arguments in (("wichmann_hill, member 9, seed 1", "-e", "wichmann_hill", "--member", "9"),
+                                  ("mrg32k3a, mode custom:7, seed 1,2", "-e", "mrg32k3a", "--mode", "custom:7", "-s",
+                                   "1,2")):
+            self.assertIn(f"of {named}\"", script("-n", "1k", *arguments)[0])
 
     def test_without_a_file_it_draws_text(self):
         done = run("plot", "-d", "gaussian", "-n", "20k")

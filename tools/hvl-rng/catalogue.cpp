@@ -1,12 +1,13 @@
 #include "catalogue.hpp"
 
 #include "listed_types.hpp"
+#include "start_engine.hpp"
 
 #include <fmt/ranges.h>
+#include <hvl/engines.hpp>
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -14,8 +15,8 @@ namespace hvl_rng {
 namespace {
 
 // clang-format off
-#define KESTRO_HVL_ENGINE(name) #name,
-constexpr const char* engine_names[] = {
+#define KESTRO_HVL_ENGINE(name) ::hvl::engines::name::about,
+constexpr ::hvl::engines::facts engine_facts[] = {
 #include <kestro/hvl/rng/detail/engines.def>
 };
 #undef KESTRO_HVL_ENGINE
@@ -27,88 +28,10 @@ constexpr std::string_view distribution_spellings[] = {
 #undef KESTRO_HVL_DISTRIBUTION
 // clang-format on
 
-// ---- Engines
-
-template <class Engine, class Word>
-constexpr bool takes_list_of = std::is_constructible_v<Engine, sycl::queue, std::initializer_list<Word>>;
-
 template <class Engine>
-constexpr bool takes_list = takes_list_of<Engine, std::uint64_t> || takes_list_of<Engine, std::uint32_t>;
-
-template <class Engine>
-constexpr bool takes_skip = requires(Engine& engine) {
-  engine.skip_ahead(std::uint64_t{});
-};
-
-// Braces refuse narrowing, so this tells engines seeded by 64 bits from those seeded by 32.
-template <class Engine>
-constexpr bool takes_64_bits = requires(sycl::queue queue, std::uint64_t seed) {
-  Engine{queue, seed};
-};
-
-constexpr std::size_t max_seed_words = 8;
-
-void require_words_fit(const std::vector<std::uint64_t>& seed, bool fits_64_bits, const char* engine) {
-  constexpr std::uint64_t largest = std::numeric_limits<std::uint32_t>::max();
-  for (std::uint64_t word : seed)
-    if (!fits_64_bits && word > largest)
-      throw failure(exit_status::usage, fmt::format("--seed {}: the words of {} have 32 bits (at most {})",
-                                                    word, engine, largest));
-}
-
-template <class Engine, class Word, std::size_t... Index>
-Engine make_from_list(const sycl::queue& queue, const std::vector<std::uint64_t>& seed,
-                      std::index_sequence<Index...>) {
-  return Engine(queue, std::initializer_list<Word>{static_cast<Word>(seed[Index])...});
-}
-
-// An initializer list's length is fixed by the compiler: one call for each length.
-template <class Engine, class Word, std::size_t Words = 1>
-Engine make_from_list(const sycl::queue& queue, const std::vector<std::uint64_t>& seed) {
-  if constexpr (Words < max_seed_words)
-    if (seed.size() > Words)
-      return make_from_list<Engine, Word, Words + 1>(queue, seed);
-  return make_from_list<Engine, Word>(queue, seed, std::make_index_sequence<Words>());
-}
-
-// The library takes a list of 64-bit seeds as twice as many words of 32 bits.
-void warn_of_halves(const std::vector<std::uint64_t>& seed, const char* engine) {
-  fmt::print(
-      stderr,
-      "hvl-rng: warning: --seed {}: {} on a CPU device takes the first half of such a list, on others all "
-      "of it; their numbers differ\n",
-      fmt::join(seed, ","), engine);
-}
-
-template <class Engine>
-Engine make_engine(const sycl::queue& queue, const std::vector<std::uint64_t>& seed, const char* name) {
-  if (seed.size() > max_seed_words)
-    throw failure(exit_status::usage, fmt::format("--seed: at most {} words", max_seed_words));
-  if (seed.size() > 1) {
-    require_words_fit(seed, takes_list_of<Engine, std::uint64_t>, name);
-    if constexpr (takes_list_of<Engine, std::uint64_t>) {
-      warn_of_halves(seed, name);
-      return make_from_list<Engine, std::uint64_t>(queue, seed);
-    } else if constexpr (takes_list_of<Engine, std::uint32_t>)
-      return make_from_list<Engine, std::uint32_t>(queue, seed);
-    else
-      throw failure(exit_status::usage, fmt::format("--seed: {} takes one word", name));
-  }
-  require_words_fit(seed, takes_64_bits<Engine>, name);
-  if constexpr (takes_64_bits<Engine>)
-    return Engine(queue, seed.at(0));
-  else
-    return Engine(queue, static_cast<std::uint32_t>(seed.at(0)));
-}
-
-template <class Engine>
-void skip(Engine& engine, std::uint64_t count, const char* name) {
-  if (count == 0)
-    return;
-  if constexpr (takes_skip<Engine>)
-    engine.skip_ahead(count);
-  else
-    throw failure(exit_status::usage, fmt::format("--skip: {} cannot skip", name));
+engine_entry describe_engine(std::size_t index) {
+  const ::hvl::engines::facts& about = engine_facts[index];
+  return {about.name, about.has_uniform_bits, about.has_leapfrog, about.members, takes_mode<Engine>, index};
 }
 
 // ---- Distributions
@@ -165,8 +88,7 @@ class joined_source final : public source {
 struct source_order {
   const sycl::queue& queue;
   const engine_entry& engine;
-  const std::vector<std::uint64_t>& seed;
-  std::uint64_t skip;
+  const engine_start& start;
   const distribution_entry& distribution;
   const parameter_values& parameters;
 };
@@ -175,8 +97,9 @@ template <class Engine, class Distribution>
 std::unique_ptr<source> join(const source_order& order) {
   // The parameters first: they cost nothing to refuse.
   auto distribution = make_distribution<Distribution>(order.distribution.name, order.parameters);
-  auto engine = make_engine<Engine>(order.queue, order.seed, order.engine.name.c_str());
-  skip(engine, order.skip, order.engine.name.c_str());
+  auto engine = make_engine<Engine>(order.queue, order.engine.name.c_str(), order.start);
+  if (order.start.skip != 0)
+    engine.skip_ahead(order.start.skip);
   return std::make_unique<joined_source<Engine, Distribution>>(std::move(engine), std::move(distribution));
 }
 
@@ -194,9 +117,8 @@ constexpr auto all_joins(type_list<Engines...>) {
 
 template <class... Engines>
 std::vector<engine_entry> describe_engines(type_list<Engines...>) {
-  std::size_t index = 0;
   std::vector<engine_entry> entries;
-  ((entries.push_back({engine_names[index], takes_list<Engines>, takes_skip<Engines>, index}), ++index), ...);
+  (entries.push_back(describe_engine<Engines>(entries.size())), ...);
   return entries;
 }
 
@@ -270,6 +192,8 @@ const distribution_entry& find_distribution(const std::string& name, const std::
   auto found = keep(distributions(), "--distribution", name, [](const auto& one) { return one.name; });
   found = keep(found, "--type", type.empty() ? found.front().type_name : type,
                [](const auto& one) { return one.type_name; });
+  if (!method.empty() && found.size() == 1 && found.front().method.empty())
+    throw failure(exit_status::usage, fmt::format("--method {}: {} has no choice of methods", method, name));
   if (!method.empty())
     found = keep(found, "--method", method, [](const auto& one) { return one.method; });
   const auto best =
@@ -278,12 +202,11 @@ const distribution_entry& find_distribution(const std::string& name, const std::
 }
 
 std::unique_ptr<source> make_source(const sycl::queue& queue, const engine_entry& engine,
-                                    const std::vector<std::uint64_t>& seed, std::uint64_t skip,
-                                    const distribution_entry& distribution,
+                                    const engine_start& start, const distribution_entry& distribution,
                                     const parameter_values& parameters) {
   static constexpr auto joins = all_joins(engine_list());
   require_known(distribution, parameters);
-  return joins[engine.index][distribution.index]({queue, engine, seed, skip, distribution, parameters});
+  return joins[engine.index][distribution.index]({queue, engine, start, distribution, parameters});
 }
 
 } // namespace hvl_rng

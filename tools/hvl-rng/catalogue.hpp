@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,9 +34,19 @@ struct distribution_entry {
 
 struct engine_entry {
   std::string name;
-  bool takes_seed_list;
-  bool takes_skip;
+  bool has_uniform_bits;
+  bool has_leapfrog;
+  std::int32_t members; // 1 where there is no choice
+  bool has_modes;
   std::size_t index;
+};
+
+// How an engine begins.
+struct engine_start {
+  std::vector<std::uint64_t> seed = {1}; // several: the words of a list
+  std::uint64_t skip = 0;
+  std::optional<std::uint64_t> member;
+  std::string mode;
 };
 
 // Where numbers come from: an engine joined to a distribution.
@@ -63,8 +74,7 @@ void require_known(const distribution_entry& distribution, const parameter_value
 
 // Throws `failure` naming the option for anything that engine or distribution refuses.
 std::unique_ptr<source> make_source(const sycl::queue& queue, const engine_entry& engine,
-                                    const std::vector<std::uint64_t>& seed, std::uint64_t skip,
-                                    const distribution_entry& distribution,
+                                    const engine_start& start, const distribution_entry& distribution,
                                     const parameter_values& parameters);
 
 } // namespace hvl_rng

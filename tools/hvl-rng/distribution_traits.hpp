@@ -102,4 +102,16 @@ struct distribution_traits<rng::cauchy<T, M>> : method_traits<rng::cauchy<T, M>,
   static constexpr std::tuple parameters{parameter{"a", &type::a}, parameter{"b", &type::b}};
 };
 
+template <class T, class M>
+struct distribution_traits<rng::gamma<T, M>> : method_traits<rng::gamma<T, M>, rng::gamma<T>> {
+  using type = rng::gamma<T, M>;
+  static constexpr std::tuple parameters{parameter{"alpha", &type::alpha}, parameter{"a", &type::a},
+                                         parameter{"beta", &type::beta}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::geometric<T, M>> : method_traits<rng::geometric<T, M>, rng::geometric<T>> {
+  static constexpr std::tuple parameters{parameter{"p", &rng::geometric<T, M>::p}};
+};
+
 } // namespace hvl_rng

@@ -36,6 +36,12 @@ double weibull_density(double alpha, double z) {
   return alpha * std::pow(z, alpha - 1) * std::exp(-std::pow(z, alpha));
 }
 
+// By its logarithm: large shapes overflow the powers and the gamma function.
+double gamma_density(double alpha, double z) {
+  const double power = alpha == 1 ? 0 : (alpha - 1) * std::log(z);
+  return std::exp(power - z - std::lgamma(alpha));
+}
+
 double lognormal_density(double m, double s, double z) {
   return z == 0 ? 0 : normal((std::log(z) - m) / s) / (z * s);
 }
@@ -110,6 +116,24 @@ exact_law law_of(const rng::gumbel<T, M>& of) {
 template <class T, class M>
 exact_law law_of(const rng::cauchy<T, M>& of) {
   return on_the_line(of.a(), of.b(), cauchy_density);
+}
+
+template <class T, class M>
+exact_law law_of(const rng::gamma<T, M>& of) {
+  const double alpha = of.alpha();
+  return above(of.a(), of.beta(), [=](double z) { return gamma_density(alpha, z); });
+}
+
+// The largest integer stands for all beyond it too.
+template <class T, class M>
+exact_law law_of(const rng::geometric<T, M>& of) {
+  constexpr double largest = std::numeric_limits<std::int32_t>::max();
+  const double p = of.p();
+  return {[=](double k) {
+            const double reached = k < 0 || k > largest ? 0 : std::pow(1 - p, k);
+            return k == largest ? reached : p * reached;
+          },
+          0, largest, true};
 }
 
 template <class Distribution>

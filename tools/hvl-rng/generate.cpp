@@ -74,7 +74,7 @@ void generate_numbers(const generate_options& options) {
 
   sycl::queue queue = make_queue(options.device);
   const std::unique_ptr<source> numbers =
-      make_source(queue, engine, options.seed, options.skip, distribution, options.parameters);
+      make_source(queue, engine, options.start, distribution, options.parameters);
   // A pair that is not offered is refused here, before the first byte of output.
   numbers->fill(usm_memory(distribution.value_bytes, queue).get(), 0).wait();
 

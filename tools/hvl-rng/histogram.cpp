@@ -22,7 +22,9 @@ double quantile(std::vector<double>& sample, double probability) {
 range range_worth_seeing(std::vector<double>& sample, const exact_law& law) {
   constexpr double rare = 0.001, farthest = 6, near = 0.05;
   const double median = quantile(sample, 0.5);
-  const double reach = farthest * (quantile(sample, 0.75) - quantile(sample, 0.25));
+  // Where most integers are the same one, those beside it are still worth seeing.
+  const double least_distance = law.is_discrete ? 1 : 0;
+  const double reach = farthest * std::max(quantile(sample, 0.75) - quantile(sample, 0.25), least_distance);
   range seen = {std::max(quantile(sample, rare), median - reach),
                 std::min(quantile(sample, 1 - rare), median + reach)};
   const double slack = near * (seen.high - seen.low);

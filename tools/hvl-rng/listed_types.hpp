@@ -27,6 +27,7 @@ using list_after = type_list<Types...>;
 namespace listed {
 
 using namespace kestro::hvl::rng; // the lists name their classes unqualified
+using kestro::hvl::rng::gamma;    // <math.h> of the C library has another one
 
 // clang-format off
 #define KESTRO_HVL_ENGINE(name) , name
@@ -69,12 +70,13 @@ inline std::string spell(const parameter_values& given) {
 // Throws `failure` naming the option that is no number or that the class refuses.
 template <class Distribution>
 Distribution make_distribution(const std::string& name, const parameter_values& given) {
-  using value = typename Distribution::result_type;
   const Distribution defaults;
-  const auto value_of = [&](const auto& parameter) -> value {
+  const auto value_of = [&](const auto& parameter) {
     const auto found = given.find(parameter.name);
-    return found == given.end() ? (defaults.*parameter.accessor)()
-                                : parse_value<value>(found->first, found->second);
+    const auto value = (defaults.*parameter.accessor)();
+    return found == given.end()
+               ? value
+               : parse_value<std::remove_const_t<decltype(value)>>(found->first, found->second);
   };
   try {
     return std::apply(

@@ -45,8 +45,8 @@ struct raw_options {
 };
 
 void read_source(const raw_options& given, source_options& options) {
-  options.seed = read_seed(given.seed);
-  options.skip = read_count("--skip", given.skip);
+  options.start.seed = read_seed(given.seed);
+  options.start.skip = read_count("--skip", given.skip);
 }
 
 CLI::Option* add_text(CLI::App& verb, const char* names, std::string& value, const char* kind,
@@ -56,8 +56,15 @@ CLI::Option* add_text(CLI::App& verb, const char* names, std::string& value, con
 
 void add_source(CLI::App& verb, source_options& options, raw_options& given) {
   add_text(verb, "-e,--engine", options.engine, "NAME", "the engine");
-  add_text(verb, "-s,--seed", given.seed, "SEED", "one seed, or several words separated by commas");
+  add_text(verb, "-s,--seed", given.seed, "SEED", "one seed, or a list of 32-bit words separated by commas");
   add_text(verb, "--skip", given.skip, "N", "outputs of the engine to skip first");
+  verb.add_option_function<std::string>(
+          "--member",
+          [&start = options.start](const std::string& text) { start.member = read_count("--member", text); },
+          "which member of an engine that has several, such as wichmann_hill")
+      ->type_name("N");
+  add_text(verb, "--mode", options.start.mode, "MODE",
+           "how mrg32k3a orders its sequence: standard, optimal, or custom:N for N substreams");
   add_text(verb, "-d,--distribution", options.distribution, "NAME", "the distribution");
   add_text(verb, "-t,--type", options.type, "NAME",
            "float, double, int32, uint32 or uint64, as the distribution offers");
@@ -173,6 +180,9 @@ int main(int count, char** words) {
     return report(stopped.status(), stopped.what());
   } catch (const kestro::hvl::unimplemented& missing) {
     return report(exit_status::unsupported, missing.what());
+  } catch (const kestro::hvl::invalid_argument& refused) {
+    // Options that the library refuses are told of where they are read; what is left is a mode without the distribution.
+    return report(exit_status::unsupported, refused.what());
   } catch (const kestro::hvl::unsupported_device& refused) {
     return report(exit_status::device, refused.what());
   } catch (const kestro::hvl::device_bad_alloc& refused) {

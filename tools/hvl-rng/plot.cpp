@@ -62,8 +62,8 @@ std::vector<double> to_double(value_type type, const void* values, std::uint64_t
 
 std::vector<double> draw_sample(const source_options& options, const distribution_entry& distribution) {
   sycl::queue queue = make_queue(options.device);
-  const std::unique_ptr<source> numbers = make_source(queue, find_engine(options.engine), options.seed,
-                                                      options.skip, distribution, options.parameters);
+  const std::unique_ptr<source> numbers =
+      make_source(queue, find_engine(options.engine), options.start, distribution, options.parameters);
   const usm_memory memory(options.count * distribution.value_bytes, queue);
   numbers->fill(memory.get(), static_cast<std::int64_t>(options.count)).wait();
   queue.throw_asynchronous();
@@ -77,9 +77,11 @@ std::string title_of(const source_options& options, const distribution_entry& di
     title += fmt::format("  {}={}", parameter.name,
                          given == options.parameters.end() ? parameter.default_value : given->second);
   }
-  return fmt::format(R"({}\n{} numbers ({}{}{}) of {}, seed {})", title, options.count,
+  const engine_start& start = options.start;
+  return fmt::format(R"({}\n{} numbers ({}{}{}) of {}{}{}, seed {})", title, options.count,
                      distribution.type_name, distribution.method.empty() ? "" : ", ", distribution.method,
-                     options.engine, fmt::join(options.seed, ","));
+                     options.engine, start.member ? fmt::format(", member {}", *start.member) : "",
+                     start.mode.empty() ? "" : ", mode " + start.mode, fmt::join(start.seed, ","));
 }
 
 // Points of the law across the axis, with a step, not a slope, where the support ends.
@@ -115,7 +117,7 @@ std::string script_of(const std::string& terminal, const std::string& title, con
   auto row = std::back_inserter(rows);
   for (const bar& one : bars) {
     top = std::max(top, one.height);
-    fmt::format_to(row, "{:.9g} {:.6g} {:.9g}\n", (one.low + one.high) / 2, one.height, one.high - one.low);
+    fmt::format_to(row, "{} {:.6g} {}\n", (one.low + one.high) / 2, one.height, one.high - one.low);
   }
   // The law may rise above the bars, but where it grows without bound they set the height.
   const double highest_bar = top;
@@ -130,7 +132,7 @@ std::string script_of(const std::string& terminal, const std::string& title, con
   fmt::format_to(row, "END\n");
 
   return fmt::format("set terminal {}\n{}"
-                     "set title \"{}\"\nset xrange [{:.9g}:{:.9g}]\nset yrange [0:{:.9g}]\n"
+                     "set title \"{}\"\nset xrange [{}:{}]\nset yrange [0:{:.9g}]\n"
                      "set border 3\nset tics nomirror out\nset ylabel \"{}\"\n"
                      "set style fill solid 1 noborder\nset key top right\n"
                      "plot $bars using 1:2:3 with boxes linecolor rgb '#9ec1e0' title \"sample\", "

@@ -6,15 +6,13 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 namespace hvl_rng {
 
 // Which numbers, and where they are made.
 struct source_options {
   std::string engine = "philox4x32x10";
-  std::vector<std::uint64_t> seed = {1};
-  std::uint64_t skip = 0;
+  engine_start start;
   std::string distribution = "uniform";
   std::string type;
   std::string method;
