@@ -53,7 +53,7 @@ TYPED_TEST(errors_test, a_moved_from_engine_holds_nothing) {
 
 TYPED_TEST(errors_test, a_pair_that_is_not_offered_is_refused_by_name) {
   const std::string name = engine_names::GetName<TypeParam>(0);
-  const bool has_bits = name != "mrg32k3a" && name != "mcg31m1";
+  const bool has_bits = facts_of<TypeParam>().has_uniform_bits;
   on_every_device([&](sycl::queue& queue) {
     TypeParam engine(queue, 1), untouched = engine;
     const std::string text =
