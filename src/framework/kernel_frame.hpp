@@ -22,15 +22,16 @@ using group_coefficients = std::conditional_t<
 
 template <class Engine, class Transform>
 group_coefficients<Transform> coefficients_for(const Transform& transform) {
-  group_coefficients<Transform> coefficients;
-  if constexpr (!std::is_same_v<typename Transform::uniform_type, raw_word>)
-    ::hvl::in_default_float_environment([&] {
+  return ::hvl::in_default_float_environment([&] {
+    group_coefficients<Transform> coefficients;
+    if constexpr (!std::is_same_v<typename Transform::uniform_type, raw_word>)
       for (std::size_t k = 0; k < coefficients.size(); ++k) {
         const auto u = transform.uniforms(static_cast<int>(k));
-        coefficients[k] = ::hvl::streams::uniform_coefficients(about<Engine>.scale, u.a, u.b);
+        coefficients[k] = ::hvl::streams::uniform_coefficients<typename Transform::uniform_type>(
+            about<Engine>.scale, u.a, u.b);
       }
-    });
-  return coefficients;
+    return coefficients;
+  });
 }
 
 /// Makes values of an engine's words and stores those that belong to the call.

@@ -27,6 +27,9 @@ TEST(environment_test, of_the_caller_changes_nothing) {
   check(uniform<double>(-1.0 / 3, 1.0));
   check(gaussian<float, gaussian_method::icdf>(0.3f, 0.7f));
   check(weibull<double>(1.7, 0.3, 0.7));
+  check(gamma<float>(0.3f, 0.7f, 1.9f));
+  check(gamma<double>(100.0, 0.3, 0.7));
+  check(geometric<int>(1e-7));
 }
 
 } // namespace

@@ -44,20 +44,19 @@ void for_each_combination(const Check& check, Chosen... chosen) {
 }
 
 /// The verdicts on all combinations, one character each; `function` is the C function.
-template <class Distribution, int Count, class Function>
+template <class Distribution, int Count, class Parameter = typename Distribution::result_type, class Function>
 std::string verdicts(Function function) {
-  using T = typename Distribution::result_type;
   vqs_stream stream = nullptr;
   EXPECT_EQ(vqsNewStream_64(&stream, VQS_ENGINE_MRG32K3A, 1), VQS_STATUS_OK);
   std::string all;
-  for_each_combination<T, Count>([&](auto... parameters) {
+  for_each_combination<Parameter, Count>([&](auto... parameters) {
     bool taken = true;
     try {
       Distribution distribution(parameters...);
     } catch (const invalid_argument&) {
       taken = false;
     }
-    T value = 0;
+    typename Distribution::result_type value = 0;
     const int status = function(0, stream, 0, &value, parameters...);
     EXPECT_EQ(status, taken ? VQS_STATUS_OK : VQS_STATUS_BAD_PARAMETER)
         << ::testing::PrintToString(std::make_tuple(parameters...));
@@ -81,7 +80,9 @@ std::string all_verdicts() {
          verdicts<weibull<float>, 3>(vsRngWeibull_64) + verdicts<weibull<double>, 3>(vdRngWeibull_64) +
          verdicts<rayleigh<float>, 2>(vsRngRayleigh_64) + verdicts<rayleigh<double>, 2>(vdRngRayleigh_64) +
          verdicts<gumbel<float>, 2>(vsRngGumbel_64) + verdicts<gumbel<double>, 2>(vdRngGumbel_64) +
-         verdicts<cauchy<float>, 2>(vsRngCauchy_64) + verdicts<cauchy<double>, 2>(vdRngCauchy_64);
+         verdicts<cauchy<float>, 2>(vsRngCauchy_64) + verdicts<cauchy<double>, 2>(vdRngCauchy_64) +
+         verdicts<gamma<float>, 3>(vsRngGamma_64) + verdicts<gamma<double>, 3>(vdRngGamma_64) +
+         verdicts<geometric<int>, 1, double>(viRngGeometric_64);
 }
 
 TEST(parameters_test, class_and_function_agree_in_every_environment) {

@@ -93,11 +93,9 @@ const std::vector<entry>& entries() {
 const std::map<std::string_view, std::string_view> missing = {
     {"Beta", "beta"},
     {"ChiSquare", "chi_square"},
-    {"Gamma", "gamma"},
     {"GaussianMV", "gaussian_mv"},
     {"Bernoulli", "bernoulli"},
     {"Binomial", "binomial"},
-    {"Geometric", "geometric"},
     {"Hypergeometric", "hypergeometric"},
     {"Multinomial", "multinomial"},
     {"Negbinomial", "negative_binomial"},
@@ -329,6 +327,10 @@ TEST_F(ending, an_invalid_parameter_ends_the_process) {
   EXPECT_EXIT(hvl_vqs_viRngUniform_omp_offload_ilp64(0, numbers, 1, values, 5, -5, nullptr), ends, "a >= b");
   EXPECT_EXIT(hvl_vqs_vsRngGaussian_omp_offload_ilp64(0, numbers, 1, r, 0, -1, nullptr), ends, "stddev <= 0");
   EXPECT_EXIT(hvl_vqs_vsRngWeibull_omp_offload_ilp64(0, numbers, 1, r, 0, 0, 1, nullptr), ends, "alpha <= 0");
+  EXPECT_EXIT(hvl_vqs_vsRngGamma_omp_offload_ilp64(0, numbers, 1, r, 0, 0, 1, nullptr), ends, "alpha <= 0");
+  EXPECT_EXIT(hvl_vqs_vsRngGamma_omp_offload_lp64(0, numbers, 1, r, 1, 0, nan, nullptr), ends, "beta <= 0");
+  EXPECT_EXIT(hvl_vqs_viRngGeometric_omp_offload_ilp64(0, numbers, 1, values, 0, nullptr), ends,
+              "p is not in \\(0, 1\\]");
 }
 
 } // namespace

@@ -13,7 +13,7 @@
 #define UNWRAP(...) __VA_ARGS__
 
 static const float fa = -2.5f, fb = 7.25f, fone = 1.5f, ftwo = 0.75f;
-static const double da = -2.5, db = 1e6, done = 1.5, dtwo = 0.75;
+static const double da = -2.5, db = 1e6, done = 1.5, dtwo = 0.75, p = 0.03;
 static const int32_t ia = -100, ib = 1000;
 
 /* The real distributions with a location, a second one above it, and two positive numbers. */
@@ -28,10 +28,13 @@ static const int32_t ia = -100, ib = 1000;
   CASE(tag, Uniform, uniform, T, (, a, b), (, &a, &b))                                                       \
   CASE(tag, Weibull, weibull, T, (, two, a, one), (, &two, &a, &one))
 
-/* CASE(precision tag, Name, name, result type, parameters, parameters by address) */
+/* Gamma below shape 1 in float, above in double. CASE(precision tag, Name, name, result type, parameters, parameters by address) */
 #define CASES(CASE)                                                                                          \
   REAL_CASES(CASE, vs, float, fa, fb, fone, ftwo)                                                            \
   REAL_CASES(CASE, vd, double, da, db, done, dtwo)                                                           \
+  CASE(vs, Gamma, gamma, float, (, ftwo, fa, fone), (, &ftwo, &fa, &fone))                                   \
+  CASE(vd, Gamma, gamma, double, (, done, da, dtwo), (, &done, &da, &dtwo))                                  \
+  CASE(vi, Geometric, geometric, int32_t, (, p), (, &p))                                                     \
   CASE(vi, Uniform, uniform, int32_t, (, ia, ib), (, &ia, &ib))                                              \
   CASE(vi, UniformBits, uniformbits, uint32_t, (), ())                                                       \
   CASE(vi, UniformBits32, uniformbits32, uint32_t, (), ())                                                   \
@@ -76,8 +79,9 @@ static const struct {
    {tag##Name##_ilp64, tag##Name##_lp64, tag##Name##_lower, tag##Name##_lower_lp64}},
     CASES(ENTRY)};
 
-static const int32_t engines[] = {VQS_ENGINE_PHILOX4X32X10, VQS_ENGINE_MRG32K3A, VQS_ENGINE_MCG31M1,
-                                  VQS_ENGINE_MCG59, VQS_ENGINE_MT19937};
+static const int32_t engines[] = {
+    VQS_ENGINE_PHILOX4X32X10, VQS_ENGINE_MRG32K3A, VQS_ENGINE_MCG31M1,       VQS_ENGINE_MCG59,
+    VQS_ENGINE_MT19937,       VQS_ENGINE_ARS5,     VQS_ENGINE_WICHMANN_HILL, VQS_ENGINE_WICHMANN_HILL + 272};
 
 /* The offloaded piece and, behind it, the one that the host makes; each odd, so that neither ends with a block. */
 static const int64_t lengths[] = {0, 1, 5, 1001, 70001};

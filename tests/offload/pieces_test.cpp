@@ -4,8 +4,6 @@
 #include "offload/create_engine.hpp"
 #include "offload/state_conversion.hpp"
 
-#include "engines/philox4x32x10.hpp"
-
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -99,6 +97,27 @@ TEST(create_engine, makes_gpu_implementations_from_seeds_words_engines_and_strea
     gpu::delete_engine<engine>(queue, made[i]);
     EXPECT_EQ(vqsDeleteStream_64(&expected[i]), 0);
   }
+}
+
+TEST(create_engine, makes_the_member_that_is_asked_for) {
+  const sycl::queue queue(sycl::gpu_selector_v);
+  const std::uint32_t words[] = {1, 2, 3, 4};
+  const auto identifier = [](engine_base_impl<wichmann_hill>* made) {
+    const std::unique_ptr<engine_base_impl<wichmann_hill>> owner(made);
+    return vqsEngineOfStream(owner->stream().get());
+  };
+  for (const std::uint32_t member : {0u, 1u, 272u}) {
+    const std::int32_t expected = VQS_ENGINE_WICHMANN_HILL + static_cast<std::int32_t>(member);
+    EXPECT_EQ(identifier(gpu::create_engine<wichmann_hill>(queue, 7, member)), expected);
+    EXPECT_EQ(identifier(gpu::create_engine<wichmann_hill>(queue, 4, words, member)), expected);
+    const std::unique_ptr<engine_base_impl<wichmann_hill>> original(
+        gpu::create_engine<wichmann_hill>(queue, 7, member));
+    EXPECT_EQ(identifier(gpu::create_engine<wichmann_hill>(queue, original.get())), expected);
+    EXPECT_EQ(identifier(gpu::create_engine<wichmann_hill>(queue, original->stream().get())), expected);
+  }
+  EXPECT_THROW(gpu::create_engine<wichmann_hill>(queue, 7, 273), invalid_argument);
+  EXPECT_THROW(gpu::create_engine<wichmann_hill>(queue, 4, words, 273), invalid_argument);
+  EXPECT_THROW(gpu::create_engine<ars5>(queue, 7, 1), invalid_argument);
 }
 
 TEST(create_engine, makes_mrg32k3a_in_its_modes_from_seeds_and_words) {

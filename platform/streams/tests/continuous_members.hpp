@@ -4,8 +4,10 @@
 
 #include <hvl/math/transforms.hpp>
 
+#include <algorithm>
 #include <functional>
 
+#include "hvl/streams_scaling.hpp"
 #include "support.hpp"
 
 namespace hvl::streams::test {
@@ -53,6 +55,37 @@ auto host_function(Single single_precision, Double real64) {
     return single_precision;
   else
     return real64;
+}
+
+// A group reads its words in several ways: scaled to each of two intervals, and their bits.
+template <class T, bool BelowOne>
+void gamma_one_by_one(vqs_stream stream, std::vector<T>& out, const math::gamma_constants<T>& constants,
+                      bool accurate) {
+  using O = math::scalar_ops<T>;
+  constexpr math::word_use use = math::gamma_words<T>(BelowOne);
+  const std::size_t words = (out.size() + use.values - 1) / use.values * use.words;
+  owned_stream bits = copy_of(stream);
+  const std::vector<std::uint32_t> raw = bits.bits(words);
+  const std::vector<T> symmetric = uniforms<T>(copy_of(stream), words, T(-1), T(1));
+  const std::vector<T> unit = uniforms<T>(copy_of(stream), words, T(0), T(1));
+  const T cell = uniform_coefficients(about_engine_of(stream).scale, T(0), T(1)).scale;
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    const std::size_t first = i / use.values * use.words;
+    const auto k = static_cast<std::uint32_t>(i % use.values);
+    std::uint32_t own[use.words];
+    std::copy_n(&raw[first], use.words, own);
+    T e;
+    if constexpr (sizeof(T) == 4) {
+      e = math::erfinv<O>(symmetric[first]);
+    } else {
+      const auto pair = math::gamma_normal_pair<O>(unit[first], unit[first + 1], cell);
+      e = k == 0 ? pair.sine : pair.cosine;
+    }
+    const T value =
+        math::gamma_marsaglia<O>(e, unit[first + use.values + k],
+                                 BelowOne ? unit[first + 2 * use.values + k] : T(0), own, k, constants);
+    out[i] = accurate ? math::raised_to<O>(value, constants.displacement) : value;
+  }
 }
 
 template <class T>
@@ -133,6 +166,26 @@ std::vector<member<T>> continuous_members() {
             static_cast<T>(math::cauchy_icdf<W>(u[0], static_cast<double>(third), static_cast<double>(half)));
       },
       third, half);
+
+  const auto add_gamma = [&](const char* name, T alpha, bool accurate) {
+    const auto function = host_function<T>(vsRngGamma_64, vdRngGamma_64);
+    const std::int64_t method = accurate ? VQS_METHOD_ACCURATE : 0;
+    const auto constants = math::gamma_constants_of(alpha, third, half);
+    all.push_back(
+        {name, math::gamma_words<T>(alpha < 1),
+         [=](vqs_stream s, std::int64_t n, T* r) { return function(method, s, n, r, alpha, third, half); },
+         [=](vqs_stream s, std::vector<T>& out) {
+           if (alpha < 1)
+             gamma_one_by_one<T, true>(s, out, constants, accurate);
+           else
+             gamma_one_by_one<T, false>(s, out, constants, accurate);
+         }});
+  };
+  add_gamma("gamma", T(1.7), false);
+  add_gamma("gamma_accurate", T(1.7), true);
+  add_gamma("gamma_below_one", T(0.9), false);
+  add_gamma("gamma_below_one_accurate", T(0.9), true);
+  add_gamma("gamma_large", T(100), false);
   return all;
 }
 

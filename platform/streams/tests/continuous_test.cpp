@@ -1,9 +1,11 @@
 // The continuous distributions: vectors, threads and splits give the numbers that the transforms make one by one.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
 
 #include "continuous_members.hpp"
+#include "extreme_words.hpp"
 
 namespace hvl::streams::test {
 namespace {
@@ -56,6 +58,29 @@ TEST_P(continuous, has_the_bits_of_its_transforms) {
     check_vectors(id(), m);
 }
 
+// No word gives NaN or infinity, and vectors treat the extreme ones as the transforms do.
+template <class T>
+void check_extreme_words() {
+  for (const auto& m : continuous_members<T>()) {
+    SCOPED_TRACE(m.name);
+    for (const owned_stream& origin : streams_of_extreme_words()) {
+      std::vector<T> expected(extreme_words / m.words.words * m.words.values), out(expected.size());
+      m.one_by_one(owned_stream(origin), expected);
+      ASSERT_TRUE(std::all_of(expected.begin(), expected.end(), [](T v) { return std::isfinite(v); }));
+      for_every_mode([&] {
+        ASSERT_EQ(m.generate(owned_stream(origin), static_cast<std::int64_t>(out.size()), out.data()),
+                  VQS_STATUS_OK);
+        expect_same_bits(out.data(), expected, out.size());
+      });
+    }
+  }
+}
+
+TEST(continuous_members, are_finite_at_extreme_words) {
+  check_extreme_words<float>();
+  check_extreme_words<double>();
+}
+
 // One call over two threads is what two calls are, where the split leaves no group cut.
 template <class T>
 void check_split(std::int32_t engine, const member<T>& m) {
@@ -95,6 +120,7 @@ void check_misuse(std::int32_t engine) {
   const auto exponential = host_function<T>(vsRngExponential_64, vdRngExponential_64);
   const auto weibull = host_function<T>(vsRngWeibull_64, vdRngWeibull_64);
   const auto cauchy = host_function<T>(vsRngCauchy_64, vdRngCauchy_64);
+  const auto gamma = host_function<T>(vsRngGamma_64, vdRngGamma_64);
   const T nan = std::numeric_limits<T>::quiet_NaN();
   const T infinity = std::numeric_limits<T>::infinity();
   const owned_stream stream(engine);
@@ -107,6 +133,8 @@ void check_misuse(std::int32_t engine) {
   EXPECT_EQ(lognormal(VQS_METHOD_ACCURATE | 2, stream, 1, r, 0, 1, 0, 1), VQS_STATUS_BAD_METHOD);
   EXPECT_EQ(exponential(1, stream, 1, r, 0, 1), VQS_STATUS_BAD_METHOD);
   EXPECT_EQ(cauchy(VQS_METHOD_ACCURATE, stream, 1, r, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(gamma(1, stream, 1, r, 1, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(gamma(VQS_METHOD_ACCURATE | 1, stream, 1, r, 1, 0, 1), VQS_STATUS_BAD_METHOD);
   EXPECT_EQ(gaussian(0, nullptr, 1, r, 0, 1), VQS_STATUS_NULL_POINTER);
   EXPECT_EQ(gaussian(0, stream, 1, nullptr, 0, 1), VQS_STATUS_NULL_POINTER);
   EXPECT_EQ(weibull(0, stream, -1, r, 1, 0, 1), VQS_STATUS_BAD_COUNT);
@@ -117,11 +145,14 @@ void check_misuse(std::int32_t engine) {
     EXPECT_EQ(weibull(0, stream, 1, r, bad, 0, 1), VQS_STATUS_BAD_PARAMETER);
     EXPECT_EQ(weibull(0, stream, 1, r, 1, 0, bad), VQS_STATUS_BAD_PARAMETER);
     EXPECT_EQ(cauchy(0, stream, 1, r, 0, bad), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(gamma(0, stream, 1, r, bad, 0, 1), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(gamma(VQS_METHOD_ACCURATE, stream, 1, r, 1, 0, bad), VQS_STATUS_BAD_PARAMETER);
     if (!(bad <= 0 && bad > -infinity)) {
       EXPECT_EQ(gaussian(0, stream, 1, r, bad, 1), VQS_STATUS_BAD_PARAMETER);
       EXPECT_EQ(lognormal(0, stream, 1, r, bad, 1, 0, 1), VQS_STATUS_BAD_PARAMETER);
       EXPECT_EQ(lognormal(0, stream, 1, r, 0, 1, bad, 1), VQS_STATUS_BAD_PARAMETER);
       EXPECT_EQ(exponential(0, stream, 1, r, bad, 1), VQS_STATUS_BAD_PARAMETER);
+      EXPECT_EQ(gamma(0, stream, 1, r, 1, bad, 1), VQS_STATUS_BAD_PARAMETER);
     }
   }
   EXPECT_EQ(r[0], poison<T>);

@@ -79,6 +79,9 @@ void print_all() {
     print_uniform<std::uint32_t>(e.id, 3001, viRngUniformU_64, 7u, 4000000007u);
     print_continuous<float>(e.id);
     print_continuous<double>(e.id);
+    print_checksum<std::int32_t>("geometric", e.id, 3001, [](vqs_stream s, std::int64_t n, std::int32_t* r) {
+      return viRngGeometric_64(0, s, n, r, 1e-7);
+    });
   }
 }
 

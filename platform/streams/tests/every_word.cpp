@@ -67,6 +67,60 @@ void values_of(const word_range& r, uniforms<T> of_word, const See& see) {
   see("gumbel", math::gumbel_icdf<O>(u, T(0), T(1)));
 }
 
+// Further attempts are made of the words' bits: for a few of them.
+template <class T, bool BelowOne, class See>
+void gamma_of(const word_range& r, std::uint64_t word, uniforms<T> of_word, T shape, const See& see) {
+  using O = math::scalar_ops<T>;
+  constexpr math::word_use use = math::gamma_words<T>(BelowOne);
+  const auto constants = math::gamma_constants_of(shape, T(0), T(1));
+  const T cell = uniform_coefficients(r.scale, T(0), T(1)).scale;
+  const auto bits = [&](std::uint64_t w) {
+    return static_cast<std::uint32_t>(r.scale == word_scale::mcg59 ? w >> 27 : w);
+  };
+  for (const std::uint64_t other_word : {r.first, r.first + (r.last - r.first) / 2, r.last}) {
+    const auto other = uniforms_of<T>(r, other_word);
+    for (std::uint32_t place = 0; place < use.words; ++place) { // of the word in its group
+      const auto at = [&](std::uint32_t k) { return k == place ? of_word : other; };
+      std::uint32_t own[use.words];
+      for (std::uint32_t k = 0; k < use.words; ++k)
+        own[k] = bits(k == place ? word : other_word);
+      T e[2];
+      if constexpr (sizeof(T) == 4) {
+        e[0] = math::erfinv<O>(at(0).v);
+      } else {
+        const auto pair = math::gamma_normal_pair<O>(at(0).u, at(1).u, cell);
+        e[0] = pair.sine;
+        e[1] = pair.cosine;
+      }
+      for (std::uint32_t k = 0; k < use.values; ++k)
+        see("gamma", math::gamma_marsaglia<O>(e[k], at(use.values + k).u, at(use.words - use.values + k).u,
+                                              own, k, constants));
+    }
+  }
+}
+
+template <class T, class See>
+void gammas_of(const word_range& r, std::uint64_t word, uniforms<T> of_word, const See& see) {
+  gamma_of<T, true>(r, word, of_word, T(0.3), see);
+  gamma_of<T, false>(r, word, of_word, T(1), see);
+  gamma_of<T, false>(r, word, of_word, T(100), see);
+}
+
+// The second word is one of the extremes or the middle, in turn.
+template <class See>
+void geometric_of(const word_range& r, std::uint64_t word, const See& see) {
+  using O = math::scalar_ops<double>;
+  static const double scales[] = {math::geometric_scale(1e-10), math::geometric_scale(0.5),
+                                  math::geometric_scale(1)};
+  const double cell = uniform_coefficients(r.scale, 0.0, 1.0).scale;
+  const std::uint64_t second = r.first + (r.last - r.first) / 2 * (word % 3);
+  const double u = math::refined<O>(uniform(r, word, 0.0, 1.0), uniform(r, second, 0.0, 1.0), cell);
+  for (const double scale : scales) {
+    const double value = math::geometric_icdf<O>(u, scale);
+    see("geometric", value > -1 && value <= 2147483647 ? value : std::nan(""));
+  }
+}
+
 template <class See>
 void cauchy_of(const word_range& r, std::uint64_t word, const See& see) {
   const double angle = uniform(r, word, math::cauchy_low, math::cauchy_high);
@@ -87,12 +141,17 @@ word_report try_words(std::uint64_t stride, std::uint64_t double_stride) {
                                       r.name + " word " + std::to_string(word));
       };
       const auto now = uniforms_of<float>(r, word);
-      if (now.u != last.u || now.v != last.v)
+      if (now.u != last.u || now.v != last.v) {
         values_of(r, now, see);
+        gammas_of(r, word, now, see);
+      }
       last = now;
       cauchy_of(r, word, see);
-      if (in_double)
+      geometric_of(r, word, see);
+      if (in_double) {
         values_of(r, uniforms_of<double>(r, word), see);
+        gammas_of(r, word, uniforms_of<double>(r, word), see);
+      }
     };
     std::uint64_t until_double = 0;
     for (std::uint64_t word = r.first; word < r.last; word += stride * r.step) {

@@ -1,4 +1,5 @@
-// Every continuous method over an engine's words, the extreme ones included: no word gives NaN or infinity.
+// Every method over an engine's words, the extreme ones included: no word gives NaN or infinity, none an integer out of
+// range.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// streams_every_word [stride]: every continuous method in float over all words of every engine, or each stride-th, and in
+// streams_every_word [stride]: every method in float over all words of every engine, or each stride-th, and in
 // double over a 1009th of them.
 #include <cstdio>
 #include <cstdlib>

@@ -9,6 +9,7 @@
 #include <boost/math/distributions/normal.hpp>
 #include <boost/math/distributions/rayleigh.hpp>
 #include <boost/math/distributions/uniform.hpp>
+#include <boost/math/special_functions/gamma.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -68,7 +69,7 @@ placement power_of(long double shape, long double a, long double scale) {
 // Bins of about equal probability that end half way between two neighbours of type T.
 template <class T>
 std::vector<long double> ends_of_bins(const standard_law& l, const placement& p) {
-  constexpr int bins = 64;
+  constexpr int bins = 128;
   std::vector<long double> ends;
   for (int i = 1; i < bins; ++i) {
     const T value = static_cast<T>(p.place(l.quantile(static_cast<double>(i) / bins)));
@@ -217,6 +218,40 @@ TYPED_TEST(parameters, of_weibull) {
     for (const set& p : sets)
       check_function<T>("weibull", this->of_type(vsRngWeibull_64, vdRngWeibull_64), method,
                         law(bm::exponential()), power_of(p.shape, p.a, p.scale), p.shape, p.a, p.scale);
+}
+
+// Of the logarithm: at small shapes most values are far below the least number of a type.
+standard_law log_gamma_law(double shape) {
+  const double log_coefficient = std::lgamma(shape + 1);
+  constexpr double series_below = -30; // where x^shape / Gamma(shape + 1) is all that double holds of the law
+  return {[=](double z) {
+            return z < series_below ? std::exp(shape * z - log_coefficient) : bm::gamma_p(shape, std::exp(z));
+          },
+          [=](double p) {
+            const double z = (std::log(p) + log_coefficient) / shape;
+            return z < series_below ? z : std::log(bm::gamma_p_inv(shape, p));
+          }};
+}
+
+// The method changes at shape 1, and at 64 + 1/3 the form of the core.
+TYPED_TEST(parameters, of_gamma) {
+  using T = TypeParam;
+  struct set {
+    T shape, a, scale;
+  };
+  const auto [tiny, huge, shift] = extremes<T>();
+  std::vector<set> sets = {{T(0.5), T(0), tiny},     {T(2.5), T(0), tiny},
+                           {T(0.5), T(0), huge},     {T(2.5), T(0), huge},
+                           {T(0.5), shift, T(1)},    {T(2.5), shift, T(1)},
+                           {T(100), shift, T(1)},    {T(2.5), -1000 * shift, T(1000)},
+                           {T(100), T(-3), T(0.01)}, {T(1e-3), T(0), huge}};
+  for (const double shape : {0.01, 0.1, 0.5, 0.999, 1.0, 1.001, 2.5, 30.0, 64.3, 64.4, 1e4, 1e8})
+    sets.push_back({static_cast<T>(shape), T(0), T(1)});
+  for (const std::int64_t method : {0, int{VQS_METHOD_ACCURATE}})
+    for (const set& p : sets)
+      check_function<T>("gamma", this->of_type(vsRngGamma_64, vdRngGamma_64), method,
+                        log_gamma_law(static_cast<double>(p.shape)), exponential_of(0, 1, p.a, p.scale),
+                        p.shape, p.a, p.scale);
 }
 
 // For every engine, since each scales its words in its own way: mcg59 by (b - a) 2^-59, which the narrowest interval here

@@ -3,6 +3,7 @@
 #include <boost/math/distributions/cauchy.hpp>
 #include <boost/math/distributions/exponential.hpp>
 #include <boost/math/distributions/extreme_value.hpp>
+#include <boost/math/distributions/gamma.hpp>
 #include <boost/math/distributions/laplace.hpp>
 #include <boost/math/distributions/lognormal.hpp>
 #include <boost/math/distributions/normal.hpp>
@@ -61,6 +62,9 @@ const std::map<std::string, exact_distribution>& exact_distributions() {
         {"rayleigh", with_moments(bm::rayleigh(std::sqrt(half)), third, half)},
         {"laplace", with_moments(bm::laplace(), third, half)},
         {"gumbel", gumbel},
+        {"gamma", with_moments(bm::gamma_distribution<double>(1.7), third, half)},
+        {"gamma_below_one", with_moments(bm::gamma_distribution<double>(0.9), third, half)},
+        {"gamma_large", with_moments(bm::gamma_distribution<double>(100), third, half)},
         {"cauchy", {[=](double p) { return bm::quantile(cauchy, p); }, std::nullopt, third, half}}};
   }();
   return all;

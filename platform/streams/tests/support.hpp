@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 #include <oneapi/tbb/global_control.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <ostream>
 #include <span>
 #include <string>
@@ -92,6 +94,19 @@ class owned_stream {
   owned_stream(adopted, vqs_stream handle) : handle_(handle) {}
   vqs_stream handle_ = nullptr;
 };
+
+inline owned_stream copy_of(vqs_stream stream) {
+  vqs_stream copy = nullptr;
+  EXPECT_EQ(vqsCopyStream_64(&copy, stream), VQS_STATUS_OK);
+  return owned_stream::adopt(copy);
+}
+
+inline const hvl::engines::facts& about_engine_of(vqs_stream stream) {
+  const std::int32_t id = vqsEngineOfStream(stream);
+  return std::find_if(std::begin(engines), std::end(engines),
+                      [=](const engine_entry& e) { return e.about.has_member(id); })
+      ->about;
+}
 
 // An instruction set and a number of threads, in force while this lives.
 class run_mode {

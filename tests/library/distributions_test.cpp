@@ -1,0 +1,130 @@
+// The distributions whose word use follows from their parameters or goes beyond a word a value: the same bits on every
+// device and in both forms, and engines that then stand where the documented words end.
+#include <limits>
+
+#include "support.hpp"
+
+namespace kestro::hvl::rng::test {
+namespace {
+
+struct word_use {
+  std::int64_t words, values;
+  std::uint64_t of(std::int64_t n) const {
+    return static_cast<std::uint64_t>((n + values - 1) / values * words);
+  }
+};
+
+template <class Engine>
+class distributions_test : public ::testing::Test {
+ protected:
+  // The CPU device's values through USM are the reference.
+  template <class Distribution>
+  static void check(const Distribution& distribution, word_use use) {
+    auto cpu = devices()[0].queue;
+    for (const std::int64_t n : {1, 2, 3, 5, 1000, 30'011}) {
+      SCOPED_TRACE(n);
+      Engine reference(cpu, 99), skipped = reference;
+      const auto expected = usm_values(distribution, reference, cpu, n);
+      skipped.skip_ahead(use.of(n));
+      const auto behind = usm_values(bits<>(), skipped, cpu, 50);
+      expect_same(usm_values(bits<>(), reference, cpu, 50), behind);
+      on_every_device([&](sycl::queue& queue) {
+        Engine in_usm(queue, 99), in_buffer = in_usm;
+        expect_same(usm_values(distribution, in_usm, queue, n), expected);
+        expect_same(usm_values(bits<>(), in_usm, queue, 50), behind);
+        expect_same(buffer_values(distribution, in_buffer, n), expected);
+        expect_same(buffer_values(bits<>(), in_buffer, 50), behind);
+      });
+    }
+  }
+
+  template <class T>
+  static void check_gamma(std::int64_t values) {
+    for (const T alpha : {T(0.001), T(0.3), std::nextafter(T(1), T(0))})
+      check(gamma<T>(alpha, T(-1.5), T(2)), {3 * values, values});
+    for (const T alpha : {T(1), T(2.5), T(64), T(65), T(1e8)})
+      check(gamma<T>(alpha, T(-1.5), T(2)), {2 * values, values});
+    check(gamma<T, gamma_method::marsaglia_accurate>(T(0.3), T(-1.5), T(2)), {3 * values, values});
+    check(gamma<T, gamma_method::marsaglia_accurate>(T(2.5), T(-1.5), T(2)), {2 * values, values});
+  }
+};
+TYPED_TEST_SUITE(distributions_test, all_engines, engine_names);
+
+TYPED_TEST(distributions_test, gamma_is_the_same_everywhere_and_takes_its_words) {
+  this->template check_gamma<float>(1);
+  this->template check_gamma<double>(2);
+}
+
+TYPED_TEST(distributions_test, geometric_is_the_same_everywhere_and_takes_its_words) {
+  for (const double p : {1e-10, 1e-6, 0.3, 1.0})
+    this->check(geometric<int>(p), {2, 1});
+}
+
+// Groups of three and of six words do not divide what a kernel makes at a time, nor the parts of a call that is cut.
+TYPED_TEST(distributions_test, long_calls_of_odd_groups_are_the_same_on_both_devices) {
+  constexpr std::int64_t n = 3'000'001;
+  auto cpu = devices()[0].queue, gpu = devices()[1].queue;
+  const auto compare = [&](const auto& distribution) {
+    TypeParam on_cpu(cpu, 3), on_gpu(gpu, 3);
+    expect_same(usm_values(distribution, on_gpu, gpu, n), usm_values(distribution, on_cpu, cpu, n));
+    expect_same(usm_values(bits<>(), on_gpu, gpu, 50), usm_values(bits<>(), on_cpu, cpu, 50));
+  };
+  compare(gamma<float>(0.3f, 0.0f, 1.0f));
+  compare(gamma<double>(0.3, 0.0, 1.0));
+}
+
+TYPED_TEST(distributions_test, geometric_has_the_same_values_in_both_types) {
+  on_every_device([](sycl::queue& queue) {
+    TypeParam engine(queue, 4), again = engine;
+    const auto values = usm_values(geometric<int>(1e-9), engine, queue, 5001);
+    const auto unsigned_values = usm_values(geometric<unsigned>(1e-9), again, queue, 5001);
+    expect_same(unsigned_values, std::vector<unsigned>(values.begin(), values.end()));
+    EXPECT_TRUE(std::count(values.begin(), values.end(), std::numeric_limits<int>::max()) > 0);
+  });
+}
+
+// Words of the substreams' rows are one or two a value.
+TEST(distributions_in_substreams, are_refused_where_a_row_has_too_few_words) {
+  on_every_device([](sycl::queue& queue) {
+    const auto check = [&](const auto& distribution, auto mode) {
+      typename std::decay_t<decltype(distribution)>::result_type value = 7;
+      mrg32k3a engine(queue, 7, mode), untouched = engine;
+      EXPECT_EQ(
+          refusal<invalid_argument>([&] { generate(distribution, engine, 1, &value); }),
+          "kestro::hvl::rng::generate: invalid argument: mrg32k3a with optimal/custom modes doesn't support "
+          "this distribution");
+      expect_same(usm_values(uniform<float>(), engine, queue, 9),
+                  usm_values(uniform<float>(), untouched, queue, 9));
+      EXPECT_TRUE(value == 7);
+    };
+    check(gamma<float>(), mrg32k3a_mode::optimal{});
+    check(gamma<double, gamma_method::marsaglia_accurate>(0.5, 0.0, 1.0), mrg32k3a_mode::custom{3});
+    check(geometric<int>(), mrg32k3a_mode::optimal{});
+    check(geometric<unsigned>(), mrg32k3a_mode::custom{3});
+  });
+}
+
+template <class Distribution, class... Parameters>
+std::string refused(Parameters... parameters) {
+  return refusal<invalid_argument>([&] { Distribution d(parameters...); });
+}
+
+TEST(distributions_of_bad_parameters, are_refused_by_name) {
+  const std::string gamma_text = "kestro::hvl::rng::gamma: invalid argument: ";
+  const std::string p_text = "kestro::hvl::rng::geometric: invalid argument: p is not in (0, 1]";
+  const double nan = std::numeric_limits<double>::quiet_NaN(),
+               infinite = std::numeric_limits<double>::infinity();
+  for (const double bad : {0.0, -1.0, nan, infinite}) {
+    EXPECT_EQ(refused<gamma<double>>(bad, 0.0, 1.0), gamma_text + "alpha <= 0");
+    EXPECT_EQ(refused<gamma<double>>(1.0, 0.0, bad), gamma_text + "beta <= 0");
+    EXPECT_EQ(refused<gamma<float>>(static_cast<float>(bad), 0.0f, 1.0f), gamma_text + "alpha <= 0");
+    EXPECT_EQ(refused<geometric<int>>(bad), p_text);
+    EXPECT_EQ(refused<geometric<unsigned>>(bad), p_text);
+  }
+  EXPECT_EQ(refused<gamma<double>>(1.0, infinite, 1.0), gamma_text + "a is not finite");
+  EXPECT_EQ(refused<geometric<int>>(std::nextafter(1.0, 2.0)), p_text);
+  EXPECT_EQ(refused<geometric<int>>(1.0), "no exception");
+}
+
+} // namespace
+} // namespace kestro::hvl::rng::test
