@@ -56,6 +56,42 @@ TEST_P(continuous, has_the_bits_of_its_transforms) {
     check_vectors(id(), m);
 }
 
+// The methods whose vectors decide some values in a way of their own: their numbers are those of the scalar kernels.
+template <class T, class Function, class... Parameters>
+void check_scalar(std::int32_t engine, Function function, Parameters... parameters) {
+  constexpr std::size_t longest = 20'000;
+  const auto generate = [&](std::size_t n, T* r) {
+    owned_stream stream(engine);
+    stream.skip(3);
+    ASSERT_EQ(function(0, stream, static_cast<std::int64_t>(n), r, parameters...), VQS_STATUS_OK);
+  };
+  std::vector<T> expected(longest);
+  {
+    const run_mode scalar(HVL_ISA_SCALAR, 1);
+    generate(longest, expected.data());
+  }
+  for_every_mode([&] {
+    for (const std::size_t n : {std::size_t{1}, std::size_t{31}, std::size_t{33}, longest - 1, longest}) {
+      std::vector<T> out(n + 1, poison<T>);
+      generate(n, out.data());
+      expect_same_bits(out.data(), expected, n);
+      EXPECT_EQ(out[n], poison<T>) << "behind the end";
+    }
+  });
+}
+
+TEST_P(continuous, decided_in_vectors_as_one_by_one) {
+  for (const double p : {1.0, 0.3, 1.0 / 1000, 1.0 / 2000, 1e-10}) {
+    SCOPED_TRACE(p);
+    check_scalar<std::int32_t>(id(), viRngGeometric_64, p);
+  }
+  for (const double shape : {0.5, 1.0, 2.5}) {
+    SCOPED_TRACE(shape);
+    check_scalar<float>(id(), vsRngGamma_64, static_cast<float>(shape), 1.0f, 2.0f);
+    check_scalar<double>(id(), vdRngGamma_64, shape, 1.0, 2.0);
+  }
+}
+
 // One call over two threads is what two calls are, where the split leaves no group cut.
 template <class T>
 void check_split(std::int32_t engine, const member<T>& m) {
