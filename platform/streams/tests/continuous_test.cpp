@@ -92,6 +92,37 @@ TEST_P(continuous, decided_in_vectors_as_one_by_one) {
   }
 }
 
+// Pairs whose first word is so small that the second one counts.
+TEST(geometric, least_first_words) {
+  constexpr std::size_t chunk = std::size_t{1} << 20;
+  std::vector<std::uint32_t> words(chunk);
+  std::size_t found = 0;
+  const owned_stream stream(VQS_ENGINE_PHILOX4X32X10);
+  for (std::size_t first = 0; first < 16 * chunk; first += chunk) {
+    ASSERT_EQ(viRngUniformBits32_64(0, stream, chunk, words.data()), VQS_STATUS_OK);
+    for (std::size_t i = 0; i < chunk; i += 2) {
+      if ((words[i] ^ 0x80000000u) >= 1u << 12)
+        continue;
+      ++found;
+      std::vector<std::int32_t> scalar(64), values(64);
+      const auto generate = [&](std::vector<std::int32_t>& r) {
+        owned_stream at(VQS_ENGINE_PHILOX4X32X10);
+        at.skip(first + i);
+        ASSERT_EQ(viRngGeometric_64(0, at, 64, r.data(), 1.0 / 1000), VQS_STATUS_OK);
+      };
+      {
+        const run_mode mode(HVL_ISA_SCALAR, 1);
+        generate(scalar);
+      }
+      for_every_mode([&] {
+        generate(values);
+        expect_equal(values, scalar);
+      });
+    }
+  }
+  EXPECT_GT(found, 3u);
+}
+
 // One call over two threads is what two calls are, where the split leaves no group cut.
 template <class T>
 void check_split(std::int32_t engine, const member<T>& m) {
