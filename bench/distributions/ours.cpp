@@ -80,6 +80,11 @@ void register_distributions() {
   add("gumbel/double", bound<double>(vdRngGumbel_64, 0, 0.0, 1.0));
   add("cauchy/float", bound<float>(vsRngCauchy_64, 0, 0.0f, 1.0f));
   add("cauchy/double", bound<double>(vdRngCauchy_64, 0, 0.0, 1.0));
+  add("gamma_2.5/float", bound<float>(vsRngGamma_64, 0, 2.5f, 0.0f, 1.0f));
+  add("gamma_0.5/float", bound<float>(vsRngGamma_64, 0, 0.5f, 0.0f, 1.0f));
+  add("gamma_2.5/double", bound<double>(vdRngGamma_64, 0, 2.5, 0.0, 1.0));
+  for (const double p : geometric_probabilities)
+    add(geometric_name(p), bound<std::int32_t>(viRngGeometric_64, 0, p));
 }
 
 } // namespace bench

@@ -1,11 +1,15 @@
-// What a user would otherwise take for each distribution, on a Mersenne twister, compiled for this machine's processor.
+// What a user would otherwise take for each distribution: on a Mersenne twister, compiled for this machine's processor, and
+// NumPy's Generator on its fastest bit generator, as Debian compiles it.
 #include <boost/random/cauchy_distribution.hpp>
 #include <boost/random/exponential_distribution.hpp>
+#include <boost/random/gamma_distribution.hpp>
+#include <boost/random/geometric_distribution.hpp>
 #include <boost/random/laplace_distribution.hpp>
 #include <boost/random/mersenne_twister.hpp>
 #include <boost/random/normal_distribution.hpp>
 #include <random>
 
+#include "numpy.hpp"
 #include "subjects.hpp"
 
 namespace bench {
@@ -19,6 +23,29 @@ void add(const std::string& name, Distribution distribution) {
                      for (T& value : out)
                        value = distribution(engine);
                    });
+}
+
+template <class T, class Draw>
+void add_numpy(const std::string& name, Draw draw) {
+  register_fill<T>("peer/numpy/" + name, cached_bytes,
+                   [sfc = numpy_sfc64(20211113), draw](std::span<T> out) mutable {
+                     bitgen_t bits = sfc.bits();
+                     for (T& value : out)
+                       value = static_cast<T>(draw(&bits));
+                   });
+}
+
+template <class T>
+void add_gamma(const std::string& name, T alpha, auto standard_gamma) {
+  add<std::mt19937>("std/" + name, std::gamma_distribution<T>(alpha));
+  add<boost::random::mt19937>("boost/" + name, boost::random::gamma_distribution<T>(alpha));
+  add_numpy<T>(name, [=](bitgen_t* bits) { return standard_gamma(bits, alpha); });
+}
+
+void add_geometric(const std::string& name, double p) {
+  add<std::mt19937>("std/" + name, std::geometric_distribution<std::int32_t>(p));
+  add<boost::random::mt19937>("boost/" + name, boost::random::geometric_distribution<std::int32_t>(p));
+  add_numpy<std::int32_t>(name, [p](bitgen_t* bits) { return random_geometric(bits, p); });
 }
 
 template <class T>
@@ -42,6 +69,11 @@ void add_all(const std::string& type) {
 void register_distribution_peers() {
   add_all<float>("float");
   add_all<double>("double");
+  add_gamma("gamma_2.5/float", 2.5f, random_standard_gamma_f);
+  add_gamma("gamma_0.5/float", 0.5f, random_standard_gamma_f);
+  add_gamma("gamma_2.5/double", 2.5, random_standard_gamma);
+  for (const double p : geometric_probabilities)
+    add_geometric(geometric_name(p), p);
 }
 
 } // namespace bench

@@ -1,9 +1,20 @@
 // The groups of benchmarks of this program.
 #pragma once
 
+#include <cstdio>
+#include <string>
+
 #include "sizes.hpp"
 
 namespace bench {
+
+inline constexpr double geometric_probabilities[] = {0.3, 0.1, 0.0001};
+
+inline std::string geometric_name(double p) {
+  char name[32];
+  std::snprintf(name, sizeof name, "geometric_%g", p);
+  return name;
+}
 
 void register_distributions();
 void register_distribution_peers();

@@ -281,5 +281,56 @@ TEST(geometric_law, values_and_tails_are_those_of_the_exact_quotient) {
   }
 }
 
+TEST(geometric_bounds, rough_logarithm_at_every_mantissa) {
+  double largest = 0;
+  for (std::uint32_t i = 1; i <= 1u << 23; ++i) {
+    const float u = 0.5f + static_cast<float>(i) * 0x1p-24f;
+    const auto found = static_cast<double>(detail::rough_log2<scalar_ops<float>>(u));
+    largest = std::max(largest, std::fabs(found - std::log2(static_cast<double>(u))));
+  }
+  EXPECT_LT(largest, 2.1 * 0x1p-20);
+  EXPECT_EQ(detail::rough_log2<scalar_ops<float>>(0x1.8p-60f),
+            detail::rough_log2<scalar_ops<float>>(0x1.8p-1f) - 59);
+}
+
+// Words that surround every value's ends, and what follows them, on the scales of 32 random bits and of mcg31m1.
+TEST(geometric_bounds, contain_the_value_and_seldom_two) {
+  using O = scalar_ops<float>;
+  for (const double p : {1.0, 0.999, 0.5, 0.3, 0.1, 0.01, 1.0 / 1000}) {
+    const double scale = geometric_scale(p);
+    ASSERT_LE(-scale, geometric_greatest_scale_for_float);
+    const geometric_margins margins = geometric_margins_of(scale);
+    for (const double words : {4294967296.0, 2147483647.0}) {
+      const double cell = 1 / words;
+      std::size_t tried = 0, in_doubt = 0, wrong = 0;
+      const auto try_words = [&](double first, double second) {
+        if (first < geometric_least_word || first >= words)
+          return;
+        const double u = refined<scalar_ops<double>>(first * cell, second * 0x1p-32, cell);
+        const double value = std::trunc(geometric_icdf<scalar_ops<double>>(u, scale));
+        const auto [least, greatest] =
+            geometric_bounds_of<O>(static_cast<float>(first) * static_cast<float>(cell), margins);
+        ++tried;
+        in_doubt += std::trunc(least) != std::trunc(greatest);
+        wrong += !(std::trunc(least) <= value && value <= std::trunc(greatest));
+      };
+      for (double edge = words; edge >= geometric_least_word; edge *= 1 - p)
+        for (double first = std::floor(edge) - 40; first <= edge + 40; ++first)
+          for (const double second : {0.0, 4294967295.0})
+            try_words(first, second);
+      EXPECT_EQ(wrong, 0) << p;
+      tried = in_doubt = 0;
+      for (std::uint32_t i = 0; i < 100'000; ++i) {
+        std::uint32_t own[2];
+        draw(own, i, 9);
+        try_words(std::floor(own[0] * 0x1p-32 * words), own[1]);
+      }
+      EXPECT_EQ(wrong, 0) << p;
+      const double expected = 8 * 0x1p-20 * -scale * static_cast<double>(tried);
+      EXPECT_LT(static_cast<double>(in_doubt), expected + 6 * std::sqrt(expected) + 2) << p;
+    }
+  }
+}
+
 } // namespace
 } // namespace hvl::math

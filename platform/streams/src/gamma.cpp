@@ -16,8 +16,8 @@ int gamma(std::int64_t method, vqs_stream stream, std::int64_t n, T* r, T alpha,
     p.constants = math::gamma_constants_of(alpha, a, beta);
     p.accurate = accurate;
     const bool below_one = p.constants.below_one;
-    return transform_of(kernels.gamma(e.kind, below_one, precision_of<T>), &p, math::gamma_words<T>(below_one),
-                        sizeof(T));
+    return transform_of(kernels.gamma(e.kind, below_one, precision_of<T>), &p,
+                        math::gamma_words<T>(below_one), sizeof(T));
   });
 }
 
@@ -28,6 +28,7 @@ int vsRngGamma_64(int64_t method, vqs_stream stream, int64_t n, float* r, float 
   return hvl::streams::gamma(method, stream, n, r, alpha, a, beta);
 }
 
-int vdRngGamma_64(int64_t method, vqs_stream stream, int64_t n, double* r, double alpha, double a, double beta) {
+int vdRngGamma_64(int64_t method, vqs_stream stream, int64_t n, double* r, double alpha, double a,
+                  double beta) {
   return hvl::streams::gamma(method, stream, n, r, alpha, a, beta);
 }

@@ -81,6 +81,73 @@ TEST(continuous_members, are_finite_at_extreme_words) {
   check_extreme_words<double>();
 }
 
+// The methods whose vectors decide some values in a way of their own: their numbers are those of the scalar kernels.
+template <class T, class Function, class... Parameters>
+void check_scalar(std::int32_t engine, Function function, Parameters... parameters) {
+  constexpr std::size_t longest = 20'000;
+  const auto generate = [&](std::size_t n, T* r) {
+    owned_stream stream(engine);
+    stream.skip(3);
+    ASSERT_EQ(function(0, stream, static_cast<std::int64_t>(n), r, parameters...), VQS_STATUS_OK);
+  };
+  std::vector<T> expected(longest);
+  {
+    const run_mode scalar(HVL_ISA_SCALAR, 1);
+    generate(longest, expected.data());
+  }
+  for_every_mode([&] {
+    for (const std::size_t n : {std::size_t{1}, std::size_t{31}, std::size_t{33}, longest - 1, longest}) {
+      std::vector<T> out(n + 1, poison<T>);
+      generate(n, out.data());
+      expect_same_bits(out.data(), expected, n);
+      EXPECT_EQ(out[n], poison<T>) << "behind the end";
+    }
+  });
+}
+
+TEST_P(continuous, decided_in_vectors_as_one_by_one) {
+  for (const double p : {1.0, 0.3, 1.0 / 1000, 1.0 / 2000, 1e-10}) {
+    SCOPED_TRACE(p);
+    check_scalar<std::int32_t>(id(), viRngGeometric_64, p);
+  }
+  for (const double shape : {0.5, 1.0, 2.5}) {
+    SCOPED_TRACE(shape);
+    check_scalar<float>(id(), vsRngGamma_64, static_cast<float>(shape), 1.0f, 2.0f);
+    check_scalar<double>(id(), vdRngGamma_64, shape, 1.0, 2.0);
+  }
+}
+
+// Pairs whose first word is so small that the second one counts.
+TEST(geometric, least_first_words) {
+  constexpr std::size_t chunk = std::size_t{1} << 20;
+  std::vector<std::uint32_t> words(chunk);
+  std::size_t found = 0;
+  const owned_stream stream(VQS_ENGINE_PHILOX4X32X10);
+  for (std::size_t first = 0; first < 16 * chunk; first += chunk) {
+    ASSERT_EQ(viRngUniformBits32_64(0, stream, chunk, words.data()), VQS_STATUS_OK);
+    for (std::size_t i = 0; i < chunk; i += 2) {
+      if ((words[i] ^ 0x80000000u) >= 1u << 12)
+        continue;
+      ++found;
+      std::vector<std::int32_t> scalar(64), values(64);
+      const auto generate = [&](std::vector<std::int32_t>& r) {
+        owned_stream at(VQS_ENGINE_PHILOX4X32X10);
+        at.skip(first + i);
+        ASSERT_EQ(viRngGeometric_64(0, at, 64, r.data(), 1.0 / 1000), VQS_STATUS_OK);
+      };
+      {
+        const run_mode mode(HVL_ISA_SCALAR, 1);
+        generate(scalar);
+      }
+      for_every_mode([&] {
+        generate(values);
+        expect_equal(values, scalar);
+      });
+    }
+  }
+  EXPECT_GT(found, 3u);
+}
+
 // One call over two threads is what two calls are, where the split leaves no group cut.
 template <class T>
 void check_split(std::int32_t engine, const member<T>& m) {
