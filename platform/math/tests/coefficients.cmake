@@ -1,6 +1,6 @@
 # Every coefficient that SCRIPT computes must stand in one of HEADERS.
 execute_process(COMMAND ${SOLLYA} --warnonstderr ${SCRIPT} OUTPUT_VARIABLE output ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
-file(GLOB headers ${HEADERS}/*.hpp)
+file(GLOB_RECURSE headers ${HEADERS}/*.hpp)
 set(text "")
 foreach(header IN LISTS headers)
   file(READ ${header} content)
