@@ -1,8 +1,8 @@
 // Engines used, copied, skipped and destroyed while their work is still in flight.
 #include <optional>
-#include <thread>
 
 #include "support.hpp"
+#include "waiting.hpp"
 
 namespace kestro::hvl::rng::test {
 namespace {
@@ -33,9 +33,8 @@ TYPED_TEST(in_flight_test, calls_take_effect_in_call_order_and_outlive_their_eng
         generate(bits<>(), engine, n, r, {first.event()});
         generate(bits<>(), engine, n, r + n, {second.event()});
         generate(bits<>(), engine, n, r + 2 * n);
-      } // destroyed before anything has run
-      // Time for work that wrongly does not wait.
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+      }                              // destroyed before anything has run
+      ::hvl::test::let_others_run(); // and so work that wrongly does not wait
       second.open();
       first.open();
       work.wait();
@@ -53,16 +52,12 @@ TYPED_TEST(in_flight_test, copies_and_skips_see_the_state_behind_the_work) {
     gate closed(other);
     TypeParam engine(queue, 11);
     generate(bits<>(), engine, n, r, {closed.event()});
-    std::thread opener([&] {
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-      closed.open();
-    });
+    const ::hvl::test::open_when_waited_for opener([&] { closed.open(); });
     TypeParam copied = engine;
     engine.skip_ahead(100);
     const auto expected = sequence<TypeParam>(queue, n + 200);
     expect_same(usm_values(bits<>(), copied, queue, 200), {expected.end() - 200, expected.end()});
     expect_same(usm_values(bits<>(), engine, queue, 100), {expected.end() - 100, expected.end()});
-    opener.join();
     queue.wait();
     expect_same(std::vector<std::uint32_t>(r, r + n), {expected.begin(), expected.begin() + n});
     sycl::free(r, queue);

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -16,6 +15,8 @@
 #include <vector>
 
 #include <kestro/hvl/exceptions.hpp>
+
+#include "waiting.hpp"
 
 namespace kestro::hvl::rng::detail {
 namespace {
@@ -61,7 +62,7 @@ TEST(completion_threads, run_side_by_side_and_are_joined) {
         ++arrived;
         while (arrived < count) // only if all are there at once
           std::this_thread::yield();
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        hvl::test::let_others_run();
         ++ended;
       });
   }
@@ -158,7 +159,7 @@ TEST(mt2203_conversion, writes_the_live_words_once_the_device_is_done) {
     record[74] = 0x1234; // the twist constant
     mt2203_gpu_state engine{ring.data(), queue.submit([&](sycl::handler& handler) {
                               handler.host_task([&ring, position] {
-                                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                                hvl::test::let_others_run();
                                 for (std::uint32_t k = 0; k < mt2203_ring_words; ++k)
                                   ring[(position + k) % mt2203_ring_words] = 1000 + k;
                                 ring[mt2203_ring_words] = position;

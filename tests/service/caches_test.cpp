@@ -5,13 +5,14 @@
 
 #include <atomic>
 #include <barrier>
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "waiting.hpp"
 
 namespace {
 
@@ -45,7 +46,7 @@ bool enters_beside() {
     Wanted wanted(word);
     entered = true;
   });
-  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  hvl::test::let_others_run();
   const bool result = entered;
   held.unlock();
   other.join();

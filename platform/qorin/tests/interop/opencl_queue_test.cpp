@@ -1,7 +1,7 @@
 #include "opencl_fixture.hpp"
+#include "waiting.hpp"
 
 #include <atomic>
-#include <chrono>
 #include <future>
 #include <thread>
 
@@ -27,10 +27,7 @@ class gate {
   cl_event event_ = nullptr;
 };
 
-/// Time in which something that should wait would have happened if it did not wait.
-void let_others_run() {
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
-}
+using hvl::test::let_others_run;
 
 class opencl_queue : public opencl_fixture {
  protected:
