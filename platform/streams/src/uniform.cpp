@@ -11,12 +11,13 @@ bool is_method(std::int64_t method) {
 template <class T, class Value>
 int uniform(std::int64_t method, uniform_result result, vqs_stream stream, std::int64_t n, Value* r, Value a,
             Value b) noexcept {
-  uniform_parameters<T, Value> p{{}, values_on(a, b)};
+  uniform_parameters<T, Value> p{};
   direct_values direct{sizeof(T) == 4 ? value_form::real32 : value_form::real64, {}, {}};
   const bool plain = result == uniform_result::real32 || result == uniform_result::real64;
   const auto status = [&] { return parameters_status(is_method(method), uniform_fault(a, b)); };
   return vector_call(status, stream, n, r, [&](const engine& e, const kernel_set& kernels) {
     p.affine = uniform_coefficients(e.scale, static_cast<T>(a), static_cast<T>(b));
+    p.range = values_on(a, b); // b - 1, which only the parameters that are taken have
     if constexpr (sizeof(T) == 4)
       direct.single = p.affine;
     else
