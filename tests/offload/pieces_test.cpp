@@ -62,7 +62,7 @@ TEST(completion_threads, run_side_by_side_and_are_joined) {
         ++arrived;
         while (arrived < count) // only if all are there at once
           std::this_thread::yield();
-        hvl::test::let_others_run();
+        ::hvl::test::let_others_run();
         ++ended;
       });
   }
@@ -159,7 +159,7 @@ TEST(mt2203_conversion, writes_the_live_words_once_the_device_is_done) {
     record[74] = 0x1234; // the twist constant
     mt2203_gpu_state engine{ring.data(), queue.submit([&](sycl::handler& handler) {
                               handler.host_task([&ring, position] {
-                                hvl::test::let_others_run();
+                                ::hvl::test::let_others_run();
                                 for (std::uint32_t k = 0; k < mt2203_ring_words; ++k)
                                   ring[(position + k) % mt2203_ring_words] = 1000 + k;
                                 ring[mt2203_ring_words] = position;

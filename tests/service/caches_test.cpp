@@ -46,7 +46,7 @@ bool enters_beside() {
     Wanted wanted(word);
     entered = true;
   });
-  hvl::test::let_others_run();
+  ::hvl::test::let_others_run();
   const bool result = entered;
   held.unlock();
   other.join();

@@ -99,7 +99,7 @@ class TracedQueue : public testing::Test {
 
   sycl::event slow_task() {
     return queue_.submit(
-        [](sycl::handler& handler) { handler.host_task([] { hvl::test::let_others_run(); }); });
+        [](sycl::handler& handler) { handler.host_task([] { ::hvl::test::let_others_run(); }); });
   }
 
   static double seconds_of(const sycl::event& event) {
@@ -205,7 +205,7 @@ TYPED_TEST(BufferWrappers, WaitForAllCommandsOnTheBuffer) {
     const auto slow_reader = [&] {
       return this->queue_.submit([&](sycl::handler& handler) {
         const sycl::accessor<TypeParam, 1, sycl::access_mode::read, sycl::target::host_task> read(r, handler);
-        handler.host_task([] { hvl::test::let_others_run(); });
+        handler.host_task([] { ::hvl::test::let_others_run(); });
       });
     };
     const sycl::event before = slow_reader();

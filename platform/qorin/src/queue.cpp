@@ -19,9 +19,15 @@ std::shared_ptr<command> queue_state::submit(recording&& group) {
   scheduler::end_with_main_thread();
   const auto c = std::make_shared<command>(shared_from_this(), errors, profiled);
   c->set_action(std::move(group.action));
-  {
+  try {
     // The queue's order and the buffers' order are taken at one moment, so that they never contradict.
     const std::lock_guard lock(mutex_);
+    if (!in_order) {
+      c->queue_number = submitted_++;
+      c->queue_previous = last_;
+      (last_ != nullptr ? last_->queue_next : first_) = c.get();
+      last_ = c.get();
+    }
     if (native)
       native->enter(*c, errors);
     for (const auto& dependency : group.dependencies)
@@ -29,20 +35,20 @@ std::shared_ptr<command> queue_state::submit(recording&& group) {
     if (in_order) {
       c->add_dependency(latest_);
       latest_ = c;
-    } else {
-      c->queue_number = submitted_++;
-      c->queue_previous = last_;
-      (last_ != nullptr ? last_->queue_next : first_) = c.get();
-      last_ = c.get();
     }
     if (!group.requests.empty()) {
       const std::lock_guard graph_lock(graph_mutex());
       for (const auto& [memory, mode] : group.requests)
         memory->users().enter(c, mode);
     }
+    for (auto& request : group.requests)
+      c->keep(std::move(request.first));
+  } catch (...) {
+    // Others may know the command already: it runs its course without doing anything.
+    c->set_action(nullptr);
+    c->release();
+    throw;
   }
-  for (auto& request : group.requests)
-    c->keep(std::move(request.first));
   c->release();
   return c;
 }
