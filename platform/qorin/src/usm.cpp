@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <limits>
 #include <map>
+#include <memory>
 #include <shared_mutex>
 
 #include <sys/mman.h>
@@ -98,15 +99,16 @@ void* allocate(std::size_t alignment, std::size_t bytes, const context& ctx, con
   }
   alignment = larger(alignment, bytes >= 2 * huge_page ? huge_page : default_alignment);
   const std::size_t rounded = (bytes + alignment - 1) / alignment * alignment;
-  void* memory = std::aligned_alloc(alignment, rounded);
-  if (memory == nullptr)
+  const auto release = [](void* address) { std::free(address); };
+  std::unique_ptr<void, decltype(release)> memory(std::aligned_alloc(alignment, rounded), release);
+  if (!memory)
     return nullptr;
   if (alignment >= huge_page)
-    madvise(memory, rounded, MADV_HUGEPAGE); // a hint: fewer page faults at the first touch
+    madvise(memory.get(), rounded, MADV_HUGEPAGE); // a hint: fewer page faults at the first touch
   const device first = dev != nullptr ? *dev : ctx.get_devices().front();
-  allocation_table::instance().add(memory,
+  allocation_table::instance().add(memory.get(),
                                    {bytes, kind, handle_access::state(ctx), handle_access::state(first)});
-  return memory;
+  return memory.release();
 }
 
 } // namespace
