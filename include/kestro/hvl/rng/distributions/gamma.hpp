@@ -20,6 +20,8 @@ struct marsaglia_accurate {};
 /// Two words a value, three at shapes below 1, whatever is rejected: a rejected first attempt is followed by others made of
 /// a hash of the value's own words. `double` makes values in pairs, so an odd n wastes the words of one value. Far tails
 /// end where the normal number behind a value does, which is made of 32 bits.
+///
+/// Some C libraries have a function `::gamma`: behind a using-directive write `rng::gamma`, or a using-declaration.
 template <class T = float, class Method = gamma_method::marsaglia>
 class gamma {
   static_assert(detail::is_one_of<T, float, double>, "gamma yields float or double");
