@@ -296,6 +296,12 @@ TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
       EXPECT_EQ(fill(at, 3, 0x01), VQS_STATUS_OK);
     }
     break;
+  case VQS_ENGINE_R250:
+    EXPECT_EQ(fill(1000, 1, 250), VQS_STATUS_STATE_RANGE); // the position
+    EXPECT_EQ(fill(1000, 1, 249), VQS_STATUS_OK);
+    EXPECT_EQ(fill(40 * 4, 210 * 4, 0x55), VQS_STATUS_OK);
+    EXPECT_EQ(fill(30 * 4, 10 * 4, 0x55), VQS_STATUS_STATE_RANGE); // 31 words cannot span 32 bits
+    break;
   default:
     FAIL() << "an engine without cases of its own";
   }

@@ -67,6 +67,14 @@ typedef struct {
   uint32_t x[4], a[4];
 } vqs_wichmann_hill_record;
 
+/* The last 250 words, in a ring. words[position] is the oldest, whose place the next one takes: a word's place is its
+ * number in the sequence modulo 250. The words span all 32 bits. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t words[250];
+  uint32_t position; /* 0..249 */
+} vqs_r250_record;
+
 #ifdef __cplusplus
 static_assert(sizeof(vqs_record_header) == 16, "fields start at byte 16");
 static_assert(sizeof(vqs_mrg32k3a_record) == 52, "the substreams lie at byte 40");

@@ -12,6 +12,7 @@
 
 #include "generators/mt19937.hpp"
 #include "generators/mt19937_polynomial.hpp"
+#include "generators/polynomial.hpp"
 #include "hvl/core.h"
 #include "hvl/streams_detail.h"
 #include "simd/kernels.hpp"
@@ -20,28 +21,12 @@
 namespace hvl::streams {
 namespace {
 
-constexpr std::size_t bits = 64;
+constexpr std::size_t bits = polynomial_bits;
 constexpr std::size_t mt19937_words = engines::mt19937::recurrence::size;
 constexpr std::size_t polynomial_words = (mt19937_degree + bits - 1) / bits;
 static_assert(polynomial_words * 2 == mt19937_words);
 
 using polynomial = std::array<std::uint64_t, polynomial_words>;
-
-// Bit i of `half` at bit 2 i.
-std::uint64_t spread(std::uint32_t half) {
-  std::uint64_t w = half;
-  w = (w | w << 16) & 0x0000FFFF0000FFFF;
-  w = (w | w << 8) & 0x00FF00FF00FF00FF;
-  w = (w | w << 4) & 0x0F0F0F0F0F0F0F0F;
-  w = (w | w << 2) & 0x3333333333333333;
-  return (w | w << 1) & 0x5555555555555555;
-}
-
-void xor_word_at(std::uint64_t* words, std::size_t bit, std::uint64_t word) {
-  words[bit / bits] ^= word << bit % bits;
-  if (bit % bits != 0)
-    words[bit / bits + 1] ^= word >> (bits - bit % bits);
-}
 
 polynomial squared(const polynomial& p) {
   constexpr std::size_t top_word = mt19937_degree / bits;
