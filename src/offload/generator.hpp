@@ -11,6 +11,7 @@
 #include "engines/mrg32k3a.hpp"
 #include "engines/mt19937.hpp"
 #include "engines/r250.hpp"
+#include "engines/sfmt19937.hpp"
 #include "framework/distribution_impl.hpp"
 #include "offload/create_engine.hpp"
 

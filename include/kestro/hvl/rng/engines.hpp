@@ -203,4 +203,19 @@ class KESTRO_HVL_API r250 : public detail::engine_base<r250> {
   r250(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
 };
 
+/// SIMD-oriented Fast Mersenne Twister of M. Saito and M. Matsumoto (Monte Carlo and Quasi-Monte Carlo Methods 2006); period
+/// a multiple of 2^19937 - 1. On a GPU device the state lives in device memory.
+class KESTRO_HVL_API sfmt19937 : public detail::engine_base<sfmt19937> {
+ public:
+  /// The authors' `init_gen_rand`; above 2^32 `init_by_array` of the seed's two words, the low one first.
+  sfmt19937(sycl::queue queue, std::uint64_t seed);
+
+  /// The authors' `init_by_array`.
+  sfmt19937(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  sfmt19937(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
+
+  /// As `mt19937::skip_ahead`.
+  void skip_ahead(std::uint64_t num_to_skip);
+};
+
 } // namespace kestro::hvl::rng

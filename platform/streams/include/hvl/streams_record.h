@@ -60,6 +60,13 @@ typedef struct {
   uint32_t position; /* 0..624 */
 } vqs_mt19937_record;
 
+/* 156 units of four words, the least first, not all zero. words[position] is the next output; 624 as above. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t words[624];
+  uint32_t position; /* 0..624 */
+} vqs_sfmt19937_record;
+
 /* The header's engine is VQS_ENGINE_WICHMANN_HILL + the member's index, from which the moduli follow. The next output is
  * that of x; both x and a are from 1 up to the modulus of their component. */
 typedef struct {

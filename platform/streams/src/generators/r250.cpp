@@ -6,6 +6,7 @@
 
 #include "generators/entry.hpp"
 #include "generators/polynomial.hpp"
+#include "generators/power_of_x.hpp"
 #include "generators/split_mix.hpp"
 #include "hvl/streams_detail.h"
 #include "stream.hpp"
@@ -103,7 +104,14 @@ struct generator {
 constexpr std::size_t polynomial_words = std::tuple_size_v<r250_polynomial>;
 constexpr std::size_t top_bit = n % polynomial_bits;
 
-r250_polynomial squared(const r250_polynomial& p) {
+struct field {
+  static constexpr std::size_t degree = n;
+  using polynomial = r250_polynomial;
+  static polynomial squared(const polynomial& p);
+  static void multiply_by_x(polynomial& p);
+};
+
+r250_polynomial field::squared(const r250_polynomial& p) {
   std::uint64_t square[2 * polynomial_words + 1] = {};
   for (std::size_t i = 0; i < polynomial_words; ++i) {
     square[2 * i] = spread(static_cast<std::uint32_t>(p[i]));
@@ -121,7 +129,7 @@ r250_polynomial squared(const r250_polynomial& p) {
   return {square[0], square[1], square[2], square[3]};
 }
 
-void multiply_by_x(r250_polynomial& p) {
+void field::multiply_by_x(r250_polynomial& p) {
   for (std::size_t i = polynomial_words; i-- != 0;)
     p[i] = p[i] << 1 | (i == 0 ? 0 : p[i - 1] >> (polynomial_bits - 1));
   if ((p.back() >> top_bit & 1) != 0) {
@@ -134,13 +142,7 @@ void multiply_by_x(r250_polynomial& p) {
 } // namespace
 
 r250_polynomial r250_power_of_x(std::span<const std::uint64_t> exponent) noexcept {
-  r250_polynomial p{1};
-  for (std::size_t i = exponent.size() * polynomial_bits; i-- != 0;) {
-    p = squared(p);
-    if ((exponent[i / polynomial_bits] >> i % polynomial_bits & 1) != 0)
-      multiply_by_x(p);
-  }
-  return p;
+  return power_of_x<field>(exponent);
 }
 
 // H. Haramoto, M. Matsumoto, P. L'Ecuyer, "A fast jump ahead algorithm for linear recurrences in a polynomial space",

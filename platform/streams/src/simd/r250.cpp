@@ -1,6 +1,6 @@
 // The squared recurrence, x(n) = x(n - 206) xor x(n - 500), in vectors over a ring of the last 512 words, in place: words
 // are in memory long before they are read again.
-#include <algorithm>
+#include <cstring>
 
 #include "hvl/engines/r250.hpp"
 #include "simd/value_sink.hpp"
@@ -23,24 +23,25 @@ void wind_back(std::uint32_t* words, std::size_t begin, std::size_t end) {
 }
 
 struct workspace {
-  alignas(
-      vector_alignment) std::uint32_t words[granule + lanes]; // behind the ring: its first vector once more
-  std::uint64_t granules;                                     // granules run
-  std::uint32_t position;                                     // of the record
+  alignas(vector_alignment) std::uint32_t words[granule + 16]; // behind the ring: its first words once more
+  std::uint64_t granules;                                      // granules run
+  std::uint32_t position;                                      // of the record
 };
 
 std::uint32_t open(const void* record, void* workspace_memory) noexcept {
   const auto& r = *static_cast<const vqs_r250_record*>(record);
   auto& w = *static_cast<workspace*>(workspace_memory);
-  std::rotate_copy(r.words, r.words + r.position, r.words + n, w.words + granule - n);
+  const std::size_t newer = r.position; // words before it in the record
+  std::memcpy(w.words + granule - n, r.words + newer, (n - newer) * sizeof(std::uint32_t));
+  std::memcpy(w.words + granule - newer, r.words, newer * sizeof(std::uint32_t));
   wind_back(w.words, 0, granule - n);
   w.granules = 0;
   w.position = r.position;
   return 0;
 }
 
-// The first vector is also stored behind the ring, where the vector whose words of 206 places before straddle its
-// beginning reads them.
+// The first words are also stored behind the ring, where vectors that straddle its end read them: 206 places back, and up to
+// 12 words ahead, which is 500 places back.
 template <class Sink>
 HWY_INLINE void run_to(const Sink& sink, workspace& w, std::size_t granules) noexcept {
   std::uint32_t* HWY_RESTRICT const x = w.words;
@@ -53,8 +54,9 @@ HWY_INLINE void run_to(const Sink& sink, workspace& w, std::size_t granules) noe
       return y;
     };
     constexpr std::size_t straddling = 2 * lag / lanes * lanes;
-    hn::Store(step(0, granule - 2 * lag), d, x + granule);
-    for (std::size_t i = lanes; i <= straddling; i += lanes)
+    for (std::size_t i = 0; i < 16; i += lanes)
+      hn::Store(step(i, i + granule - 2 * lag), d, x + granule + i);
+    for (std::size_t i = 16; i <= straddling; i += lanes)
       step(i, i + granule - 2 * lag);
     for (std::size_t i = straddling + lanes; i < granule; i += lanes)
       step(i, i - 2 * lag);
@@ -66,12 +68,14 @@ void close(const void* workspace_memory, void* record, std::uint64_t words_taken
   const auto& w = *static_cast<const workspace*>(workspace_memory);
   auto& r = *static_cast<vqs_r250_record*>(record);
   std::uint32_t sequence[2 * granule];
-  std::copy_n(w.words, granule, sequence + granule);
+  std::memcpy(sequence + granule, w.words, granule * sizeof(std::uint32_t));
   const std::size_t end = granule + static_cast<std::size_t>(words_taken - (w.granules - 1) * granule);
   const std::size_t begin = end - n;
   wind_back(sequence, begin, granule);
   r.position = static_cast<std::uint32_t>((w.position + words_taken) % n);
-  std::rotate_copy(sequence + begin, sequence + end - r.position, sequence + end, r.words);
+  const std::size_t newer = r.position;
+  std::memcpy(r.words + newer, sequence + begin, (n - newer) * sizeof(std::uint32_t));
+  std::memcpy(r.words, sequence + end - newer, newer * sizeof(std::uint32_t));
 }
 
 static_assert(sizeof(workspace) <= workspace_bytes);
