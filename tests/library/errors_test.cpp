@@ -47,8 +47,9 @@ TYPED_TEST(errors_test, a_moved_from_engine_holds_nothing) {
             "kestro::hvl::rng::generate: invalid argument: engine");
   EXPECT_EQ(refusal<invalid_argument>([&] { get_state_size(source); }),
             "kestro::hvl::rng::get_state_size: invalid argument: engine");
-  if constexpr (skips<TypeParam>)
+  if constexpr (skips<TypeParam>) {
     EXPECT_THROW(source.skip_ahead(1), invalid_argument);
+  }
   TypeParam copy_of_nothing = source;
   source = target; // and can be assigned to
   EXPECT_NO_THROW(get_state_size(source));
