@@ -4,6 +4,7 @@
 #include <dSFMT.h>
 #include <gsl/gsl_rng.h>
 
+#include <array>
 #include <boost/random/mersenne_twister.hpp>
 #include <memory>
 #include <random>
@@ -115,6 +116,36 @@ struct textbook_wichmann_hill {
   }
 };
 
+// As its definition reads, over a ring.
+struct textbook_r250 {
+  std::array<std::uint32_t, 250> words;
+  std::size_t oldest = 0;
+
+  textbook_r250() {
+    std::mt19937 random;
+    for (std::uint32_t& word : words)
+      word = static_cast<std::uint32_t>(random());
+  }
+  std::uint32_t operator()() {
+    const std::size_t lagging = oldest < 103 ? oldest + 147 : oldest - 103;
+    const std::uint32_t word = words[oldest] ^= words[lagging];
+    oldest = oldest == 249 ? 0 : oldest + 1;
+    return word;
+  }
+  void operator()(std::span<std::uint32_t> out) {
+    for (std::uint32_t& word : out)
+      word = (*this)();
+  }
+  void operator()(std::span<float> out) {
+    for (float& value : out)
+      value = static_cast<float>(static_cast<std::int32_t>((*this)())) * 0x1p-32f + 0.5f;
+  }
+  void operator()(std::span<double> out) {
+    for (double& value : out)
+      value = static_cast<double>(static_cast<std::int32_t>((*this)())) * 0x1p-32 + 0.5;
+  }
+};
+
 struct gsl_mt19937 {
   std::shared_ptr<gsl_rng> rng{gsl_rng_alloc(gsl_rng_mt19937), gsl_rng_free};
 
@@ -155,6 +186,7 @@ void register_peers() {
       from_engine<std::linear_congruential_engine<std::uint32_t, 1132489760, 0, 2147483647>>());
   register_words_and_reals("textbook_mrg32k3a", textbook_mrg32k3a());
   register_words_and_reals("textbook_wichmann_hill", textbook_wichmann_hill());
+  register_words_and_reals("textbook_r250", textbook_r250());
   register_peer<std::uint32_t>("random123_philox/bits", random123<r123::Philox4x32>());
   register_peer<float>("random123_philox/float", random123<r123::Philox4x32>());
 #if R123_USE_AES_NI

@@ -3,6 +3,7 @@
 
 #include "engines.hpp"
 #include "hvl/streams.h"
+#include "hvl/streams_detail.h"
 #include "sizes.hpp"
 
 namespace bench {
@@ -14,7 +15,7 @@ void skips(benchmark::State& state, std::int32_t id, std::uint64_t distance, std
   if (vqsNewStream_64(&stream, id, 1) != VQS_STATUS_OK)
     return state.SkipWithError("no stream");
   for (auto _ : state) {
-    if (vqsSkipAheadStream_64(stream, distance) != VQS_STATUS_OK)
+    if (vqsAdvanceStream_64(stream, 1, &distance) != VQS_STATUS_OK)
       state.SkipWithError("skip failed");
     distance += distance_step;
   }

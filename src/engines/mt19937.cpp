@@ -36,7 +36,7 @@ void mt19937_state_unwind(std::uint32_t* words) {
   std::copy(sequence, sequence + size, words);
 }
 
-void ring_traits<mt19937>::load(const stream_handle& stream, std::uint32_t* words) {
+int ring_traits<mt19937>::load(const stream_handle& stream, std::uint32_t* words) {
   const auto& record = stream.record<vqs_mt19937_record>();
   if (record.position >= size) {
     std::copy_n(record.words, size, words);
@@ -44,27 +44,17 @@ void ring_traits<mt19937>::load(const stream_handle& stream, std::uint32_t* word
     mt19937_state_shift(record.words, words, record.position);
     mt19937_state_unwind(words);
   }
+  return 0;
 }
 
-void ring_traits<mt19937>::store(const std::uint32_t* words, const stream_handle& stream) {
+void ring_traits<mt19937>::store(const std::uint32_t* words, int, const stream_handle& stream) {
   auto& record = stream.record<vqs_mt19937_record>();
   std::copy_n(words, size, record.words);
   record.position = size;
 }
 
-int ring_traits<mt19937>::jump(std::uint32_t* words, std::uint64_t distance) {
-  return vqsMt19937Jump(words, distance);
-}
-
 int ring_traits<mt19937>::jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients) {
   return vqsMt19937JumpPolynomial(distance, coefficients);
-}
-
-void mt19937_gpu_state_to_vqs_stream(engine_base_impl<mt19937>& engine, vqs_stream stream) {
-  const auto& from = engine.up_to_date_stream().record<vqs_mt19937_record>();
-  auto& to = *static_cast<vqs_mt19937_record*>(stream);
-  std::copy_n(from.words, size, to.words);
-  to.position = from.position;
 }
 
 } // namespace detail

@@ -8,9 +8,8 @@ namespace kestro::hvl::rng::detail {
 
 template <>
 struct ring_traits<mt19937> {
-  static void load(const stream_handle& stream, std::uint32_t* words);
-  static void store(const std::uint32_t* words, const stream_handle& stream);
-  static int jump(std::uint32_t* words, std::uint64_t distance);
+  static int load(const stream_handle& stream, std::uint32_t* words);
+  static void store(const std::uint32_t* words, int place, const stream_handle& stream);
   static int jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients);
 };
 
@@ -26,8 +25,5 @@ void mt19937_state_shift(const std::uint32_t* classic_words, std::uint32_t* out,
 /// Replaces 624 consecutive words of the sequence by the 624 before them. (The lower 31 bits of the first of these
 /// take no part in the sequence and come out 0.)
 void mt19937_state_unwind(std::uint32_t* words);
-
-/// Waits, then writes the device state of an engine to a stream: the 624 live words, all of them used.
-void mt19937_gpu_state_to_vqs_stream(engine_base_impl<mt19937>& engine, vqs_stream stream);
 
 } // namespace kestro::hvl::rng::detail

@@ -2,14 +2,16 @@
 
 #include <cstdint>
 #include <memory>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
+#include <hvl/streams_detail.h>
 #include <kestro/hvl/rng/functions.hpp>
 
 #include "engines/mrg32k3a.hpp"
 #include "engines/mt19937.hpp"
+#include "engines/r250.hpp"
+#include "engines/sfmt19937.hpp"
 #include "framework/distribution_impl.hpp"
 #include "offload/create_engine.hpp"
 
@@ -64,14 +66,15 @@ class generator_impl final : public generator<Distribution> {
   }
 
   void skip_ahead(std::int64_t n) override {
-    if constexpr (std::is_same_v<Engine, mt19937>) {
+    if constexpr (on_ring<Engine>) {
       auto& impl = engine_access::impl<Engine>(engine_, "skip_ahead");
       if (impl.extension().ring != nullptr) {
-        mt19937_gpu_state_to_vqs_stream(impl, stream_);
+        ring_state_to_stream(impl, stream_);
         return;
       }
     }
-    check_stream_status(vqsSkipAheadStream_64(stream_, described().words_of(n)), "skip_ahead", "");
+    const std::uint64_t words = described().words_of(n);
+    check_stream_status(vqsAdvanceStream_64(stream_, 1, &words), "skip_ahead", "");
   }
 
   std::int64_t get_scale() const override {

@@ -6,7 +6,7 @@
 #include <sycl/sycl.hpp>
 
 /// Conversions between streams of the host-side interface and device states, for the engines whose device state
-/// is laid out here. (mt19937: engines/mt19937.hpp. The other engines generate from a copy of the stream, which
+/// is laid out here. (Engines on a ring: framework/ring. The other engines generate from a copy of the stream, which
 /// is skipped ahead.) `stream` is the stream's record; its first 16 bytes, the header, are never touched.
 namespace kestro::hvl::rng::detail {
 

@@ -56,11 +56,12 @@ concept has_members = requires(const sycl::queue& queue, const Seed& seed, std::
   Engine(queue, seed, member);
 };
 
-// Skips of several words are checked against skips in steps.
+// Skips of several words are checked against skips in steps; an engine without skips is asked at its start.
 template <class Engine>
 bool is_offered(const known_answer& answer) {
   const bool is_narrow = !answer.seed || *answer.seed <= std::numeric_limits<std::uint32_t>::max();
-  return answer.skip.size() < 2 && (has_wide_seeds<Engine> || is_narrow);
+  const bool is_reached = skips<Engine> || answer.skip.empty() || answer.skip[0] == 0;
+  return answer.skip.size() < 2 && is_reached && (has_wide_seeds<Engine> || is_narrow);
 }
 
 template <class Engine, class Seed>
@@ -76,8 +77,9 @@ Engine engine_of(const sycl::queue& queue, const known_answer& answer) {
   using seed_type = std::conditional_t<has_wide_seeds<Engine>, std::uint64_t, std::uint32_t>;
   Engine engine = answer.seed ? member_of<Engine>(queue, static_cast<seed_type>(*answer.seed), answer.member)
                               : member_of<Engine>(queue, answer.words, answer.member);
-  if (!answer.skip.empty())
-    engine.skip_ahead(answer.skip[0]);
+  if constexpr (skips<Engine>)
+    if (!answer.skip.empty())
+      engine.skip_ahead(answer.skip[0]);
   return engine;
 }
 

@@ -2,8 +2,9 @@
 """Writes the characteristic polynomial of mt19937's recurrence, found by Berlekamp and Massey's algorithm from the
 lowest bits of its words, to standard output (platform/streams/src/generators/mt19937_polynomial.hpp)."""
 
+from gf2 import characteristic_polynomial
+
 DEGREE = 19937
-WINDOW = (1 << (DEGREE + 1)) - 1
 
 
 def words(seed):
@@ -18,25 +19,10 @@ def words(seed):
         k += 1
 
 
-def connection_polynomial(bits):
-    """Bit j of the result is the coefficient c_j of s_k = c_1 s_(k-1) + ... + c_L s_(k-L); c_0 is 1."""
-    c, b, length, since, window = 1, 1, 0, 1, 0
-    for k, bit in enumerate(bits):
-        window = (window << 1 | bit) & WINDOW
-        if (c & window).bit_count() & 1:
-            if 2 * length <= k:
-                c, b, length, since = c ^ (b << since), c, k + 1 - length, 1
-                continue
-            c ^= b << since
-        since += 1
-    return c, length
-
-
 def main():
     source = words(5489)
-    c, length = connection_polynomial([next(source) & 1 for _ in range(2 * DEGREE + 64)])
-    assert length == DEGREE
-    exponents = sorted(length - j for j in range(length + 1) if c >> j & 1)
+    p = characteristic_polynomial([next(source) & 1 for _ in range(2 * DEGREE + 64)], DEGREE)
+    exponents = [e for e in range(p.bit_length()) if p >> e & 1]
     assert exponents[-1] == DEGREE
     lines, line = [], "   "
     for e in exponents[:-1]:

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "hvl/streams_detail.h"
+
 namespace hvl::streams {
 namespace {
 
@@ -23,6 +25,24 @@ int new_stream(vqs_stream* stream, std::int32_t id, const Seed& seed) {
   if (status == VQS_STATUS_OK)
     *stream = record.release();
   return status;
+}
+
+// By as many words as `words` spell, where the engine `can`.
+template <class Can>
+int advance(vqs_stream stream, std::int64_t count, const std::uint64_t* words, const Can& can) {
+  return guarded([&]() -> int {
+    if (stream == nullptr || (words == nullptr && count != 0))
+      return VQS_STATUS_NULL_POINTER;
+    const engine* e = engine_of(stream);
+    if (e == nullptr)
+      return VQS_STATUS_BAD_STREAM;
+    if (count < 0)
+      return VQS_STATUS_BAD_COUNT;
+    if (!can(*e))
+      return VQS_STATUS_SKIP_UNSUPPORTED;
+    e->advance(stream, std::span(words, static_cast<std::size_t>(count)));
+    return VQS_STATUS_OK;
+  });
 }
 
 } // namespace
@@ -102,19 +122,12 @@ int vqsSkipAheadStream_64(vqs_stream stream, uint64_t n) {
 }
 
 int vqsSkipAheadStreamEx_64(vqs_stream stream, int64_t count, const uint64_t* words) {
-  return guarded([&]() -> int {
-    if (stream == nullptr || (words == nullptr && count != 0))
-      return VQS_STATUS_NULL_POINTER;
-    const engine* e = engine_of(stream);
-    if (e == nullptr)
-      return VQS_STATUS_BAD_STREAM;
-    if (count < 0)
-      return VQS_STATUS_BAD_COUNT;
-    if (e->skip == hvl::engines::skip_form::none)
-      return VQS_STATUS_SKIP_UNSUPPORTED;
-    e->advance(stream, std::span(words, static_cast<std::size_t>(count)));
-    return VQS_STATUS_OK;
-  });
+  return advance(stream, count, words,
+                 [](const engine& e) { return e.skip != hvl::engines::skip_form::none; });
+}
+
+int vqsAdvanceStream_64(vqs_stream stream, int64_t count, const uint64_t* words) {
+  return advance(stream, count, words, [](const engine& e) { return e.is_reproducible; });
 }
 
 int vqsLeapfrogStream_64(vqs_stream stream, uint64_t idx, uint64_t stride) {

@@ -68,6 +68,54 @@ TEST(mt19937_jump, goes_round_the_period) {
   expect_equal(stream.skip_words(period).bits(2000), expected);
 }
 
+TEST(r250_jump, goes_round_the_period) {
+  // 2^250 - 1 outputs
+  std::vector<std::uint64_t> period(4, ~std::uint64_t{0});
+  period.back() >>= 6;
+  owned_stream stream(VQS_ENGINE_R250);
+  stream.bits(77);
+  const auto expected = owned_stream(stream).bits(600);
+  expect_equal(stream.skip_words(period).bits(600), expected);
+}
+
+TEST(r250_seed_words, are_the_state_and_their_bits_never_dependent) {
+  std::vector<std::uint32_t> words = owned_stream(VQS_ENGINE_R250, 3).bits(250);
+  const auto following = owned_stream(VQS_ENGINE_R250, 3).skip(250).bits(300);
+  expect_equal(owned_stream(VQS_ENGINE_R250, words).bits(300), following);
+  words.push_back(7); // has no place
+  expect_equal(owned_stream(VQS_ENGINE_R250, words).bits(300), following);
+  for (const std::uint32_t same : {0u, 0xFFFFFFFFu, 0x55555555u}) {
+    owned_stream stream(VQS_ENGINE_R250, std::vector<std::uint32_t>(250, same));
+    owned_stream copy(stream); // refused if they were
+    EXPECT_NE(stream.bits(1000), std::vector<std::uint32_t>(1000, 0u));
+  }
+}
+
+TEST(jump_polynomials, of_r250_and_sfmt19937_serve_jumps_made_elsewhere) {
+  const auto check = [](std::int32_t id, std::size_t degree, std::size_t unit, auto polynomial_of) {
+    const auto x = owned_stream(id).bits(unit * (degree + 20'000));
+    for (const std::size_t shifts : {1u, 2u, 999u, 19'000u}) {
+      std::vector<std::uint32_t> polynomial((degree + 31) / 32, 0xFFFFFFFF);
+      ASSERT_EQ(polynomial_of(unit * shifts, polynomial.data()), VQS_STATUS_OK);
+      std::vector<std::uint32_t> words(700);
+      for (std::size_t i = 0; i < polynomial.size() * 32; ++i)
+        if ((polynomial[i / 32] >> i % 32 & 1) != 0)
+          for (std::size_t j = 0; j < words.size(); ++j)
+            words[j] ^= x[unit * (1 + i) + j];
+      const auto there = x.begin() + static_cast<std::ptrdiff_t>(unit * shifts);
+      expect_equal(words, {there, there + 700});
+    }
+    std::uint32_t untouched = 7;
+    EXPECT_EQ(polynomial_of(0, &untouched), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(polynomial_of(unit, nullptr), VQS_STATUS_NULL_POINTER);
+    EXPECT_EQ(untouched, 7u);
+  };
+  check(VQS_ENGINE_R250, 250, 1, vqsR250JumpPolynomial);
+  check(VQS_ENGINE_SFMT19937, 19'968, 4, vqsSfmt19937JumpPolynomial);
+  std::uint32_t untouched = 7;
+  EXPECT_EQ(vqsSfmt19937JumpPolynomial(6, &untouched), VQS_STATUS_BAD_PARAMETER);
+}
+
 using matrix = std::array<std::uint32_t, 9>;
 
 matrix product(const matrix& a, const matrix& b, std::uint64_t m) {

@@ -50,8 +50,8 @@ TEST_P(misuse, of_a_vector_generator_leaves_stream_and_output_alone) {
 }
 
 TEST_P(misuse, uniform_bits_are_refused_where_the_words_are_not_bits) {
-  const bool served =
-      id() != VQS_ENGINE_MCG31M1 && id() != VQS_ENGINE_MRG32K3A && id() != VQS_ENGINE_WICHMANN_HILL;
+  const bool served = id() != VQS_ENGINE_MCG31M1 && id() != VQS_ENGINE_MRG32K3A &&
+                      id() != VQS_ENGINE_WICHMANN_HILL && id() != VQS_ENGINE_R250;
   owned_stream stream(id());
   const auto before = stream.saved();
   std::uint32_t u[1] = {7};
@@ -69,6 +69,10 @@ TEST_P(misuse, of_a_stream_has_its_status) {
   EXPECT_EQ(vqsSkipAheadStreamEx_64(stream, -1, nullptr), VQS_STATUS_NULL_POINTER);
   const std::uint64_t words[] = {1};
   EXPECT_EQ(vqsSkipAheadStreamEx_64(stream, -1, words), VQS_STATUS_BAD_COUNT);
+  EXPECT_EQ(vqsSkipAheadStream_64(stream, 0),
+            id() == VQS_ENGINE_R250 ? VQS_STATUS_SKIP_UNSUPPORTED : VQS_STATUS_OK);
+  EXPECT_EQ(vqsAdvanceStream_64(stream, -1, words), VQS_STATUS_BAD_COUNT);
+  EXPECT_EQ(vqsAdvanceStream_64(stream, 1, nullptr), VQS_STATUS_NULL_POINTER);
   const bool leaps =
       id() == VQS_ENGINE_MCG31M1 || id() == VQS_ENGINE_MCG59 || id() == VQS_ENGINE_WICHMANN_HILL;
   EXPECT_EQ(vqsLeapfrogStream_64(stream, 1, 0),

@@ -285,6 +285,7 @@ TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
     EXPECT_EQ(fill(8, 8, 0xFF), VQS_STATUS_STATE_RANGE);
     break;
   case VQS_ENGINE_MT19937:
+  case VQS_ENGINE_SFMT19937:
     EXPECT_EQ(fill(2497, 1, 0x03), VQS_STATUS_STATE_RANGE); // position 624 + 256
     EXPECT_EQ(fill(2497, 1, 0x00), VQS_STATUS_OK);
     EXPECT_EQ(fill(0, 2496, 0x00), VQS_STATUS_STATE_RANGE); // no word set
@@ -295,6 +296,12 @@ TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
       EXPECT_EQ(fill(at, 3, 0xFF), VQS_STATUS_STATE_RANGE); // 2^24 - 1
       EXPECT_EQ(fill(at, 3, 0x01), VQS_STATUS_OK);
     }
+    break;
+  case VQS_ENGINE_R250:
+    EXPECT_EQ(fill(1000, 1, 250), VQS_STATUS_STATE_RANGE); // the position
+    EXPECT_EQ(fill(1000, 1, 249), VQS_STATUS_OK);
+    EXPECT_EQ(fill(40 * 4, 210 * 4, 0x55), VQS_STATUS_OK);
+    EXPECT_EQ(fill(30 * 4, 10 * 4, 0x55), VQS_STATUS_STATE_RANGE); // 31 words cannot span 32 bits
     break;
   default:
     FAIL() << "an engine without cases of its own";

@@ -53,15 +53,23 @@ TYPED_TEST(positions, are_those_of_the_stream) {
   }
 }
 
-TEST(recurrences, mt19937_is_that_of_the_stream) {
-  using engine = engines::mt19937;
-  owned_stream stream(engine::about.identifier, 7);
-  const engine::record& record = record_of<engine>(stream);
-  const engine::recurrence recurrence = engine::recurrence_of(record);
-  std::vector<std::uint32_t> x(record.words, record.words + recurrence.size); // all given out
+template <class Engine>
+class recurrences : public ::testing::Test {};
+using recurrence_types = ::testing::Types<engines::mt19937, engines::r250, engines::sfmt19937>;
+TYPED_TEST_SUITE(recurrences, recurrence_types);
+
+TYPED_TEST(recurrences, are_those_of_the_stream) {
+  owned_stream stream(TypeParam::about.identifier, 7);
+  const auto& record = record_of<TypeParam>(stream);
+  const auto recurrence = TypeParam::recurrence_of(record);
+  std::vector<std::uint32_t> x(std::begin(record.words), std::end(record.words)); // all given out
+  x.insert(x.begin(), recurrence.size - x.size(), 0u); // read by words in mid-unit only
   std::vector<std::uint32_t> actual;
   for (std::size_t i = 0; i < 2000; ++i) {
-    x.push_back(recurrence.next(x.data() + i));
+    if constexpr (recurrence.unit == 1)
+      x.push_back(recurrence.next(x.data() + i));
+    else
+      x.push_back(recurrence.next(x.data() + i, static_cast<int>(i % recurrence.unit)));
     actual.push_back(recurrence.output(x.back()));
   }
   expect_equal(actual, stream.bits(actual.size()));

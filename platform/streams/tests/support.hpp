@@ -16,6 +16,7 @@
 #include "hvl/core.h"
 #include "hvl/engines.hpp"
 #include "hvl/streams.h"
+#include "hvl/streams_detail.h"
 
 namespace hvl::streams::test {
 
@@ -33,6 +34,13 @@ inline constexpr engine_entry engines[] = {
 #include "hvl/engines.def"
 #undef HVL_ENGINE
 };
+
+inline bool offers_skips(vqs_stream stream) {
+  for (const engine_entry& e : engines)
+    if (e.about.has_member(vqsEngineOfStream(stream)))
+      return e.about.skip != hvl::engines::skip_form::none;
+  return false;
+}
 
 class owned_stream {
  public:
@@ -60,12 +68,12 @@ class owned_stream {
   static owned_stream adopt(vqs_stream handle) { return owned_stream(adopted{}, handle); }
   operator vqs_stream() const { return handle_; }
 
-  owned_stream& skip(std::uint64_t n) {
-    EXPECT_EQ(vqsSkipAheadStream_64(handle_, n), VQS_STATUS_OK);
-    return *this;
-  }
+  // By the inner way where callers have none.
+  owned_stream& skip(std::uint64_t n) { return skip_words({n}); }
   owned_stream& skip_words(std::vector<std::uint64_t> words) {
-    EXPECT_EQ(vqsSkipAheadStreamEx_64(handle_, static_cast<std::int64_t>(words.size()), words.data()),
+    const auto count = static_cast<std::int64_t>(words.size());
+    EXPECT_EQ(offers_skips(handle_) ? vqsSkipAheadStreamEx_64(handle_, count, words.data())
+                                    : vqsAdvanceStream_64(handle_, count, words.data()),
               VQS_STATUS_OK);
     return *this;
   }

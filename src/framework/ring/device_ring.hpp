@@ -12,11 +12,11 @@
 
 /// Engines that run a recurrence keep it in device memory on a GPU device. Each specialises `ring_traits` with
 ///
-///   static void load(const stream_handle&, std::uint32_t* words);   the `size` words before the next output
-///   static void store(const std::uint32_t* words, const stream_handle&);
-///   static int jump(std::uint32_t* words, std::uint64_t distance);  statuses of the stream library
-///   static int jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients);   `size` words of bits: word distance + j
-///                                             of the sequence is the exclusive or of the words 1 + i + j over set bits i
+///   static int load(const stream_handle&, std::uint32_t* words);   the `size` words before the next output; returns the
+///                                                                  place of that output in its unit
+///   static void store(const std::uint32_t* words, int place, const stream_handle&);
+///   static int jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients);   a status of the stream library, and
+///       `degree` bits: word distance + j of the sequence is the exclusive or of the words unit (1 + i) + j over set bits i
 namespace kestro::hvl::rng::detail {
 
 template <class Engine>
@@ -33,30 +33,37 @@ class device_ring final : public device_state {
   using recurrence_type = typename definition::recurrence;
   static constexpr int size = recurrence_type::size;
   static constexpr int ring_words = size + recurrence_type::step;
+  static constexpr int polynomial_words = (recurrence_type::degree + 31) / 32;
 
   /// Throws `device_bad_alloc`.
   device_ring(const sycl::queue& queue, const stream_handle& stream)
       : queue_(queue), recurrence_(definition::recurrence_of(stream.record<typename definition::record>())),
         ring_(allocate(ring_words + 1, sycl::usm::alloc::shared)) {
-    std::uint32_t words[size];
-    traits::load(stream, words);
-    replace_live_words(words);
+    load(stream);
   }
 
   const recurrence_type& recurrence() const { return recurrence_; }
   std::uint32_t* ring() { return ring_.get(); }
 
-  /// The live words, oldest first. Both wait for the last work.
-  void copy_live_words(std::uint32_t* words) {
+  /// Of the next word in its unit, behind all work submitted.
+  int place() const { return place_; }
+  void pass(std::uint64_t words) {
+    place_ = static_cast<int>((static_cast<std::uint64_t>(place_) + words) % recurrence_type::unit);
+  }
+
+  /// From and to a stream, behind the last work.
+  void load(const stream_handle& stream) {
+    wait();
+    std::fill(ring_.get(), ring_.get() + ring_words + 1, 0u);
+    place_ = traits::load(stream, ring_.get());
+  }
+  void store(const stream_handle& stream) {
     wait();
     const std::uint32_t oldest = ring_[ring_words];
+    std::uint32_t words[size];
     for (std::uint32_t k = 0; k < size; ++k)
       words[k] = ring_[(oldest + k) % ring_words];
-  }
-  void replace_live_words(const std::uint32_t* words) {
-    wait();
-    std::copy(words, words + size, ring_.get());
-    std::fill(ring_.get() + size, ring_.get() + ring_words + 1, 0u);
+    traits::store(words, place_, stream);
   }
 
   /// Room for the start states of `segments` segments. Waits for the last work when it grows.
@@ -72,8 +79,8 @@ class device_ring final : public device_state {
   /// The polynomial that jumps 2^power words.
   const std::uint32_t* jump_polynomial(int power) {
     if (!polynomials_)
-      polynomials_ = allocate(64 * size, sycl::usm::alloc::host);
-    std::uint32_t* const polynomial = polynomials_.get() + power * size;
+      polynomials_ = allocate(64 * polynomial_words, sycl::usm::alloc::host);
+    std::uint32_t* const polynomial = polynomials_.get() + power * polynomial_words;
     const std::uint64_t distance = std::uint64_t{1} << power;
     if ((known_powers_ & distance) == 0) {
       check_stream_status(traits::jump_polynomial(distance, polynomial), "generate", "no jump polynomial");
@@ -105,6 +112,7 @@ class device_ring final : public device_state {
   sycl::queue queue_;
   recurrence_type recurrence_;
   usm_words ring_;
+  int place_ = 0;
   usm_words states_;
   std::size_t segments_ = 0;
   usm_words polynomials_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include <sycl/sycl.hpp>
@@ -18,6 +19,10 @@ constexpr std::uint64_t round_up(std::uint64_t words, int unit) {
   return (words + u - 1) / u * u;
 }
 
+/// What a window is extended by at once: a step, or several where a step is short.
+template <class Recurrence>
+inline constexpr int block_words = std::max(1, 256 / Recurrence::step / 2) * Recurrence::step;
+
 /// A work-group's view of the sequence: the live words, and new ones behind them. All items of the group make the same
 /// calls.
 template <class Recurrence>
@@ -25,12 +30,16 @@ class ring_window {
  public:
   static constexpr int size = Recurrence::size;
   static constexpr int step = Recurrence::step;
-  static constexpr int capacity = size + 8 * step;
+  static constexpr int block = block_words<Recurrence>;
+  static constexpr int unit = Recurrence::unit;
+  static constexpr int capacity = size + 8 * block;
   static constexpr int ring_words = size + step;
 
-  ring_window(const Recurrence& recurrence, const sycl::nd_item<1>& item, const local_words& memory)
-      : recurrence_(recurrence), item_(item), x_(&memory[0]), lane_(static_cast<int>(item.get_local_id(0))),
-        lanes_(static_cast<int>(item.get_local_range(0))) {}
+  /// The word behind the live ones has that place in its unit. Indices into the window keep their words' places.
+  ring_window(const Recurrence& recurrence, int place, const sycl::nd_item<1>& item,
+              const local_words& memory)
+      : recurrence_(recurrence), item_(item), x_(&memory[0]), live_(place),
+        lane_(static_cast<int>(item.get_local_id(0))), lanes_(static_cast<int>(item.get_local_range(0))) {}
 
   int lane() const { return lane_; }
   int lanes() const { return lanes_; }
@@ -38,13 +47,13 @@ class ring_window {
   void load_ring(const std::uint32_t* ring) {
     const std::uint32_t oldest = ring[ring_words];
     for (int k = lane_; k < size; k += lanes_)
-      x_[k] = ring[(oldest + static_cast<std::uint32_t>(k)) % ring_words];
+      x_[live_ + k] = ring[(oldest + static_cast<std::uint32_t>(k)) % ring_words];
     barrier();
   }
 
   void load(const std::uint32_t* words) {
     for (int k = lane_; k < size; k += lanes_)
-      x_[k] = words[k];
+      x_[live_ + k] = words[k];
     barrier();
   }
 
@@ -62,14 +71,17 @@ class ring_window {
 
   const std::uint32_t* live() const { return x_ + live_; }
 
-  /// Computes the next `count` words, at most a step, and returns them.
+  /// Computes the next `count` words, at most a block, and returns them.
   const std::uint32_t* extend(int count) {
     if (live_ + size + count > capacity)
       slide();
     std::uint32_t* const x = x_ + live_;
-    for (int k = lane_; k < count; k += lanes_)
-      x[size + k] = recurrence_.next(x + k);
-    barrier();
+    for (int first = 0; first < count; first += step) {
+      const int end = sycl::min(first + step, count);
+      for (int k = first + lane_; k < end; k += lanes_)
+        x[size + k] = next(x + k, (live_ + k) % unit);
+      barrier();
+    }
     return x + size;
   }
 
@@ -77,6 +89,13 @@ class ring_window {
   void advance(int count) { live_ += count; }
 
  private:
+  std::uint32_t next(const std::uint32_t* x, [[maybe_unused]] int place) const {
+    if constexpr (unit == 1)
+      return recurrence_.next(x);
+    else
+      return recurrence_.next(x, place);
+  }
+
   void barrier() const {
     if (lanes_ > 1)
       sycl::group_barrier(item_.get_group());
@@ -84,17 +103,18 @@ class ring_window {
 
   void slide() {
     barrier(); // others may still read the words that are about to be overwritten
+    const int place = live_ % unit;
     for (int k = lane_; k < size; k += lanes_)
-      x_[k] = x_[live_ + k];
-    live_ = 0;
+      x_[place + k] = x_[live_ + k];
+    live_ = place;
     barrier();
   }
-  static_assert(capacity - size - step >= size, "a slide never overlaps itself");
+  static_assert(capacity - size - block >= size + unit, "a slide never overlaps itself");
 
   const Recurrence& recurrence_;
   const sycl::nd_item<1>& item_;
   std::uint32_t* x_;
-  int live_ = 0;
+  int live_;
   int lane_, lanes_;
 };
 
@@ -111,18 +131,18 @@ struct ring_plan {
 template <class Recurrence, class Emit>
 class ring_generate {
   static constexpr int unit = Emit::unit_words;
-  static constexpr int block = Recurrence::step / unit * unit;
+  static constexpr int block = block_words<Recurrence> / unit * unit;
   static_assert(block > 0, "a step holds a unit");
 
  public:
   /// `states` is null when the one segment starts from the ring.
-  ring_generate(const Recurrence& recurrence, std::uint32_t* ring, const std::uint32_t* states,
+  ring_generate(const Recurrence& recurrence, int place, std::uint32_t* ring, const std::uint32_t* states,
                 std::uint64_t words, int power, const local_words& memory, const Emit& emit)
-      : recurrence_(recurrence), ring_(ring), states_(states), words_(words), power_(power), memory_(memory),
-        emit_(emit) {}
+      : recurrence_(recurrence), place_(place), ring_(ring), states_(states), words_(words), power_(power),
+        memory_(memory), emit_(emit) {}
 
   void operator()(sycl::nd_item<1> item) const {
-    ring_window<Recurrence> window(recurrence_, item, memory_);
+    ring_window<Recurrence> window(recurrence_, place_, item, memory_);
     const auto segment = static_cast<std::uint64_t>(item.get_group(0));
     if (states_ == nullptr)
       window.load_ring(ring_);
@@ -150,6 +170,7 @@ class ring_generate {
 
  private:
   Recurrence recurrence_;
+  int place_;
   std::uint32_t* ring_;
   const std::uint32_t* states_;
   std::uint64_t words_;
@@ -193,16 +214,17 @@ struct emit_values {
 template <class Recurrence>
 class ring_jump {
   static constexpr int size = Recurrence::size;
-  static_assert(Recurrence::step >= 32);
+  static constexpr int unit = Recurrence::unit;
+  static_assert(block_words<Recurrence> >= 32 * unit);
 
  public:
-  ring_jump(const Recurrence& recurrence, const std::uint32_t* ring, std::uint32_t* states,
+  ring_jump(const Recurrence& recurrence, int place, const std::uint32_t* ring, std::uint32_t* states,
             const std::uint32_t* polynomial, std::size_t distance, const local_words& memory)
-      : recurrence_(recurrence), ring_(ring), states_(states), polynomial_(polynomial), distance_(distance),
-        memory_(memory) {}
+      : recurrence_(recurrence), place_(place), ring_(ring), states_(states), polynomial_(polynomial),
+        distance_(distance), memory_(memory) {}
 
   void operator()(sycl::nd_item<1> item) const {
-    ring_window<Recurrence> window(recurrence_, item, memory_);
+    ring_window<Recurrence> window(recurrence_, place_, item, memory_);
     const std::size_t from = item.get_group(0);
     std::uint32_t* const to = states_ + (distance_ + from) * size;
     if (distance_ == 1) { // the first jump also takes the first segment's state from the ring
@@ -213,20 +235,22 @@ class ring_jump {
     }
     for (int j = window.lane(); j < size; j += window.lanes())
       to[j] = 0;
-    // Word j of the new state is the exclusive or of the words 1 + i + j over the set bits i of the polynomial. Every item
-    // adds to the same words of `to` each time, so no barrier is needed between additions.
-    for (int word = 0; word < size; ++word) {
-      window.extend(32);
-      for (std::uint32_t bits = polynomial_[word], i = 0; bits != 0; bits >>= 1, ++i)
+    // Word j of the new state is the exclusive or of the words unit (1 + i) + j over the set bits i of the polynomial. Every
+    // item adds to the same words of `to` each time, so no barrier is needed between additions.
+    for (int word = 0; word < (Recurrence::degree + 31) / 32; ++word) {
+      window.extend(32 * unit);
+      int from_bit = unit;
+      for (std::uint32_t bits = polynomial_[word]; bits != 0; bits >>= 1, from_bit += unit)
         if (bits & 1)
           for (int j = window.lane(); j < size; j += window.lanes())
-            to[j] ^= window.live()[1 + i + static_cast<std::uint32_t>(j)];
-      window.advance(32);
+            to[j] ^= window.live()[from_bit + j];
+      window.advance(32 * unit);
     }
   }
 
  private:
   Recurrence recurrence_;
+  int place_;
   const std::uint32_t* ring_;
   std::uint32_t* states_;
   const std::uint32_t* polynomial_;

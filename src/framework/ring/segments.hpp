@@ -15,11 +15,11 @@ inline constexpr int least_segment_power = 22;
 // More segments than compute units, so that unequal speeds even out.
 inline constexpr std::uint64_t segments_per_unit = 8;
 
-inline ring_plan plan_segments(const sycl::device& device, std::uint64_t words, int step) {
+inline ring_plan plan_segments(const sycl::device& device, std::uint64_t words, int most_lanes) {
   // Where local memory is ordinary memory, items of a group share nothing that a loop would not have.
   const bool has_lanes =
       device.get_info<sycl::info::device::local_mem_type>() == sycl::info::local_mem_type::local;
-  const std::size_t lanes = has_lanes ? std::min(static_cast<std::size_t>(step),
+  const std::size_t lanes = has_lanes ? std::min(static_cast<std::size_t>(most_lanes),
                                                  device.get_info<sycl::info::device::max_work_group_size>())
                                       : 1;
   if (words < std::uint64_t{2} << least_segment_power)
@@ -41,9 +41,9 @@ const std::uint32_t* start_segments(sycl::queue& queue, device_ring<Engine>& rin
     ring.set_last(queue.submit([&](sycl::handler& handler) {
       handler.depends_on(ring.last());
       const local_words memory(sycl::range<1>(ring_window<recurrence>::capacity), handler);
-      handler.parallel_for(
-          sycl::nd_range<1>(jumps * plan.lanes, plan.lanes),
-          ring_jump<recurrence>(ring.recurrence(), ring.ring(), states, polynomial, distance, memory));
+      handler.parallel_for(sycl::nd_range<1>(jumps * plan.lanes, plan.lanes),
+                           ring_jump<recurrence>(ring.recurrence(), ring.place(), ring.ring(), states,
+                                                 polynomial, distance, memory));
     }));
     hvl::gpu::verbose_register_event(ring.last());
   }

@@ -187,4 +187,35 @@ class KESTRO_HVL_API mt19937 : public detail::engine_base<mt19937> {
   void skip_ahead(std::uint64_t num_to_skip);
 };
 
+/// Generalised feedback shift register of S. Kirkpatrick and E. P. Stoll (Journal of Computational Physics 40, 1981):
+/// x(n) = x(n - 103) xor x(n - 250), period 2^250 - 1. Some libraries compute x(n - 147) instead of x(n - 103), which is
+/// this sequence read backwards. Outputs at the distances 0, 103 and 250 are dependent: it is there to reproduce earlier
+/// work, not to begin new. Callers cannot skip, and words are not offered as `uniform_bits`.
+class KESTRO_HVL_API r250 : public detail::engine_base<r250> {
+ public:
+  /// The seed is spread by SplitMix64; 32 words are then given a diagonal of set bits with cleared ones above, so that
+  /// the 32 bits of a word are linearly independent for ever.
+  r250(sycl::queue queue, std::uint64_t seed);
+
+  /// The state itself, oldest word first: all 250 words as they are where they span all 32 bits, and with that diagonal
+  /// otherwise. Missing words are spread from those given, further ones are ignored.
+  r250(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  r250(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
+};
+
+/// SIMD-oriented Fast Mersenne Twister of M. Saito and M. Matsumoto (Monte Carlo and Quasi-Monte Carlo Methods 2006); period
+/// a multiple of 2^19937 - 1. On a GPU device the state lives in device memory.
+class KESTRO_HVL_API sfmt19937 : public detail::engine_base<sfmt19937> {
+ public:
+  /// The authors' `init_gen_rand`; above 2^32 `init_by_array` of the seed's two words, the low one first.
+  sfmt19937(sycl::queue queue, std::uint64_t seed);
+
+  /// The authors' `init_by_array`.
+  sfmt19937(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  sfmt19937(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
+
+  /// As `mt19937::skip_ahead`.
+  void skip_ahead(std::uint64_t num_to_skip);
+};
+
 } // namespace kestro::hvl::rng

@@ -31,7 +31,9 @@ enum {
   VQS_ENGINE_WICHMANN_HILL = 2097152, /* of the first of 273 members, whose identifiers follow each other */
   VQS_ENGINE_MRG32K3A = 3145728,
   VQS_ENGINE_MCG59 = 4194304,
+  VQS_ENGINE_R250 = 5242880,
   VQS_ENGINE_MT19937 = 8388608,
+  VQS_ENGINE_SFMT19937 = 9437184,
   VQS_ENGINE_PHILOX4X32X10 = 16777216,
   VQS_ENGINE_ARS5 = 33554432
 };
@@ -126,7 +128,7 @@ HVL_STREAMS_API int viRngUniformU_64(int64_t method, vqs_stream stream, int64_t 
  * Method 0. */
 HVL_STREAMS_API int viRngUniformBits_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r);
 
-/* Uniformly distributed bits, for the engines that have them: philox4x32x10, ars5, mt19937 and mcg59. A
+/* Uniformly distributed bits, for the engines that have them: philox4x32x10, ars5, mt19937, sfmt19937 and mcg59. A
  * 64-bit value is made of two consecutive 32-bit ones, the first one low. Method 0. */
 HVL_STREAMS_API int viRngUniformBits32_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r);
 HVL_STREAMS_API int viRngUniformBits64_64(int64_t method, vqs_stream stream, int64_t n, uint64_t* r);

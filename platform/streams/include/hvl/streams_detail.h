@@ -17,6 +17,16 @@ HVL_STREAMS_API int vqsMt19937Jump(uint32_t* words, uint64_t distance);
  * words 1 + i + j over all i whose bit is set. */
 HVL_STREAMS_API int vqsMt19937JumpPolynomial(uint64_t distance, uint32_t* polynomial);
 
+/* r250: the same for its sequence, 8 words of coefficients 0 <= i < 250. */
+HVL_STREAMS_API int vqsR250JumpPolynomial(uint64_t distance, uint32_t* polynomial);
+
+/* sfmt19937: the same in units of four words. The distance is a multiple of 4; 624 words of coefficients 0 <= i < 19968,
+ * and word distance + j is the exclusive or of the words 4 (1 + i) + j. */
+HVL_STREAMS_API int vqsSfmt19937JumpPolynomial(uint64_t distance, uint32_t* polynomial);
+
+/* As vqsSkipAheadStreamEx_64, for streams of every engine that a seed reproduces, whether or not it offers skips. */
+HVL_STREAMS_API int vqsAdvanceStream_64(vqs_stream stream, int64_t count, const uint64_t* words);
+
 #ifdef __cplusplus
 }
 #endif

@@ -60,12 +60,27 @@ typedef struct {
   uint32_t position; /* 0..624 */
 } vqs_mt19937_record;
 
+/* 156 units of four words, the least first, not all zero. words[position] is the next output; 624 as above. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t words[624];
+  uint32_t position; /* 0..624 */
+} vqs_sfmt19937_record;
+
 /* The header's engine is VQS_ENGINE_WICHMANN_HILL + the member's index, from which the moduli follow. The next output is
  * that of x; both x and a are from 1 up to the modulus of their component. */
 typedef struct {
   vqs_record_header header;
   uint32_t x[4], a[4];
 } vqs_wichmann_hill_record;
+
+/* The last 250 words, in a ring. words[position] is the oldest, whose place the next one takes: a word's place is its
+ * number in the sequence modulo 250. The words span all 32 bits. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t words[250];
+  uint32_t position; /* 0..249 */
+} vqs_r250_record;
 
 #ifdef __cplusplus
 static_assert(sizeof(vqs_record_header) == 16, "fields start at byte 16");

@@ -2,21 +2,17 @@
 #include "generators/mt19937.hpp"
 
 #include <algorithm>
-#include <vector>
 
+#include "generators/block.hpp"
 #include "generators/entry.hpp"
 
 namespace hvl::streams {
 namespace {
 
 using record_type = vqs_mt19937_record;
-__extension__ using wide = unsigned __int128;
 constexpr engines::mt19937::recurrence recurrence{};
 constexpr std::size_t n = recurrence.size;
 constexpr std::size_t m = recurrence.middle;
-
-// Up to here regenerating block after block is faster than a jump whose polynomial is new.
-constexpr std::uint64_t blocks_worth_a_jump = 2048;
 
 void init_genrand(record_type& r, std::uint32_t seed) {
   r.words[0] = seed;
@@ -47,44 +43,19 @@ void init_by_array(record_type& r, std::span<const std::uint32_t> key) {
   x[0] = recurrence.upper;
 }
 
-bool fits_one_word(std::span<const std::uint64_t> count) {
-  return std::all_of(count.begin() + 1, count.end(), [](std::uint64_t word) { return word == 0; });
-}
-
-void add(std::vector<std::uint64_t>& count, std::uint64_t addend) {
-  for (std::uint64_t& word : count) {
-    word += addend;
-    addend = static_cast<std::uint64_t>(word < addend); // the carry
-  }
-  if (addend != 0)
-    count.push_back(addend);
-}
-
-// Returns the remainder.
-std::uint32_t divide_by_block(std::vector<std::uint64_t>& count) {
-  wide remainder = 0;
-  for (std::size_t i = count.size(); i-- != 0;) {
-    const wide dividend = remainder << 64 | count[i];
-    count[i] = static_cast<std::uint64_t>(dividend / n);
-    remainder = dividend % n;
-  }
-  return static_cast<std::uint32_t>(remainder);
-}
-
-void multiply_by_block(std::vector<std::uint64_t>& count) {
-  std::uint64_t carry = 0;
-  for (std::uint64_t& word : count) {
-    const wide product = static_cast<wide>(word) * n + carry;
-    word = static_cast<std::uint64_t>(product);
-    carry = static_cast<std::uint64_t>(product >> 64);
-  }
-  if (carry != 0)
-    count.push_back(carry);
-}
-
-struct generator {
+struct block {
   using type = engines::mt19937;
+  static constexpr std::uint32_t words = n;
+  static constexpr std::uint64_t blocks_worth_a_jump = 2048; // a jump whose polynomial is new
 
+  static void next(std::uint32_t* x) { mt19937_next_block(x); }
+  static void jump(std::uint32_t* x, big_count blocks) {
+    multiply(blocks, words);
+    mt19937_jump(x, blocks);
+  }
+};
+
+struct generator : block_generator<block> {
   static constexpr std::uint32_t words_per_thread = 1 << 22;
   static constexpr record_field fields[] = {{16, 4, n + 1}};
 
@@ -117,47 +88,6 @@ struct generator {
     const bool any = (r.words[0] & recurrence.upper) != 0 ||
                      std::any_of(r.words + 1, r.words + n, [](std::uint32_t word) { return word != 0; });
     return any && r.position <= n && (r.position != 0 || gives_first_word(r));
-  }
-
-  static void draw(record_type& r, std::uint32_t* out, std::size_t count) {
-    while (count != 0) {
-      if (r.position == n) {
-        mt19937_next_block(r.words);
-        r.position = 0;
-      }
-      const std::size_t here = std::min(count, n - r.position);
-      for (std::size_t i = 0; i < here; ++i)
-        out[i] = recurrence.output(r.words[r.position + i]);
-      out += here;
-      count -= here;
-      r.position += static_cast<std::uint32_t>(here);
-    }
-  }
-
-  // Leaves the record as drawing `count` words would: a block is regenerated only when a word of the next one
-  // is wanted, so the new position lies in 1..624.
-  static void advance(record_type& r, std::span<const std::uint64_t> count) {
-    if (count.empty())
-      return;
-    if (fits_one_word(count) && count[0] <= n - r.position) {
-      r.position += static_cast<std::uint32_t>(count[0]);
-      return;
-    }
-    // blocks to go and place in the last one: (position + count - 1) divided by 624
-    std::vector<std::uint64_t> blocks(count.begin(), count.end());
-    add(blocks, r.position);
-    for (std::uint64_t& word : blocks)
-      if (word-- != 0)
-        break;
-    const std::uint32_t place = divide_by_block(blocks);
-    if (fits_one_word(blocks) && blocks[0] <= blocks_worth_a_jump) {
-      for (std::uint64_t i = 0; i < blocks[0]; ++i)
-        mt19937_next_block(r.words);
-    } else {
-      multiply_by_block(blocks);
-      mt19937_jump(r.words, blocks);
-    }
-    r.position = place + 1;
   }
 };
 

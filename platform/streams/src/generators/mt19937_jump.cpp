@@ -3,15 +3,13 @@
 // exclusive or of the words i + j over the set bits i of g.
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstring>
-#include <list>
-#include <memory>
-#include <mutex>
 #include <vector>
 
 #include "generators/mt19937.hpp"
 #include "generators/mt19937_polynomial.hpp"
+#include "generators/polynomial.hpp"
+#include "generators/power_of_x.hpp"
 #include "hvl/core.h"
 #include "hvl/streams_detail.h"
 #include "simd/kernels.hpp"
@@ -20,30 +18,19 @@
 namespace hvl::streams {
 namespace {
 
-constexpr std::size_t bits = 64;
+constexpr std::size_t bits = polynomial_bits;
 constexpr std::size_t mt19937_words = engines::mt19937::recurrence::size;
 constexpr std::size_t polynomial_words = (mt19937_degree + bits - 1) / bits;
 static_assert(polynomial_words * 2 == mt19937_words);
 
-using polynomial = std::array<std::uint64_t, polynomial_words>;
+struct field {
+  static constexpr std::size_t degree = mt19937_degree;
+  using polynomial = std::array<std::uint64_t, polynomial_words>;
+  static polynomial squared(const polynomial& p);
+  static void multiply_by_x(polynomial& p);
+};
 
-// Bit i of `half` at bit 2 i.
-std::uint64_t spread(std::uint32_t half) {
-  std::uint64_t w = half;
-  w = (w | w << 16) & 0x0000FFFF0000FFFF;
-  w = (w | w << 8) & 0x00FF00FF00FF00FF;
-  w = (w | w << 4) & 0x0F0F0F0F0F0F0F0F;
-  w = (w | w << 2) & 0x3333333333333333;
-  return (w | w << 1) & 0x5555555555555555;
-}
-
-void xor_word_at(std::uint64_t* words, std::size_t bit, std::uint64_t word) {
-  words[bit / bits] ^= word << bit % bits;
-  if (bit % bits != 0)
-    words[bit / bits + 1] ^= word >> (bits - bit % bits);
-}
-
-polynomial squared(const polynomial& p) {
+field::polynomial field::squared(const polynomial& p) {
   constexpr std::size_t top_word = mt19937_degree / bits;
   constexpr std::size_t top_bit = mt19937_degree % bits;
   std::array<std::uint64_t, 2 * polynomial_words + 1> square{};
@@ -67,7 +54,7 @@ polynomial squared(const polynomial& p) {
   return reduced;
 }
 
-void multiply_by_x(polynomial& p) {
+void field::multiply_by_x(polynomial& p) {
   std::uint64_t carry = 0;
   for (std::uint64_t& word : p) {
     const std::uint64_t next = word >> (bits - 1);
@@ -82,76 +69,13 @@ void multiply_by_x(polynomial& p) {
   }
 }
 
-using big_count = std::vector<std::uint64_t>; // least significant word first, no leading zero
-
-polynomial power_of_x(const big_count& exponent) {
-  std::size_t left =
-      exponent.empty() ? 0
-                       : bits * exponent.size() - static_cast<std::size_t>(std::countl_zero(exponent.back()));
-  const auto next_bit = [&] {
-    --left;
-    return exponent[left / bits] >> left % bits & 1;
-  };
-  std::size_t low_power = 0; // the first bits, while the power needs no reduction
-  while (left != 0 && 2 * low_power + 1 < mt19937_degree)
-    low_power = 2 * low_power + next_bit();
-  polynomial p{};
-  p[low_power / bits] = std::uint64_t{1} << low_power % bits;
-  while (left != 0) {
-    p = squared(p);
-    if (next_bit() != 0)
-      multiply_by_x(p);
-  }
-  return p;
-}
-
-// The powers used last: a split over threads and a repeated skip ask for the same ones again and again.
-class power_cache {
- public:
-  std::shared_ptr<const polynomial> get(const big_count& exponent) {
-    {
-      const std::scoped_lock lock(mutex_);
-      for (auto it = entries_.begin(); it != entries_.end(); ++it)
-        if (it->exponent == exponent) {
-          entries_.splice(entries_.begin(), entries_, it);
-          return it->power;
-        }
-    }
-    auto power = std::make_shared<const polynomial>(power_of_x(exponent));
-    const std::scoped_lock lock(mutex_);
-    entries_.push_front({exponent, power});
-    if (entries_.size() > 16)
-      entries_.pop_back();
-    return power;
-  }
-
- private:
-  struct entry {
-    big_count exponent;
-    std::shared_ptr<const polynomial> power;
-  };
-  std::mutex mutex_;
-  std::list<entry> entries_;
-};
-
-std::shared_ptr<const polynomial> cached_power_of_x(const big_count& exponent) {
-  static power_cache cache;
-  return cache.get(exponent);
-}
-
-bool is_zero(std::span<const std::uint64_t> count) {
-  return std::all_of(count.begin(), count.end(), [](std::uint64_t word) { return word == 0; });
-}
-
-// count - 1, without leading zeros; count is not 0.
-big_count decremented(std::span<const std::uint64_t> count) {
-  big_count result(count.begin(), count.end());
-  for (std::uint64_t& word : result)
+// By as many words as count says, less one; null for 0.
+power_cache<field>::shared_polynomial power_before(std::span<const std::uint64_t> count) {
+  std::vector<std::uint64_t> exponent(count.begin(), count.end());
+  for (std::uint64_t& word : exponent)
     if (word-- != 0)
-      break;
-  while (!result.empty() && result.back() == 0)
-    result.pop_back();
-  return result;
+      return power_cache<field>::get(exponent);
+  return nullptr;
 }
 
 } // namespace
@@ -159,9 +83,9 @@ big_count decremented(std::span<const std::uint64_t> count) {
 // The low 31 bits of the first word are no part of the state and do not follow from the words behind it. So
 // the power is one less than the distance, and the windows start at the second word.
 void mt19937_jump(std::uint32_t* words, std::span<const std::uint64_t> distance) {
-  if (is_zero(distance))
+  const auto power = power_before(distance);
+  if (power == nullptr)
     return;
-  const std::shared_ptr<const polynomial> power = cached_power_of_x(decremented(distance));
   constexpr std::size_t blocks = mt19937_degree / mt19937_words + 2;
   std::vector<std::uint32_t> sequence(blocks * mt19937_words + 1);
   std::copy_n(words, mt19937_words, sequence.begin());
@@ -172,7 +96,7 @@ void mt19937_jump(std::uint32_t* words, std::span<const std::uint64_t> distance)
   }
   const kernel_set* kernels = kernels_for(hvl_serv_isa());
   (kernels != nullptr ? *kernels : scalar::kernels)
-      .xor_windows(words, sequence.data() + 1, power->data(), mt19937_degree);
+      .xor_windows(words, sequence.data() + 1, 1, power->data(), mt19937_degree);
 }
 
 } // namespace hvl::streams
@@ -192,9 +116,9 @@ int vqsMt19937JumpPolynomial(uint64_t distance, uint32_t* polynomial_out) {
   return guarded([&]() -> int {
     if (polynomial_out == nullptr)
       return VQS_STATUS_NULL_POINTER;
-    if (distance == 0)
+    const auto power = power_before(std::span(&distance, 1));
+    if (power == nullptr)
       return VQS_STATUS_BAD_PARAMETER;
-    const auto power = cached_power_of_x(decremented(std::span(&distance, 1)));
     std::memcpy(polynomial_out, power->data(), sizeof *power);
     return VQS_STATUS_OK;
   });

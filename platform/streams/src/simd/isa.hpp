@@ -24,8 +24,9 @@ transform_function inverse_cdf_transform(word_kind kind, inverse_cdf_family fami
 transform_function gamma_transform(word_kind kind, bool below_one, precision p) noexcept;
 transform_function geometric_transform(word_kind kind) noexcept;
 void stream_lines(void* out, const void* in, std::size_t bytes) noexcept;
-void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
-                 std::size_t degree) noexcept;
+void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, std::size_t unit,
+                 const std::uint64_t* polynomial, std::size_t degree) noexcept;
+void fold_bytes(std::uint64_t* product, const std::uint64_t* rows, std::size_t words) noexcept;
 
 // Weak: an engine without a source in src/simd has none, and its address is null.
 #define HVL_ENGINE(name) extern const block_kernel name##_blocks __attribute__((weak));

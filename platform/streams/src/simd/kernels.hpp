@@ -85,9 +85,12 @@ struct kernel_set {
   // Copies past the caches, to an address and of a size that are multiples of vector_alignment; the stores need a fence
   // before another thread may rely on them.
   void (*stream_lines)(void* out, const void* in, std::size_t bytes) noexcept;
-  // sum[j] = the exclusive or of sequence[i + j] over the set bits i of the polynomial, for 624 words.
-  void (*xor_windows)(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
-                      std::size_t degree) noexcept;
+  // sum[j] = the exclusive or of sequence[unit i + j] over the set bits i of the polynomial, for 624 words.
+  void (*xor_windows)(std::uint32_t* sum, const std::uint32_t* sequence, std::size_t unit,
+                      const std::uint64_t* polynomial, std::size_t degree) noexcept;
+  // Reduces a product of 2 `words` words modulo a polynomial of degree 64 `words`, from its top byte down: byte q there is
+  // replaced by the exclusive or of rows q % 16 and 16 + q / 16, `words` words each. The lower half is the result.
+  void (*fold_bytes)(std::uint64_t* product, const std::uint64_t* rows, std::size_t words) noexcept;
 };
 
 namespace scalar {

@@ -1,8 +1,6 @@
 // The recurrence in vectors over the block, in place, each new vector tempered while it is in a register.
-#include <cstring>
-
 #include "hvl/engines/mt19937.hpp"
-#include "simd/value_sink.hpp"
+#include "simd/state_block.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
@@ -13,14 +11,7 @@ constexpr std::size_t lanes = hn::MaxLanes(hn::ScalableTag<std::uint32_t>());
 using recurrence = engines::mt19937::recurrence;
 constexpr std::size_t n = recurrence::size;
 constexpr std::size_t m = recurrence::middle;
-static_assert(n % lanes == 0);
-
-struct workspace {
-  alignas(vector_alignment) std::uint32_t words[n + lanes]; // behind the block: its first vector once more
-  std::uint64_t start;                                      // position at which the record was read
-  std::uint64_t granules;                                   // granules run
-  bool block_is_next; // the block itself is still to be delivered, as the next granule
-};
+static_assert(n == state_words && n % lanes == 0);
 
 HWY_INLINE vec tempered(vec y) {
   y = hn::Xor(y, hn::ShiftRight<11>(y));
@@ -55,18 +46,8 @@ HWY_INLINE void next_block(std::uint32_t* HWY_RESTRICT x, const Sink& sink, std:
     step(i, i + m - n);
 }
 
-std::uint32_t open(const void* record, void* workspace_memory) noexcept {
-  const auto& r = *static_cast<const vqs_mt19937_record*>(record);
-  auto& w = *static_cast<workspace*>(workspace_memory);
-  std::memcpy(w.words, r.words, sizeof r.words);
-  w.start = r.position == n ? 0 : r.position;
-  w.granules = 0;
-  w.block_is_next = r.position != n;
-  return static_cast<std::uint32_t>(w.start);
-}
-
 template <class Sink>
-void run_to(const Sink& sink, workspace& w, std::size_t granules) noexcept {
+void run_to(const Sink& sink, state_block& w, std::size_t granules) noexcept {
   w.granules += granules;
   std::size_t at = 0;
   if (w.block_is_next && granules != 0) {
@@ -80,24 +61,15 @@ void run_to(const Sink& sink, workspace& w, std::size_t granules) noexcept {
     next_block(w.words, sink, at);
 }
 
-void close(const void* workspace_memory, void* record, std::uint64_t words_taken) noexcept {
-  const auto& w = *static_cast<const workspace*>(workspace_memory);
-  auto& r = *static_cast<vqs_mt19937_record*>(record);
-  std::memcpy(r.words, w.words, sizeof r.words);
-  r.position = static_cast<std::uint32_t>(w.start + words_taken - (w.granules - 1) * n);
-}
-
-static_assert(sizeof(workspace) <= workspace_bytes);
-
 } // namespace
 
 const block_kernel mt19937_blocks = {n,
                                      2 * n,
                                      200,
-                                     open,
-                                     run_words<workspace, word_kind::signed32>,
-                                     close,
-                                     run_values<workspace, word_kind::signed32>,
+                                     open_block<vqs_mt19937_record>,
+                                     run_words<state_block, word_kind::signed32>,
+                                     close_block<vqs_mt19937_record>,
+                                     run_values<state_block, word_kind::signed32>,
                                      true};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -1,4 +1,4 @@
-// The summation of a jump of mt19937: windows of the sequence at the polynomial's set bits.
+// The summation of a jump of mt19937 or sfmt19937: windows of the sequence at the polynomial's set bits.
 #include "generators/mt19937.hpp"
 
 #include "simd/isa.hpp"
@@ -20,8 +20,8 @@ constexpr std::size_t width = vectors * lanes;
 #endif
 static_assert(words % width == 0);
 
-void xor_columns(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
-                 std::size_t degree) noexcept {
+void xor_columns(std::uint32_t* sum, const std::uint32_t* sequence, std::size_t unit,
+                 const std::uint64_t* polynomial, std::size_t degree) noexcept {
 #ifdef HVL_STREAMS_ISA_IS_SCALAR
   std::uint32_t a[width] = {};
   const auto add = [&a](const std::uint32_t* from) {
@@ -41,7 +41,7 @@ void xor_columns(std::uint32_t* sum, const std::uint32_t* sequence, const std::u
 #endif
   for (std::size_t word = 0; word < (degree + 63) / 64; ++word)
     for (std::uint64_t bits = polynomial[word]; bits != 0; bits &= bits - 1)
-      add(sequence + 64 * word + static_cast<std::size_t>(__builtin_ctzll(bits)));
+      add(sequence + unit * (64 * word + static_cast<std::size_t>(__builtin_ctzll(bits))));
 #ifdef HVL_STREAMS_ISA_IS_SCALAR
   for (std::size_t i = 0; i < width; ++i)
     sum[i] = a[i];
@@ -54,10 +54,10 @@ void xor_columns(std::uint32_t* sum, const std::uint32_t* sequence, const std::u
 
 } // namespace
 
-void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, const std::uint64_t* polynomial,
-                 std::size_t degree) noexcept {
+void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, std::size_t unit,
+                 const std::uint64_t* polynomial, std::size_t degree) noexcept {
   for (std::size_t first = 0; first < words; first += width)
-    xor_columns(sum + first, sequence + first, polynomial, degree);
+    xor_columns(sum + first, sequence + first, unit, polynomial, degree);
 }
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -19,9 +19,11 @@
 // An engine that runs a recurrence over its last words:
 //
 //   struct recurrence {
-//     static constexpr int size, middle;
+//     static constexpr int size;                   how many words back it reaches
 //     static constexpr int step;                   words that follow from live ones alone; a multiple of 4
-//     constexpr std::uint32_t next(const std::uint32_t* x) const;   x[size] from x[0], x[1] and x[middle]
+//     static constexpr int degree, unit;           of a polynomial in the shift by `unit` words that annuls the sequence
+//     constexpr std::uint32_t next(const std::uint32_t* x) const;   x[size] from x[0], x[1], ...; where unit is not 1,
+//                                                                   next(x, its place in its unit)
 //     constexpr std::uint32_t output(std::uint32_t y) const;
 //   };
 //   static constexpr recurrence recurrence_of(const record&);

@@ -24,6 +24,8 @@ struct mt19937 {
     static constexpr int size = 624;
     static constexpr int middle = 397;
     static constexpr int step = 224;
+    static constexpr int degree = 19937;
+    static constexpr int unit = 1;
     static_assert(step % 4 == 0 && step < size - middle);
 
     static constexpr std::uint32_t matrix = 0x9908B0DF;
