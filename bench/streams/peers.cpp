@@ -6,6 +6,8 @@
 
 #include <array>
 #include <boost/random/mersenne_twister.hpp>
+#include <boost/random/niederreiter_base2.hpp>
+#include <boost/random/sobol.hpp>
 #include <memory>
 #include <random>
 
@@ -164,6 +166,17 @@ struct dsfmt_fill {
   }
 };
 
+template <class Engine>
+struct boost_points {
+  Engine engine;
+
+  void operator()(std::span<std::uint32_t> out) {
+    engine.seed(); // or the sequence ends
+    for (std::uint32_t& word : out)
+      word = engine();
+  }
+};
+
 template <class T, class Peer>
 void register_peer(const std::string& name, Peer peer) {
   register_fill<T>("peer/" + name, cached_bytes, peer);
@@ -187,6 +200,14 @@ void register_peers() {
   register_words_and_reals("textbook_mrg32k3a", textbook_mrg32k3a());
   register_words_and_reals("textbook_wichmann_hill", textbook_wichmann_hill());
   register_words_and_reals("textbook_r250", textbook_r250());
+  for (const std::size_t dimensions : {1u, 10u, 1000u}) {
+    const std::string of = "/bits/dimensions:" + std::to_string(dimensions);
+    using sobol = boost::random::sobol_engine<std::uint32_t, 32>;
+    using niederreiter = boost::random::niederreiter_base2_engine<std::uint32_t, 32>;
+    register_peer<std::uint32_t>("boost_sobol" + of, boost_points<sobol>{sobol(dimensions)});
+    register_peer<std::uint32_t>("boost_niederreiter" + of,
+                                 boost_points<niederreiter>{niederreiter(dimensions)});
+  }
   register_peer<std::uint32_t>("random123_philox/bits", random123<r123::Philox4x32>());
   register_peer<float>("random123_philox/float", random123<r123::Philox4x32>());
 #if R123_USE_AES_NI
