@@ -1,13 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include <sycl/sycl.hpp>
 
 /// Conversions between streams of the host-side interface and device states, for the engines whose device state
-/// is laid out here. (Engines on a ring: framework/ring. The other engines generate from a copy of the stream, which
-/// is skipped ahead.) `stream` is the stream's record; its first 16 bytes, the header, are never touched.
+/// is laid out here. (Engines on a ring: framework/ring; sobol: engines/digital_state.hpp. The other engines generate
+/// from a copy of the stream, which is skipped ahead.) `stream` is the stream's record; its first 16 bytes, the header, are never touched.
 namespace kestro::hvl::rng::detail {
 
 inline constexpr int mt2203_words = 69;
@@ -22,24 +21,5 @@ struct mt2203_gpu_state {
 /// Waits for the last work, then writes the 69 words from the device's position on and marks them as used up: the
 /// host regenerates before its next draw.
 void mt2203_gpu_state_to_vqs_stream(mt2203_gpu_state& engine, void* stream);
-
-inline constexpr int sobol_bits = 32;
-
-/// Memory of a SYCL queue, freed with its last owner.
-using device_words = std::shared_ptr<std::uint32_t>;
-
-/// Where a sobol engine stands, and its tables: `sobol_bits` words a dimension.
-struct sobol_gpu_state {
-  std::uint32_t dimensions = 0;   // record offset 20
-  std::uint32_t point = 0;        // record offset 16: number of the next point
-  std::uint32_t coordinate = 0;   // record offset 24: dimension of the next value
-  std::uint32_t first_point = 0;  // record offset 28: number of the point that the sequence starts with
-  std::uint32_t origin = 0;       // the same, as it was when the state was converted
-  device_words direction_numbers; // v(d, k)
-  device_words index_bits;        // v(d, k) ^ v(d, k - 1): what bit k of a point's number contributes
-};
-
-/// Takes over position and direction numbers. When there is no memory for the tables the engine stays as it was.
-void sobol_vqs_stream_to_gpu_state(const sycl::queue& queue, sobol_gpu_state& engine, const void* stream);
 
 } // namespace kestro::hvl::rng::detail

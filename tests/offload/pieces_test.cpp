@@ -4,6 +4,8 @@
 #include "offload/create_engine.hpp"
 #include "offload/state_conversion.hpp"
 
+#include "engines/digital_state.hpp"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -180,9 +182,9 @@ TEST(mt2203_conversion, writes_the_live_words_once_the_device_is_done) {
 std::vector<std::uint32_t> sobol_record(std::uint32_t dimensions) {
   std::vector<std::uint32_t> record(64 + 33 * dimensions, poison);
   record[4] = 500; // the next point
-  record[5] = dimensions;
-  record[6] = 2; // the next coordinate
-  record[7] = 9; // the first point
+  record[5] = 2;   // the next coordinate
+  record[6] = dimensions;
+  record[7] = 1; // numbers of the caller's own
   for (std::uint32_t d = 0; d < dimensions; ++d)
     for (std::uint32_t k = 0; k < 32; ++k)
       record[64 + 33 * d + k] = (d + 1) * 0x01000193 ^ 0x80000000 >> k;
@@ -198,8 +200,7 @@ TEST(sobol_conversion, takes_over_the_position_and_the_direction_numbers) {
   EXPECT_EQ(engine.dimensions, 5u);
   EXPECT_EQ(engine.point, 500u);
   EXPECT_EQ(engine.coordinate, 2u);
-  EXPECT_EQ(engine.first_point, 9u);
-  EXPECT_EQ(engine.origin, 9u);
+  EXPECT_EQ(engine.own, 1u);
   for (std::uint32_t d = 0; d < 5; ++d) {
     const std::uint32_t* v = &record[64 + 33 * d];
     for (std::uint32_t k = 0; k < 32; ++k)

@@ -303,6 +303,18 @@ TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
     EXPECT_EQ(fill(40 * 4, 210 * 4, 0x55), VQS_STATUS_OK);
     EXPECT_EQ(fill(30 * 4, 10 * 4, 0x55), VQS_STATUS_STATE_RANGE); // 31 words cannot span 32 bits
     break;
+  case VQS_ENGINE_SOBOL:
+  case VQS_ENGINE_NIEDERREITER:
+    EXPECT_EQ(fill(0, 4, 0xFF), VQS_STATUS_OK); // the last point
+    EXPECT_EQ(fill(4, 1, 11), VQS_STATUS_STATE_RANGE);
+    EXPECT_EQ(fill(4, 1, 10), VQS_STATUS_OK);
+    EXPECT_EQ(fill(9, 1, 0x60), VQS_STATUS_STATE_RANGE); // 24587 dimensions
+    EXPECT_EQ(fill(9, 1, 0x12), VQS_STATUS_OK);
+    EXPECT_EQ(fill(8, 2, 0), VQS_STATUS_STATE_RANGE);
+    EXPECT_EQ(fill(8, 1, 11), VQS_STATUS_OK);
+    EXPECT_EQ(fill(12, 1, 1), VQS_STATUS_STATE_SIZE); // the caller's numbers, which are not there
+    EXPECT_EQ(fill(12, 1, 2), VQS_STATUS_STATE_RANGE);
+    break;
   default:
     FAIL() << "an engine without cases of its own";
   }

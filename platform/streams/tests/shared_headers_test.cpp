@@ -29,8 +29,9 @@ class positions : public ::testing::Test {
     }
   }
 };
-using position_types = ::testing::Types<engines::philox4x32x10, engines::ars5, engines::mrg32k3a,
-                                        engines::mcg31m1, engines::mcg59, engines::wichmann_hill>;
+using position_types =
+    ::testing::Types<engines::philox4x32x10, engines::ars5, engines::mrg32k3a, engines::mcg31m1,
+                     engines::mcg59, engines::wichmann_hill, engines::sobol, engines::niederreiter>;
 TYPED_TEST_SUITE(positions, position_types);
 
 TYPED_TEST(positions, are_those_of_the_stream) {

@@ -218,4 +218,42 @@ class KESTRO_HVL_API sfmt19937 : public detail::engine_base<sfmt19937> {
   void skip_ahead(std::uint64_t num_to_skip);
 };
 
+/// Quasi-random points of I. M. Sobol' (1967) in up to 21201 dimensions, with the direction numbers of S. Joe and F. Y. Kuo
+/// (2008, criterion D6), 32 bits, in the order of the Gray code; after 2^32 points they begin anew. Words are the
+/// coordinates of a point after those of the one before, w for w / 2^32. The first point is the origin: who wants to leave
+/// it out skips as many words as there are dimensions. Distributions whose methods take one word a value (`uniform`, and
+/// all by inverse CDF) keep the evenness of the points; methods that take several words of a point for a value, such as
+/// box_muller, lose it. Not offered as `uniform_bits`.
+class KESTRO_HVL_API sobol : public detail::engine_base<sobol> {
+ public:
+  /// Throws `invalid_argument` ("dimensions is out of range [1, 21201]").
+  sobol(sycl::queue queue, std::uint32_t dimensions);
+
+  /// The number of dimensions and then the caller's own direction numbers, taken as they are: 32 for each dimension, whose
+  /// highest bit counts for 1/2. Without them as above; without any word one dimension. Throws `invalid_argument`
+  /// ("words").
+  sobol(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  sobol(sycl::queue queue, std::initializer_list<std::uint32_t> words);
+
+  /// Advances by `num_to_skip` words. Constant cost.
+  void skip_ahead(std::uint64_t num_to_skip);
+};
+
+/// Quasi-random points of H. Niederreiter (1988) in base 2 and up to 4720 dimensions, as P. Bratley, B. L. Fox and
+/// H. Niederreiter (1992) have them, with the irreducible polynomials in the order of degree and value. All else as for
+/// `sobol`.
+class KESTRO_HVL_API niederreiter : public detail::engine_base<niederreiter> {
+ public:
+  /// Throws `invalid_argument` ("dimensions is out of range [1, 4720]").
+  niederreiter(sycl::queue queue, std::uint32_t dimensions);
+
+  /// The number of dimensions and then an irreducible polynomial over GF(2) for each, all different, the coefficient of x^i
+  /// at bit i. Without them as above; without any word one dimension. Throws `invalid_argument` ("words").
+  niederreiter(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  niederreiter(sycl::queue queue, std::initializer_list<std::uint32_t> words);
+
+  /// As that of `sobol`.
+  void skip_ahead(std::uint64_t num_to_skip);
+};
+
 } // namespace kestro::hvl::rng

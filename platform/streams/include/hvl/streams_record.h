@@ -81,8 +81,21 @@ typedef struct {
   uint32_t words[250];
   uint32_t position; /* 0..249 */
 } vqs_r250_record;
+/* A digital sequence in base 2: 32 direction numbers for each dimension, those of dimension d at byte 256 + 132 d, and behind
+ * them what the host keeps of its own. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t point;      /* number of the point that the next output belongs to */
+  uint32_t coordinate; /* of the next output, below dimensions */
+  uint32_t dimensions;
+  uint32_t own;          /* 1: the direction numbers are the caller's, 0: the engine's */
+  uint32_t reserved[56]; /* of the host */
+} vqs_digital_record;
+typedef vqs_digital_record vqs_sobol_record;
+typedef vqs_digital_record vqs_niederreiter_record;
 
 #ifdef __cplusplus
+static_assert(sizeof(vqs_digital_record) == 256, "the direction numbers lie at byte 256");
 static_assert(sizeof(vqs_record_header) == 16, "fields start at byte 16");
 static_assert(sizeof(vqs_mrg32k3a_record) == 52, "the substreams lie at byte 40");
 static_assert(sizeof(vqs_mt19937_record) == 2516, "the position lies at byte 2512");
