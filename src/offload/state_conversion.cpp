@@ -14,16 +14,7 @@ std::uint32_t field(const void* record, std::size_t offset) {
   return word;
 }
 
-void set_field(void* record, std::size_t offset, std::uint32_t word) {
-  std::memcpy(static_cast<std::byte*>(record) + offset, &word, sizeof word);
-}
-
 constexpr std::size_t word_bytes = sizeof(std::uint32_t);
-
-namespace mt2203_record {
-constexpr std::size_t words = 16;
-constexpr std::size_t position = 292;
-} // namespace mt2203_record
 
 namespace sobol_record {
 constexpr std::size_t point = 16;
@@ -42,16 +33,6 @@ device_words shared_words(const sycl::queue& queue, std::size_t count) {
 }
 
 } // namespace
-
-// The ring holds all 69 live words, so the recurrence and its twist constant, which belongs to the record's own
-// parameter set, come in at the host's next draw.
-void mt2203_gpu_state_to_vqs_stream(mt2203_gpu_state& engine, void* stream) {
-  engine.last.wait();
-  const std::size_t position = engine.ring[mt2203_ring_words];
-  for (std::size_t k = 0; k < mt2203_words; ++k)
-    set_field(stream, mt2203_record::words + word_bytes * k, engine.ring[(position + k) % mt2203_ring_words]);
-  set_field(stream, mt2203_record::position, mt2203_words);
-}
 
 void sobol_vqs_stream_to_gpu_state(const sycl::queue& queue, sobol_gpu_state& engine, const void* stream) {
   sobol_gpu_state state;
