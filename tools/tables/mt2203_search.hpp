@@ -105,10 +105,10 @@ inline constexpr masks pool[] = {
 inline masks best_of_pool(std::uint32_t a) {
   masks best = pool[0];
   int least = 32 * degree;
-  for (const masks& m : pool)
-    if (const int defect = total_defect({a, m.b, m.c}, 16, least); defect < least) {
+  for (const masks& one : pool)
+    if (const int defect = total_defect({a, one.b, one.c}, 16, least); defect < least) {
       least = defect;
-      best = m;
+      best = one;
     }
   return best;
 }
