@@ -39,7 +39,8 @@ mt2203_states::mt2203_states(const sycl::queue& queue, const std::vector<stream_
 }
 
 mt2203_states::mt2203_states(mt2203_states& other)
-    : device_state(), queue_(other.queue_), count_(other.count_), turn_(other.turn_), states_(allocate(queue_, count_)) {
+    : device_state(), queue_(other.queue_), count_(other.count_), turn_(other.turn_),
+      states_(allocate(queue_, count_)) {
   other.wait();
   std::copy_n(other.states_.get(), count_, states_.get());
 }

@@ -80,8 +80,7 @@ class engine_base_impl : public engine_state {
       : engine_state(new_stream(identifier, count, words)) {}
 
   /// A deep copy of `other` as it stands after all its earlier calls.
-  explicit engine_base_impl(engine_base_impl* other)
-      : engine_state(copy_stream(other->up_to_date_stream())) {
+  explicit engine_base_impl(engine_base_impl* other) : engine_state(copy_stream(other->up_to_date_stream())) {
     extension_.copy(other->extension_);
   }
 

@@ -93,7 +93,9 @@ TEST(several_members, deal_their_values_in_turn) {
       usm_values(distribution, used, queue, 3);
       const auto expected = dealt(distribution, engines, queue, group, 1300);
       std::decay_t<decltype(expected)> values;
-      const auto append = [&values](const auto& more) { values.insert(values.end(), more.begin(), more.end()); };
+      const auto append = [&values](const auto& more) {
+        values.insert(values.end(), more.begin(), more.end());
+      };
       bool into_buffer = false;
       for (const int n : calls) {
         append(into_buffer ? buffer_values(distribution, engine, n)
@@ -132,7 +134,8 @@ TEST(several_members, are_in_the_list_once_and_cannot_be_saved) {
       mt2203 copy = engine;
       return usm_values(bits<>(), copy, queue, 20);
     }();
-    const std::string text = "kestro::hvl::rng::save_state: computation error:  does not support multi-state mt2203";
+    const std::string text =
+        "kestro::hvl::rng::save_state: computation error:  does not support multi-state mt2203";
     std::vector<unsigned char> state(static_cast<std::size_t>(get_state_size(engine)), 0xA5);
     const auto untouched = state;
     EXPECT_EQ(refusal<computation_error>([&] { save_state(engine, state.data()); }), text);

@@ -149,7 +149,8 @@ class equidistribution {
   int bits_;
   std::array<vector, 33> memory_;
   std::array<vector*, 33> vectors_;
-  std::array<std::uint32_t, 32> inverse_{}; // the vectors whose leading coefficients add up to each unit vector
+  std::array<std::uint32_t, 32>
+      inverse_{}; // the vectors whose leading coefficients add up to each unit vector
   std::uint32_t used_;
   int extra_;
 };

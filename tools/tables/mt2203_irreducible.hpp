@@ -75,7 +75,8 @@ class factor_sieve {
  public:
   factor_sieve() {
     std::vector<bool> composite(std::size_t{2} << most_degree);
-    for (std::uint32_t f = 4; f < composite.size(); ++f) { // t and t + 1 divide none whose twist constant has its top bit
+    for (std::uint32_t f = 4; f < composite.size();
+         ++f) { // t and t + 1 divide none whose twist constant has its top bit
       if (f % 2 == 0 || __builtin_parity(f) == 0 || composite[f])
         continue;
       const std::uint32_t top = std::uint32_t{1} << (31 - __builtin_clz(f));
@@ -117,7 +118,8 @@ class factor_sieve {
     return sum;
   }
 
-  std::array<std::vector<std::uint32_t>, w + 1> residues_; // of the terms of the bits, modulo each irreducible polynomial
+  std::array<std::vector<std::uint32_t>, w + 1>
+      residues_; // of the terms of the bits, modulo each irreducible polynomial
 };
 
 // Squares modulo t^37 times a characteristic polynomial, whose degree is a whole number of words, by carry-less
@@ -183,8 +185,12 @@ class irreducibility {
       even = _mm_xor_si128(even, product(q[i], from_top[words - 1 - k + i]));
     return _mm_xor_si128(even, odd);
   }
-  static std::uint64_t low_half(__m128i x) { return static_cast<std::uint64_t>(_mm_cvtsi128_si64(x)); }
-  static std::uint64_t high_half(__m128i x) { return static_cast<std::uint64_t>(_mm_extract_epi64(x, 1)); }
+  static std::uint64_t low_half(__m128i x) {
+    return static_cast<std::uint64_t>(_mm_cvtsi128_si64(x));
+  }
+  static std::uint64_t high_half(__m128i x) {
+    return static_cast<std::uint64_t>(_mm_extract_epi64(x, 1));
+  }
 
   // The quotient's words follow from the top, as low_ has a degree more than 64 below that of the modulus. Column k of
   // its product with low_ begins at word k.
@@ -194,7 +200,8 @@ class irreducibility {
       _mm_storeu_si128(reinterpret_cast<__m128i*>(square.data() + 2 * i), product(x[i], x[i]));
     std::array<std::uint64_t, words> q;
     __m128i above = _mm_setzero_si128();
-    const auto quotient_word = [&]<std::size_t i>() __attribute__((always_inline)) { // low_ begins with a word that is 0
+    const auto quotient_word = [&]<std::size_t i>()
+        __attribute__((always_inline)) { // low_ begins with a word that is 0
       const __m128i below = column<i + words - 1, i + 1, words>(q.data(), low_.data());
       q[i] = square[words + i] ^ low_half(above) ^ high_half(below);
       above = below;

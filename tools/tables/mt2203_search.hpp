@@ -74,7 +74,8 @@ inline masks search_masks(std::uint32_t a) {
     std::vector<partial> longer;
     for (const partial& p : beam)
       for (unsigned way = 0; way < 8; ++way) {
-        const masks more{((way & 1) != 0 ? here : 0) | ((way & 2) != 0 ? below : 0), (way & 4) != 0 ? here : 0};
+        const masks more{((way & 1) != 0 ? here : 0) | ((way & 2) != 0 ? below : 0),
+                         (way & 4) != 0 ? here : 0};
         if ((way & 2) != 0 && (below == 0 || more.c == 0))
           continue;
         const masks chosen{p.chosen.b | more.b, p.chosen.c | more.c};

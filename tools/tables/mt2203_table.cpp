@@ -80,7 +80,8 @@ void write_header() {
   }
   if (all.size() != members)
     throw std::runtime_error("not the lines of all members");
-  std::printf(R"(// The members of mt2203: twist constant and tempering masks. The table is our own, under these conditions:
+  std::printf(
+      R"(// The members of mt2203: twist constant and tempering masks. The table is our own, under these conditions:
 //
 // - The lower half of a twist constant is the member's index, so that no two members have the same characteristic
 //   polynomial.
@@ -102,7 +103,7 @@ struct mt2203_member {
 // clang-format off
 inline constexpr mt2203_member mt2203_members[%u] = {
 )",
-              most_defect, distribution(all).c_str(), static_cast<unsigned>(seed), members);
+      most_defect, distribution(all).c_str(), static_cast<unsigned>(seed), members);
   for (std::size_t i = 0; i < all.size(); ++i)
     std::printf("%s{0x%08X, 0x%08X, 0x%08X},%s", i % 3 == 0 ? "    " : " ", all[i].a, all[i].b, all[i].c,
                 i % 3 == 2 ? "\n" : "");

@@ -111,7 +111,8 @@ TEST(jump_polynomials, serve_jumps_made_elsewhere) {
     EXPECT_EQ(untouched, 7u);
   };
   check(VQS_ENGINE_R250, 250, 1, vqsR250JumpPolynomial);
-  for (const std::int32_t id : {VQS_ENGINE_MT2203, VQS_ENGINE_MT2203 + 6023}) {
+  for (const std::int32_t member : {0, 6023}) {
+    const std::int32_t id = VQS_ENGINE_MT2203 + member;
     const owned_stream stream(id);
     const std::uint32_t matrix =
         static_cast<const vqs_mt2203_record*>(static_cast<vqs_stream>(stream))->matrix;

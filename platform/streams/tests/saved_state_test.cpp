@@ -293,10 +293,10 @@ TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
   case VQS_ENGINE_MT2203:
     EXPECT_EQ(fill(276, 1, 70), VQS_STATUS_STATE_RANGE); // the position
     EXPECT_EQ(fill(276, 1, 69), VQS_STATUS_OK);
-    EXPECT_EQ(fill(0, 1, 0xFF), VQS_STATUS_OK);          // five bits of the first word are no part of the state
-    EXPECT_EQ(fill(276, 1, 0), VQS_STATUS_STATE_RANGE);  // but of its first output
+    EXPECT_EQ(fill(0, 1, 0xFF), VQS_STATUS_OK); // five bits of the first word are no part of the state
+    EXPECT_EQ(fill(276, 1, 0), VQS_STATUS_STATE_RANGE); // but of its first output
     EXPECT_EQ(fill(276, 1, 69), VQS_STATUS_OK);
-    EXPECT_EQ(fill(1, 275, 0), VQS_STATUS_OK);           // three bits are left
+    EXPECT_EQ(fill(1, 275, 0), VQS_STATUS_OK); // three bits are left
     EXPECT_EQ(fill(0, 1, 0x1F), VQS_STATUS_STATE_RANGE);
     EXPECT_EQ(fill(0, 1, 0x20), VQS_STATUS_OK);
     for (const std::size_t at : {280u, 284u, 288u}) // the parameters of another member

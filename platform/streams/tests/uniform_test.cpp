@@ -18,6 +18,7 @@ const std::map<std::int32_t, std::uint64_t> position_of_a_greatest_word = {
     {VQS_ENGINE_PHILOX4X32X10, 20180005}, {VQS_ENGINE_MRG32K3A, 82942356}, {VQS_ENGINE_MCG31M1, 8342607},
     {VQS_ENGINE_MCG59, 8974830},          {VQS_ENGINE_MT19937, 8366988},   {VQS_ENGINE_ARS5, 32301534},
     {VQS_ENGINE_WICHMANN_HILL, 7312383},  {VQS_ENGINE_R250, 4355095},      {VQS_ENGINE_SFMT19937, 3324327},
+    {VQS_ENGINE_MT2203, 6243427},
 };
 
 // A word of any engine and the constants by which its engine scales it.

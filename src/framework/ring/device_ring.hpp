@@ -83,7 +83,8 @@ class device_ring final : public device_state {
     std::uint32_t* const polynomial = polynomials_.get() + power * polynomial_words;
     const std::uint64_t distance = std::uint64_t{1} << power;
     if ((known_powers_ & distance) == 0) {
-      check_stream_status(traits::jump_polynomial(recurrence_, distance, polynomial), "generate", "no jump polynomial");
+      check_stream_status(traits::jump_polynomial(recurrence_, distance, polynomial), "generate",
+                          "no jump polynomial");
       known_powers_ |= distance;
     }
     return polynomial;

@@ -57,8 +57,7 @@ struct generator : block_generator<block> {
   static bool in_range(const record_type& r) {
     const mt2203_member& parameters = parameters_of(r);
     return r.matrix == parameters.matrix && r.tempering_b == parameters.tempering_b &&
-           r.tempering_c == parameters.tempering_c &&
-           type::recurrence_of(r).is_block(r.words, r.position);
+           r.tempering_c == parameters.tempering_c && type::recurrence_of(r).is_block(r.words, r.position);
   }
 };
 

@@ -19,7 +19,8 @@ static_assert(n == state_words && n % lanes == 0);
 // behind the block, where the vector that straddles word 227 and the last one read it: the words before a
 // vector are new by then.
 template <class Sink>
-HWY_INLINE void next_block(const twister& t, std::uint32_t* HWY_RESTRICT x, const Sink& sink, std::size_t at) {
+HWY_INLINE void next_block(const twister& t, std::uint32_t* HWY_RESTRICT x, const Sink& sink,
+                           std::size_t at) {
   const auto step = [&](std::size_t i, std::size_t middle) __attribute__((always_inline)) {
     const vec y = t.twisted(hn::Load(d, x + i), hn::LoadU(d, x + i + 1), hn::LoadU(d, x + middle));
     hn::Store(y, d, x + i);

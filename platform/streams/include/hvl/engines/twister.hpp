@@ -13,7 +13,8 @@ struct twister : Parameters {
   using Parameters::matrix, Parameters::upper, Parameters::middle, Parameters::size;
 
   // The word `size` places after `oldest`, from it, the one behind it and the one `middle` places behind it.
-  [[gnu::always_inline]] constexpr std::uint32_t twist(std::uint32_t oldest, std::uint32_t second, std::uint32_t middle_word) const {
+  [[gnu::always_inline]] constexpr std::uint32_t twist(std::uint32_t oldest, std::uint32_t second,
+                                                       std::uint32_t middle_word) const {
     const std::uint32_t joined = (oldest & upper) | (second & ~upper);
     return middle_word ^ joined >> 1 ^ ((0 - (second & 1)) & matrix);
   }
@@ -26,10 +27,13 @@ struct twister : Parameters {
     return (mixed ^ ((0 - odd) & matrix)) << 1 | odd;
   }
 
-  [[gnu::always_inline]] constexpr std::uint32_t next(const std::uint32_t* x) const { return twist(x[0], x[1], x[middle]); }
+  [[gnu::always_inline]] constexpr std::uint32_t next(const std::uint32_t* x) const {
+    return twist(x[0], x[1], x[middle]);
+  }
 
   // Writes to `out` the `size` words of the sequence that start at word `index` of a block of as many.
-  [[gnu::always_inline]] constexpr void shift(const std::uint32_t* block, std::uint32_t index, std::uint32_t* out) const {
+  [[gnu::always_inline]] constexpr void shift(const std::uint32_t* block, std::uint32_t index,
+                                              std::uint32_t* out) const {
     std::uint32_t sequence[2 * size] = {};
     for (int k = 0; k < size; ++k)
       sequence[k] = block[k];
