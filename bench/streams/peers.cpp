@@ -218,6 +218,10 @@ void register_words_and_reals(const std::string& name, Peer peer) {
 
 void register_peers() {
   register_words_and_reals("std_mt19937", from_engine<std::mt19937>());
+  using first_mt2203 = // its first member
+      std::mersenne_twister_engine<std::uint32_t, 32, 69, 34, 5, 0xDB110000, 12, 0xFFFFFFFF, 7, 0xCDAAD780,
+                                   15, 0xEFC00000, 18, 1812433253>;
+  register_words_and_reals("std_mt2203", from_engine<first_mt2203>());
   register_words_and_reals("boost_mt19937", from_engine<boost::random::mt19937>());
   register_words_and_reals(
       "std_mcg31m1",

@@ -10,6 +10,7 @@
 
 #include "engines/mrg32k3a.hpp"
 #include "engines/mt19937.hpp"
+#include "engines/mt2203.hpp"
 #include "engines/niederreiter.hpp"
 #include "engines/r250.hpp"
 #include "engines/sfmt19937.hpp"

@@ -64,7 +64,7 @@ void add_source(CLI::App& verb, source_options& options, raw_options& given) {
   verb.add_option_function<std::string>(
           "--member",
           [&start = options.start](const std::string& text) { start.member = read_count("--member", text); },
-          "which member of an engine that has several, such as wichmann_hill")
+          "which member of an engine that has several, such as mt2203")
       ->type_name("N");
   add_text(verb, "--mode", options.start.mode, "MODE",
            "how mrg32k3a orders its sequence: standard, optimal, or custom:N for N substreams");

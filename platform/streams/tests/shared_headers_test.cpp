@@ -56,7 +56,8 @@ TYPED_TEST(positions, are_those_of_the_stream) {
 
 template <class Engine>
 class recurrences : public ::testing::Test {};
-using recurrence_types = ::testing::Types<engines::mt19937, engines::r250, engines::sfmt19937>;
+using recurrence_types =
+    ::testing::Types<engines::mt19937, engines::mt2203, engines::r250, engines::sfmt19937>;
 TYPED_TEST_SUITE(recurrences, recurrence_types);
 
 TYPED_TEST(recurrences, are_those_of_the_stream) {

@@ -20,7 +20,7 @@ const std::map<std::int32_t, std::uint64_t> position_of_a_greatest_word = {
     {VQS_ENGINE_MT19937, 8366988},        {VQS_ENGINE_ARS5, 32301534},
     {VQS_ENGINE_WICHMANN_HILL, 7312383},  {VQS_ENGINE_R250, 4355095},
     {VQS_ENGINE_SFMT19937, 3324327},      {VQS_ENGINE_SOBOL, 246065831},
-    {VQS_ENGINE_NIEDERREITER, 246065831},
+    {VQS_ENGINE_NIEDERREITER, 246065831}, {VQS_ENGINE_MT2203, 6243427},
 };
 
 // A word of any engine and the constants by which its engine scales it.

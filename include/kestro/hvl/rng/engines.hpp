@@ -187,6 +187,32 @@ class KESTRO_HVL_API mt19937 : public detail::engine_base<mt19937> {
   void skip_ahead(std::uint64_t num_to_skip);
 };
 
+/// Mersenne Twisters of 2203 bits, period 2^2203 - 1 each (M. Matsumoto and T. Nishimura, "Dynamic creation of
+/// pseudorandom number generators", Monte Carlo and Quasi-Monte Carlo Methods 1998): 6024 members with a recurrence and a
+/// tempering of their own, for as many independent sequences. The parameters are this library's own: found by the
+/// paper's search, they are not those of other tables. Callers cannot skip. On a GPU device the state lives in device memory.
+class KESTRO_HVL_API mt2203 : public detail::engine_base<mt2203> {
+ public:
+  /// How many members there are.
+  static constexpr std::uint32_t members = 6024;
+
+  /// Member 0, or the given one; as the list of the seed's two words, the low one first. Throws `invalid_argument`
+  /// ("engine_idx is out of range [0, 6024)").
+  mt2203(sycl::queue queue, std::uint64_t seed);
+  mt2203(sycl::queue queue, std::uint64_t seed, std::uint32_t engine_idx);
+
+  /// Several members, seeded as one by one, whose values are dealt in turn: with k of them, value j of the sequence is the
+  /// next one of member engine_idx[j % k]. (Where a method makes two values at once, the pairs are dealt.) An index is in
+  /// the list once. Such an engine cannot be saved; on a device as many work-items generate as it has members.
+  mt2203(sycl::queue queue, std::uint64_t seed, const std::vector<std::uint32_t>& engine_idx);
+
+  /// The authors' `init_by_array` for 69 words, with the member's index added to the list.
+  mt2203(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  mt2203(sycl::queue queue, const std::vector<std::uint32_t>& words, std::uint32_t engine_idx);
+  mt2203(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
+  mt2203(sycl::queue queue, std::initializer_list<std::uint32_t> seed, std::uint32_t engine_idx);
+};
+
 /// Generalised feedback shift register of S. Kirkpatrick and E. P. Stoll (Journal of Computational Physics 40, 1981):
 /// x(n) = x(n - 103) xor x(n - 250), period 2^250 - 1. Some libraries compute x(n - 147) instead of x(n - 103), which is
 /// this sequence read backwards. Outputs at the distances 0, 103 and 250 are dependent: it is there to reproduce earlier

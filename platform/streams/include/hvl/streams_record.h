@@ -60,6 +60,15 @@ typedef struct {
   uint32_t position; /* 0..624 */
 } vqs_mt19937_record;
 
+/* As above, with 69 words. The header's engine is VQS_ENGINE_MT2203 + the member's index, whose parameters follow. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t words[69];
+  uint32_t position; /* 0..69 */
+  uint32_t matrix;   /* the twist constant */
+  uint32_t tempering_b, tempering_c;
+} vqs_mt2203_record;
+
 /* 156 units of four words, the least first, not all zero. words[position] is the next output; 624 as above. */
 typedef struct {
   vqs_record_header header;
@@ -99,6 +108,7 @@ static_assert(sizeof(vqs_digital_record) == 256, "the direction numbers lie at b
 static_assert(sizeof(vqs_record_header) == 16, "fields start at byte 16");
 static_assert(sizeof(vqs_mrg32k3a_record) == 52, "the substreams lie at byte 40");
 static_assert(sizeof(vqs_mt19937_record) == 2516, "the position lies at byte 2512");
+static_assert(sizeof(vqs_mt2203_record) == 308, "the twist constant lies at byte 296");
 #endif
 
 #endif

@@ -206,8 +206,7 @@ struct digital_generator {
         return draw_singly(r, out, count);
       tables.make_row();
     }
-    const kernel_set* const kernels = kernels_for(hvl_serv_isa());
-    const auto next_row = (kernels != nullptr ? *kernels : scalar::kernels).next_row;
+    const auto next_row = best_kernels().next_row;
     std::uint32_t number = tables.row_number();
     std::uint32_t place = tables.place();
     while (count != 0) {

@@ -109,4 +109,7 @@ extern const kernel_set kernels;
 // For a value of hvl_serv_isa(); null when it is none.
 const kernel_set* kernels_for(int isa) noexcept;
 
+// For the instruction set in force, or the scalar ones where none can be.
+const kernel_set& best_kernels() noexcept;
+
 } // namespace hvl::streams
