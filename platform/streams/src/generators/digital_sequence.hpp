@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "generators/entry.hpp"
-#include "hvl/core.h"
 #include "hvl/engines/digital_sequence.hpp"
 #include "simd/kernels.hpp"
 
