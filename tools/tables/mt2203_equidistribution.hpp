@@ -8,10 +8,9 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "mt2203_irreducible.hpp"
 
@@ -38,7 +37,7 @@ class equidistribution {
  public:
   // Of the leading `bits` bits, 1 ... 32.
   equidistribution(const twister& t, int bits) : twister_(t), bits_(bits) {
-    for (std::size_t i = 0; i < vectors_.size(); ++i)
+    for (int i = 0; i < 33; ++i)
       vectors_[i] = &memory_[i];
     for (int i = 0; i < bits; ++i) {
       vectors_[i]->lead = bit(i);
@@ -147,10 +146,9 @@ class equidistribution {
 
   twister twister_;
   int bits_;
-  std::array<vector, 33> memory_;
-  std::array<vector*, 33> vectors_;
-  std::array<std::uint32_t, 32>
-      inverse_{}; // the vectors whose leading coefficients add up to each unit vector
+  vector memory_[33];
+  vector* vectors_[33];
+  std::uint32_t inverse_[32] = {}; // the vectors whose leading coefficients add up to each unit vector
   std::uint32_t used_;
   int extra_;
 };
