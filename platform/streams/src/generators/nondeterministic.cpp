@@ -33,11 +33,16 @@ const processor_features processor;
   return _rdrand64_step(&word) != 0;
 }
 
-// Intel, "Digital Random Number Generator (DRNG) Software Implementation Guide", 2.1: RDSEED runs dry where many draw, and
-// may be asked again after a pause; RDRAND that fails ten times in a row is broken.
+// Intel, "Digital Random Number Generator (DRNG) Software Implementation Guide", 2.1: RDRAND is for numbers, and broken where
+// it fails ten times in a row; RDSEED, tens of times slower, runs dry where many draw and may be asked again after a pause.
 bool draw_from_processor(std::uint64_t& to) noexcept {
-  constexpr int rdseed_attempts = 100, rdrand_attempts = 10;
+  constexpr int rdrand_attempts = 10, rdseed_attempts = 100;
   unsigned long long word;
+  for (int i = 0; processor.has_rdrand && i < rdrand_attempts; ++i)
+    if (rdrand(word)) {
+      to = word;
+      return true;
+    }
   for (int i = 0; processor.has_rdseed && i < rdseed_attempts; ++i) {
     if (rdseed(word)) {
       to = word;
@@ -45,11 +50,6 @@ bool draw_from_processor(std::uint64_t& to) noexcept {
     }
     _mm_pause();
   }
-  for (int i = 0; processor.has_rdrand && i < rdrand_attempts; ++i)
-    if (rdrand(word)) {
-      to = word;
-      return true;
-    }
   return false;
 }
 
