@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "framework/distribution_impl.hpp"
 #include "framework/engine_impl.hpp"
@@ -27,6 +29,31 @@ sycl::event generate_on_host(engine_state& state, sycl::queue& queue, const Dist
   });
   state.set_in_flight(event);
   return event;
+}
+
+/// Of words that kernels cannot make: the values are made on the host, and copied to the device from there.
+template <class DistributionImpl, class Target>
+sycl::event generate_and_copy(engine_state& state, sycl::queue& queue, const DistributionImpl& distribution,
+                              std::int64_t n, const Target& target) {
+  using T = typename Target::value_type;
+  if (n == 0)
+    return queue.submit([&](sycl::handler& handler) { target.on_host(handler, n); });
+  const auto values = std::make_shared<T[]>(static_cast<std::size_t>(n));
+  const sycl::event made = queue.submit([&](sycl::handler& handler) {
+    portability::host_task(handler, [stream = state.stream(), distribution, n, values] {
+      const int status = distribution.generate(stream.get(), n, values.get());
+      check_stream_status(status, "generate", vqsStatusText(status));
+    });
+  });
+  const sycl::event copied = queue.submit([&](sycl::handler& handler) {
+    handler.depends_on(made);
+    target.copy_from(handler, values, n);
+  });
+  queue.submit([&](sycl::handler& handler) { // whose end lets go of the values
+    handler.depends_on(copied);
+    portability::host_task(handler, [values] {});
+  });
+  return copied;
 }
 
 /// The kernel of an engine whose words follow from a position, behind another event where there is one.
@@ -81,6 +108,8 @@ sycl::event engine_base_impl_backend<Engine, Device>::generate(sycl::queue& queu
       return generation::generate_impl_sub_seq(*this, queue, distribution, n, target);
   if constexpr (Device == device_type::cpu)
     return generate_on_host(*this, queue, distribution, n, target);
+  else if constexpr (!about<Engine>.is_reproducible)
+    return generate_and_copy(*this, queue, distribution, n, target);
   else
     return distribution.with_transform([&](const auto& transform) {
       return generation::submit(*this, queue, transform, distribution.words_of(n), n, target);

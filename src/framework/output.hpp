@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <type_traits>
 #include <vector>
 
@@ -14,6 +16,8 @@ namespace kestro::hvl::rng::detail {
 
 template <class T>
 struct usm_output {
+  using value_type = T;
+
   T* r;
   const std::vector<sycl::event>& dependencies;
 
@@ -26,6 +30,11 @@ struct usm_output {
     return r;
   }
 
+  /// Of the host's memory; the last thing that a command group declares.
+  void copy_from(sycl::handler& handler, const std::shared_ptr<T[]>& values, std::int64_t n) const {
+    handler.memcpy(on_host(handler, n), values.get(), static_cast<std::size_t>(n) * sizeof(T));
+  }
+
   void validate(std::int64_t n) const {
     if (n < 0)
       throw invalid_argument("rng", "generate", "n");
@@ -36,6 +45,8 @@ struct usm_output {
 
 template <class T>
 struct buffer_output {
+  using value_type = T;
+
   sycl::buffer<T, 1>& r;
 
   template <class Element>
@@ -50,6 +61,11 @@ struct buffer_output {
   }
   auto on_host(sycl::handler& handler, std::int64_t n) const {
     return sycl::accessor<T, 1, sycl::access_mode::write, sycl::target::host_task>(r, handler, properties(n));
+  }
+  void copy_from(sycl::handler& handler, const std::shared_ptr<T[]>& values, std::int64_t n) const {
+    using accessor = sycl::accessor<T, 1, sycl::access_mode::write, sycl::target::device>;
+    handler.copy(values.get(),
+                 accessor(r, handler, sycl::range<1>(static_cast<std::size_t>(n)), properties(n)));
   }
 
   void validate(std::int64_t n) const {

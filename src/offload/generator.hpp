@@ -76,8 +76,10 @@ class generator_impl final : public generator<Distribution> {
         return;
       }
     }
-    const std::uint64_t words = described().words_of(n);
-    check_stream_status(vqsAdvanceStream_64(stream_, 1, &words), "skip_ahead", "");
+    if constexpr (about<Engine>.is_reproducible) { // otherwise the stream stands nowhere
+      const std::uint64_t words = described().words_of(n);
+      check_stream_status(vqsAdvanceStream_64(stream_, 1, &words), "skip_ahead", "");
+    }
   }
 
   std::int64_t get_scale() const override {

@@ -260,6 +260,8 @@ class Lists(unittest.TestCase):
                       variants)
         for variant in variants:
             self.assertEqual(raw("-n", "101", *variant), raw("-n", "101", *variant, "--device", "gpu"), variant)
+        self.assertEqual(len({raw("-n", "4", "-e", "nondeterministic", "--device", device)
+                              for device in ("cpu", "gpu", "cpu", "gpu")}), 4)
         for engine in engines:
             for name in names:
                 done = run("generate", "-n", "2", "-e", engine, "-d", name)

@@ -104,13 +104,28 @@ void expect_same(const std::vector<T>& actual, const std::vector<T>& expected) {
         << "value " << i << " is " << actual[i] << ", not " << expected[i];
 }
 
-template <class None, class... Engines>
-struct engine_types {
-  using type = ::testing::Types<Engines...>;
-};
+template <class Engine>
+constexpr const ::hvl::engines::facts& facts_of() {
+#define KESTRO_HVL_ENGINE(name)                                                                              \
+  if constexpr (std::is_same_v<Engine, name>)                                                                \
+    return ::hvl::engines::name::about;
+#include <kestro/hvl/rng/detail/engines.def>
+#undef KESTRO_HVL_ENGINE
+}
 
+template <class Kept, class... Engines>
+struct reproducible {
+  using type = Kept;
+};
+template <class... Kept, class First, class... Rest>
+struct reproducible<::testing::Types<Kept...>, First, Rest...>
+    : std::conditional_t<facts_of<First>().is_reproducible,
+                         reproducible<::testing::Types<Kept..., First>, Rest...>,
+                         reproducible<::testing::Types<Kept...>, Rest...>> {};
+
+/// All whose numbers can be had again; the suite of nondeterministic is its own.
 #define KESTRO_HVL_ENGINE(name) , name
-using all_engines = engine_types<void
+using all_engines = reproducible<::testing::Types<>
 #include <kestro/hvl/rng/detail/engines.def>
                                  >::type;
 #undef KESTRO_HVL_ENGINE
@@ -128,15 +143,6 @@ template <class Engine>
 concept skips_by_words = requires(Engine engine) {
   engine.skip_ahead({std::uint64_t{}, std::uint64_t{}});
 };
-
-template <class Engine>
-const ::hvl::engines::facts& facts_of() {
-#define KESTRO_HVL_ENGINE(name)                                                                              \
-  if constexpr (std::is_same_v<Engine, name>)                                                                \
-    return ::hvl::engines::name::about;
-#include <kestro/hvl/rng/detail/engines.def>
-#undef KESTRO_HVL_ENGINE
-}
 
 /// Of a quasi-random engine a seed is the number of dimensions: then some, as the seed says.
 template <class Engine>

@@ -59,7 +59,9 @@ void add_source(CLI::App& verb, source_options& options, raw_options& given) {
   add_text(verb, "-s,--seed", given.seed, "SEED",
            "one seed, or a list of 32-bit words separated by commas; a quasi-random engine (sobol, "
            "niederreiter) has no "
-           "seed: then it is the number of dimensions, whose coordinates the numbers take in turn");
+           "seed: then it is the number of dimensions, whose coordinates the numbers take in turn; to "
+           "nondeterministic it "
+           "does not count");
   add_text(verb, "--skip", given.skip, "N", "outputs of the engine to skip first");
   verb.add_option_function<std::string>(
           "--member",

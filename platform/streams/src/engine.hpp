@@ -42,7 +42,8 @@ struct record_tables {
 };
 
 // The functions are called with a record of this engine, whose header says which member it is. Seeding and advance may run
-// out of memory, all others are noexcept; advance then leaves the record as it was.
+// out of memory; advance then leaves the record as it was. draw may throw where the engine is not reproducible. All others
+// are noexcept.
 struct engine : engines::facts {
   std::uint32_t field_bytes;      // of a record up to the end of its fields
   std::uint32_t words_per_thread; // a smaller share of a call does not repay the skip to its start
@@ -55,7 +56,7 @@ struct engine : engines::facts {
   bool (*in_range)(const void* record) noexcept;
 
   // Writes the next `count` words, of the engine's kind, and moves on.
-  void (*draw)(void* record, void* words, std::size_t count) noexcept;
+  void (*draw)(void* record, void* words, std::size_t count);
 
   // Moves on by the number that `count` spells, least significant 64-bit word first, in less than linear time. Every
   // engine that is reproducible can, whatever `skip` offers to callers: parts of a call begin this way.

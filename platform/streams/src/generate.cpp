@@ -65,12 +65,12 @@ void apply(const transform& t, const void* words, std::byte* out, std::size_t va
 }
 
 // Brings in words, and returns how many values can be made of them.
-std::size_t refill(word_reader& reader, const transform& t, std::uint64_t values) noexcept {
+std::size_t refill(word_reader& reader, const transform& t, std::uint64_t values) {
   const std::size_t groups = reader.refill() / t.words_per_group;
   return static_cast<std::size_t>(std::min<std::uint64_t>(groups * t.values_per_group, values));
 }
 
-void write(word_reader& reader, const part& p, const transform& t) noexcept {
+void write(word_reader& reader, const part& p, const transform& t) {
   std::byte* out = p.out;
   for (std::uint64_t left = p.values; left != 0;) {
     const std::size_t granule = t.direct != nullptr ? reader.direct_granule() : 0;
@@ -87,7 +87,7 @@ void write(word_reader& reader, const part& p, const transform& t) noexcept {
   }
 }
 
-void stream(word_reader& reader, const part& p, const transform& t, const kernel_set& kernels) noexcept {
+void stream(word_reader& reader, const part& p, const transform& t, const kernel_set& kernels) {
   const std::size_t run = streamed_output::run_bytes / t.value_bytes;
   streamed_output out(p.out, kernels);
   for (std::uint64_t left = p.values; left != 0;) {
@@ -118,8 +118,7 @@ void stream(word_reader& reader, const part& p, const transform& t, const kernel
   out.finish();
 }
 
-void run_part(const engine& e, const kernel_set& kernels, const part& p, const transform& t,
-              bool streaming) noexcept {
+void run_part(const engine& e, const kernel_set& kernels, const part& p, const transform& t, bool streaming) {
   word_reader reader(e, kernels.block(e), p.record, words_of(p.values, t));
   if (streaming)
     stream(reader, p, t, kernels);

@@ -46,6 +46,8 @@ const char* vqsStatusText(int status) {
     return "there is no such file or folder";
   case VQS_STATUS_FILE_PERMISSION:
     return "no permission to access the file";
+  case VQS_STATUS_SOURCE_FAILED:
+    return "the source of nondeterministic words fails or is stuck";
   default:
     return "unknown status";
   }

@@ -20,6 +20,11 @@ inline const engine* engine_of(vqs_stream stream) noexcept {
 // A zeroed record of an engine's member, up to the end of its fields; throws std::bad_alloc.
 record_pointer new_record(const engine& e, std::int32_t id);
 
+// Thrown where a status cannot be returned.
+struct failed_with {
+  int status;
+};
+
 // Runs `body`, which returns a status; what it throws becomes one.
 template <class Body>
 int guarded(Body&& body) noexcept {
@@ -27,6 +32,8 @@ int guarded(Body&& body) noexcept {
     return body();
   } catch (const std::bad_alloc&) {
     return VQS_STATUS_NO_MEMORY;
+  } catch (const failed_with& failure) {
+    return failure.status;
   } catch (...) {
     return VQS_STATUS_INTERNAL;
   }

@@ -25,7 +25,7 @@ class word_reader {
 
   // Brings in another block behind the words not yet taken (fewer than 16 of them), and returns how many
   // words now lie at words(): at most what is left in all.
-  std::size_t refill() noexcept {
+  std::size_t refill() {
     std::byte* const block = buffer_ + carry_bytes;
     std::memmove(block - unread_ * word_bytes_, words(), unread_ * word_bytes_);
     begin_ = block - unread_ * word_bytes_;

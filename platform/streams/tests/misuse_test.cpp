@@ -112,7 +112,7 @@ TEST(misuse_without_engine, null_foreign_and_dead_handles_are_refused) {
 
 TEST(misuse_without_engine, every_status_has_a_text_of_its_own) {
   std::vector<std::string> texts;
-  for (int status = VQS_STATUS_OK; status >= VQS_STATUS_FILE_PERMISSION; --status) {
+  for (int status = VQS_STATUS_OK; status >= VQS_STATUS_SOURCE_FAILED; --status) {
     const std::string text = vqsStatusText(status);
     EXPECT_EQ(std::count(texts.begin(), texts.end(), text), 0) << text;
     EXPECT_NE(text, vqsStatusText(1));

@@ -29,11 +29,16 @@ inline void PrintTo(const engine_entry& e, std::ostream* out) {
   *out << e.name;
 }
 
-inline constexpr engine_entry engines[] = {
+// Every engine whose sequence can be known; the suite of nondeterministic is its own.
+inline const std::vector<engine_entry> engines = [] {
+  std::vector<engine_entry> all{
 #define HVL_ENGINE(name) {#name, hvl::engines::name::about.identifier, hvl::engines::name::about},
 #include "hvl/engines.def"
 #undef HVL_ENGINE
-};
+  };
+  std::erase_if(all, [](const engine_entry& e) { return !e.about.is_reproducible; });
+  return all;
+}();
 
 inline bool offers_skips(vqs_stream stream) {
   for (const engine_entry& e : engines)

@@ -282,4 +282,18 @@ class KESTRO_HVL_API niederreiter : public detail::engine_base<niederreiter> {
   void skip_ahead(std::uint64_t num_to_skip);
 };
 
+/// Words of the processor's generator (RDRAND, or RDSEED where that fails) or, where the processor has neither or they are
+/// stuck, of the operating system's. Nothing can be had again: there are no skips, and copies, loaded states, threads and
+/// forked processes all draw words of their own. A saved state holds which source it is. On a GPU device values are made on
+/// the host and copied. A source that fails, or gives the same 64 bits twice in a row, is a `computation_error`: where the
+/// engine is made thrown there, later an asynchronous error of the queue.
+class KESTRO_HVL_API nondeterministic : public detail::engine_base<nondeterministic> {
+ public:
+  explicit nondeterministic(sycl::queue queue);
+
+  /// For code that seeds any engine; the seed does not count.
+  nondeterministic(sycl::queue queue, std::uint64_t seed);
+  nondeterministic(sycl::queue queue, const std::vector<std::uint32_t>& words);
+};
+
 } // namespace kestro::hvl::rng

@@ -8,6 +8,7 @@
 #include "hvl/engines/mt19937.hpp"
 #include "hvl/engines/mt2203.hpp"
 #include "hvl/engines/niederreiter.hpp"
+#include "hvl/engines/nondeterministic.hpp"
 #include "hvl/engines/philox4x32x10.hpp"
 #include "hvl/engines/r250.hpp"
 #include "hvl/engines/sfmt19937.hpp"

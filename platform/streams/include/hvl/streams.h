@@ -37,6 +37,7 @@ enum {
   VQS_ENGINE_MT19937 = 8388608,
   VQS_ENGINE_SFMT19937 = 9437184,
   VQS_ENGINE_MT2203 = 10485760, /* of the first of 6024 members */
+  VQS_ENGINE_NONDETERMINISTIC = 15728640,
   VQS_ENGINE_PHILOX4X32X10 = 16777216,
   VQS_ENGINE_ARS5 = 33554432
 };
@@ -60,10 +61,11 @@ enum {
   VQS_STATUS_STATE_CHECKSUM = -15,      /* a saved state whose checksum does not match */
   VQS_STATUS_STATE_RANGE = -16,         /* a saved state with a field out of its range */
   VQS_STATUS_NO_MEMORY = -17,           /* out of memory */
-  VQS_STATUS_BAD_ISA = -18,        /* HVL_ISA names an instruction set that is unknown or not available */
-  VQS_STATUS_INTERNAL = -19,       /* an unexpected failure inside the library */
-  VQS_STATUS_FILE_MISSING = -20,   /* there is no such file, or no folder for it */
-  VQS_STATUS_FILE_PERMISSION = -21 /* no permission to read or write the file */
+  VQS_STATUS_BAD_ISA = -18,         /* HVL_ISA names an instruction set that is unknown or not available */
+  VQS_STATUS_INTERNAL = -19,        /* an unexpected failure inside the library */
+  VQS_STATUS_FILE_MISSING = -20,    /* there is no such file, or no folder for it */
+  VQS_STATUS_FILE_PERMISSION = -21, /* no permission to read or write the file */
+  VQS_STATUS_SOURCE_FAILED = -22    /* the source of nondeterministic words fails or is stuck */
 };
 
 /* Method codes. Where a distribution has an accurate method, its code is that of the plain one, 0 when there is no
@@ -88,7 +90,9 @@ HVL_STREAMS_API int32_t vqsEngineOfStream(vqs_stream stream);
  * moduli: x0 x1 x2 y0 y1 y2, or the low and the high word of x; one seed is spread over their state by SplitMix64.
  * Of sobol and niederreiter one seed is the number of dimensions, from 1 to 21201 and 4720; of words it is the first, and
  * what the caller has of his own may follow: 32 direction numbers for each dimension, or for niederreiter an irreducible
- * polynomial for each, all different, the coefficient of x^i at bit i. All else is VQS_STATUS_BAD_PARAMETER. */
+ * polynomial for each, all different, the coefficient of x^i at bit i. All else is VQS_STATUS_BAD_PARAMETER.
+ * Of nondeterministic nothing follows from seeds or words, nor do copies and loaded states repeat anything: a stream is its
+ * source, the processor's RDSEED or RDRAND or, where it has neither or they are stuck, the system's getrandom. */
 HVL_STREAMS_API int vqsNewStream_64(vqs_stream* stream, int32_t engine, uint64_t seed);
 HVL_STREAMS_API int vqsNewStreamEx_64(vqs_stream* stream, int32_t engine, int64_t count,
                                       const uint32_t* words);

@@ -103,6 +103,11 @@ typedef struct {
 typedef vqs_digital_record vqs_sobol_record;
 typedef vqs_digital_record vqs_niederreiter_record;
 
+typedef struct {
+  vqs_record_header header;
+  uint32_t source; /* 0: the processor's generator, 1: the operating system's */
+} vqs_nondeterministic_record;
+
 #ifdef __cplusplus
 static_assert(sizeof(vqs_digital_record) == 256, "the direction numbers lie at byte 256");
 static_assert(sizeof(vqs_record_header) == 16, "fields start at byte 16");

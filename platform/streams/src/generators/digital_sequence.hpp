@@ -166,13 +166,13 @@ struct digital_generator {
   }
 
   static void extend(record_pointer& r, std::span<const std::uint32_t> numbers) {
-    const record& fields = of(r);
-    record_pointer whole = allocate_record(fields.header, digital_tables::bytes(fields.dimensions));
+    const record& start = of(r);
+    record_pointer whole = allocate_record(start.header, digital_tables::bytes(start.dimensions));
     record& w = of(whole);
-    w.point = fields.point;
-    w.coordinate = fields.coordinate;
-    w.dimensions = fields.dimensions;
-    w.own = fields.own;
+    w.point = start.point;
+    w.coordinate = start.coordinate;
+    w.dimensions = start.dimensions;
+    w.own = start.own;
     const auto put = [to = digital_tables::numbers(w)](std::size_t dimension, std::size_t k,
                                                        std::uint32_t number) {
       to[digital_tables::number_stride * dimension + k] = number;
@@ -199,27 +199,27 @@ struct digital_generator {
   };
 
   static void draw(record& r, std::uint32_t* out, std::size_t count) {
-    const digital_tables tables(r);
-    if (!tables.has_row()) {
-      if (count < tables.width() / 4) // a row does not pay
+    const digital_tables rows(r);
+    if (!rows.has_row()) {
+      if (count < rows.width() / 4) // a row does not pay
         return draw_singly(r, out, count);
-      tables.make_row();
+      rows.make_row();
     }
     const auto next_row = best_kernels().next_row;
-    std::uint32_t number = tables.row_number();
-    std::uint32_t place = tables.place();
+    std::uint32_t number = rows.row_number();
+    std::uint32_t place = rows.place();
     while (count != 0) {
-      const auto n = static_cast<std::uint32_t>(std::min<std::size_t>(count, tables.width() - place));
-      next_row(out, tables.row() + place, tables.change_after(number) + place, n);
+      const auto n = static_cast<std::uint32_t>(std::min<std::size_t>(count, rows.width() - place));
+      next_row(out, rows.row() + place, rows.change_after(number) + place, n);
       out += n;
       count -= n;
       place += n;
-      if (place == tables.width()) {
+      if (place == rows.width()) {
         place = 0;
         ++number;
       }
     }
-    tables.set_position(number, place);
+    rows.set_position(number, place);
   }
 
   static void advance(record& r, std::span<const std::uint64_t> count) {

@@ -44,7 +44,7 @@ constexpr engine entry() {
           return Generator::seed_words(*static_cast<record*>(r.get()), words);
       },
       [](const void* r) noexcept { return Generator::in_range(*static_cast<const record*>(r)); },
-      [](void* r, void* words, std::size_t count) noexcept {
+      [](void* r, void* words, std::size_t count) {
         Generator::draw(*static_cast<record*>(r), static_cast<typename type::word*>(words), count);
       },
       [](void* r, std::span<const std::uint64_t> count) {
