@@ -6,4 +6,5 @@
 #include "transforms/geometric.hpp"
 #include "transforms/inverse_cdf.hpp"
 #include "transforms/lognormal.hpp"
+#include "transforms/thresholds.hpp"
 #include "transforms/words.hpp"
