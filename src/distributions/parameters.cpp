@@ -1,10 +1,14 @@
-// The checks of the distributions' constructors: the rules are the stream library's.
+// The checks of the distributions' constructors, whose rules are the stream library's, and the records of distributions that
+// carry one. Nothing is computed here.
 #include <cstdint>
 
 #include <hvl/float_environment.hpp>
+#include <hvl/math/laws.hpp>
 #include <hvl/streams_parameters.hpp>
 #include <kestro/hvl/exceptions.hpp>
 #include <kestro/hvl/rng/detail/parameters.hpp>
+
+#include "distributions/thresholds.hpp"
 
 namespace kestro::hvl::rng::detail {
 namespace {
@@ -44,6 +48,15 @@ void check_gamma(T alpha, T a, T beta) {
 
 void check_geometric(double p) {
   check("geometric", ::hvl::streams::geometric_fault, p);
+}
+
+void check_bernoulli(double p) {
+  check("bernoulli", ::hvl::streams::bernoulli_fault, p);
+}
+
+std::shared_ptr<threshold_record> poisson_record(double lambda) {
+  check("poisson", ::hvl::streams::poisson_fault, lambda);
+  return std::make_shared<threshold_record>(::hvl::math::poisson_law{lambda});
 }
 
 template <class T>

@@ -19,8 +19,7 @@ namespace {
 using O = scalar_ops<double>;
 constexpr double false_alarm = 1e-9;
 
-template <std::size_t Factors>
-double logarithm_at(double k, const rejection_law<Factors>& law) {
+double logarithm_at(double k, const rejection_law& law) {
   const auto terms = rejection_terms_at<O>(k, law);
   return log<O>(terms.product) / 2 + terms.rest;
 }

@@ -66,4 +66,12 @@ inline const char* geometric_fault(double p) {
   return !(p > 0 && p <= 1) ? "p is not in (0, 1]" : nullptr;
 }
 
+inline const char* bernoulli_fault(double p) {
+  return !(p >= 0 && p <= 1) ? "p is not in [0, 1]" : nullptr;
+}
+
+inline const char* poisson_fault(double lambda) {
+  return !(lambda >= 0 && std::isfinite(lambda)) ? "lambda < 0" : nullptr;
+}
+
 } // namespace hvl::streams

@@ -28,7 +28,8 @@ const block_kernel* block_kernel_of(const engine& e) noexcept {
 }
 
 const kernel_set kernels = {
-    block_kernel_of, uniform_transform,   gaussian_transform, lognormal_transform, inverse_cdf_transform,
-    gamma_transform, geometric_transform, stream_lines,       xor_windows,         fold_bytes};
+    block_kernel_of,       uniform_transform, gaussian_transform,  lognormal_transform,
+    inverse_cdf_transform, gamma_transform,   geometric_transform, thresholds_transform,
+    stream_lines,          xor_windows,       fold_bytes};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

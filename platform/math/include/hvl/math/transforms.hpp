@@ -9,4 +9,5 @@
 #include "transforms/inverse_cdf.hpp"
 #include "transforms/lognormal.hpp"
 #include "transforms/poisson_rejection.hpp"
+#include "transforms/thresholds.hpp"
 #include "transforms/words.hpp"

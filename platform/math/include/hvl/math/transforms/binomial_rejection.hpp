@@ -7,8 +7,7 @@ namespace hvl::math {
 namespace detail {
 
 // Hoermann's constants for a law of this deviation and log_scale, the rest of which is set.
-template <std::size_t Factors>
-HVL_MATH_INLINE void set_binomial_hat(rejection_law<Factors>& law, double deviation, double rarer) {
+HVL_MATH_INLINE void set_binomial_hat(rejection_law& law, double deviation, double rarer) {
   using O = scalar_ops<double>;
   law.b = O::fma(deviation, 2.53, 1.15);
   law.a = O::fma(law.b, 0.0248, O::fma(rarer, 0.01, -0.0873));
@@ -20,13 +19,12 @@ HVL_MATH_INLINE void set_binomial_hat(rejection_law<Factors>& law, double deviat
 
 } // namespace detail
 
-using binomial_rejection = rejection_law<2>;
-
 // At least 10 successes and 10 failures are to be expected.
-HVL_MATH_INLINE binomial_rejection binomial_rejection_of(std::int32_t trials, double p) {
+HVL_MATH_INLINE rejection_law binomial_rejection_of(std::int32_t trials, double p) {
   const double n = trials;
   const double q = 1 - p;
-  binomial_rejection law{};
+  rejection_law law{};
+  law.factors = 2;
   law.centre = n * p;
   law.mode = static_cast<double>(static_cast<std::int64_t>((n + 1) * p));
   law.greatest = n;

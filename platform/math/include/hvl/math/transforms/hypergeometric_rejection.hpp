@@ -7,17 +7,16 @@
 
 namespace hvl::math {
 
-using hypergeometric_rejection = rejection_law<4>;
-
 // Marked ones in a sample from a lot, with a deviation of at least 30.
-HVL_MATH_INLINE hypergeometric_rejection hypergeometric_rejection_of(std::int32_t lot, std::int32_t sample,
-                                                                     std::int32_t marked) {
+HVL_MATH_INLINE rejection_law hypergeometric_rejection_of(std::int32_t lot, std::int32_t sample,
+                                                          std::int32_t marked) {
   const double l = lot;
   const double s = sample;
   const double m = marked;
   const double p = m / l;
   const double q = (l - m) / l;
-  hypergeometric_rejection law{};
+  rejection_law law{};
+  law.factors = 4;
   law.centre = s * p;
   law.mode =
       static_cast<double>((std::int64_t{sample} + 1) * (std::int64_t{marked} + 1) / (std::int64_t{lot} + 2));

@@ -5,14 +5,13 @@
 
 namespace hvl::math {
 
-using poisson_rejection = rejection_law<1>;
-
 // Means from 10 on. Values beyond 2^31 - 1 are that number: of means from 2^31 + 2^19 on all are but with a probability
 // below 2^-90, so means from 2^32 on are taken as 2^32.
-HVL_MATH_INLINE poisson_rejection poisson_rejection_of(double mean) {
+HVL_MATH_INLINE rejection_law poisson_rejection_of(double mean) {
   using O = scalar_ops<double>;
   mean = O::lesser(mean, 0x1p32);
-  poisson_rejection law{};
+  rejection_law law{};
+  law.factors = 1;
   law.b = O::fma(O::sqrt(mean), 2.53, 0.931);
   law.a = O::fma(law.b, 0.02483, -0.059);
   law.centre = mean + (0.43 - 0.5); // the author rounds down

@@ -26,13 +26,13 @@ inline constexpr std::uint32_t transformed_rejection_attempts = 64;
 inline constexpr std::uint32_t transformed_rejection_hash_key = 0x74726A73;
 
 // What the host forms once from the parameters. A factor's number is slope k + offset, one more than what its mean is of.
-template <std::size_t Factors>
 struct rejection_law {
+  int factors; // at most 4
   double a, b, centre;
   double squeeze;
   double log_scale; // ln alpha less what the probability of the mode lacks
   double mode, least, greatest;
-  double slope[Factors], offset[Factors], mean[Factors];
+  double slope[4], offset[4], mean[4];
 };
 
 template <class O>
@@ -43,9 +43,9 @@ struct rejection_proposal {
 };
 
 // v uniform on [0, 1].
-template <class O, std::size_t Factors>
+template <class O>
 HVL_MATH_INLINE rejection_proposal<O> rejection_proposed(typename O::value u, typename O::value v,
-                                                         const rejection_law<Factors>& law) {
+                                                         const rejection_law& law) {
   static_assert(sizeof(typename O::scalar) == 8);
   // no smaller s gives an integer that is possible
   const auto s = O::greater(O::set(0.5) - detail::magnitude<O>(u), O::set(0x1p-40));
@@ -63,11 +63,10 @@ struct rejection_terms {
   typename O::value rest;    // the logarithm is ln(product) / 2 + rest and what does not depend on k
 };
 
-template <class O, std::size_t Factors>
-HVL_MATH_INLINE rejection_terms<O> rejection_terms_at(typename O::value k,
-                                                      const rejection_law<Factors>& law) {
+template <class O>
+HVL_MATH_INLINE rejection_terms<O> rejection_terms_at(typename O::value k, const rejection_law& law) {
   rejection_terms<O> terms{O::set(1.0), O::set(0.0)};
-  for (std::size_t i = 0; i < Factors; ++i) {
+  for (int i = 0; i < law.factors; ++i) {
     const auto n = O::fma(O::set(law.slope[i]), k, O::set(law.offset[i]));
     const auto deviation = (O::set(law.mean[i]) - n) / n;
     terms.product = terms.product * n;
@@ -77,9 +76,9 @@ HVL_MATH_INLINE rejection_terms<O> rejection_terms_at(typename O::value k,
 }
 
 // The test itself; v is uniform on (0, 1).
-template <class O, std::size_t Factors>
+template <class O>
 HVL_MATH_INLINE typename O::mask rejection_accepts(const rejection_proposal<O>& proposal, typename O::value v,
-                                                   const rejection_law<Factors>& law) {
+                                                   const rejection_law& law) {
   const auto possible = O::lesser(O::greater(proposal.k, O::set(law.least)), O::set(law.greatest));
   const auto inside = O::lt(detail::magnitude<O>(proposal.k - possible), O::set(0.5));
   const rejection_terms<O> terms = rejection_terms_at<O>(possible, law);
@@ -112,8 +111,8 @@ HVL_MATH_INLINE constexpr rejection_uniforms rejection_attempt_uniforms(const st
 }
 
 // The value of the first attempt from 1 on that is accepted. O is a policy of one number.
-template <class O, std::size_t N, std::size_t Factors>
-HVL_MATH_INLINE double rejection_further(const std::uint32_t (&own)[N], const rejection_law<Factors>& law) {
+template <class O, std::size_t N>
+HVL_MATH_INLINE double rejection_further(const std::uint32_t (&own)[N], const rejection_law& law) {
   for (std::uint32_t attempt = 1; attempt < transformed_rejection_attempts; ++attempt) {
     const rejection_uniforms r = rejection_attempt_uniforms(own, attempt);
     const rejection_proposal<O> proposal = rejection_proposed<O>(r.u, r.v, law);
@@ -124,9 +123,9 @@ HVL_MATH_INLINE double rejection_further(const std::uint32_t (&own)[N], const re
 }
 
 // One value whole, for a policy of one number: u on [-1/2, 1/2], v on [0, 1] in steps of `cell`.
-template <class O, std::size_t N, std::size_t Factors>
+template <class O, std::size_t N>
 HVL_MATH_INLINE double rejection_value(double u, double v, double cell, const std::uint32_t (&own)[N],
-                                       const rejection_law<Factors>& law) {
+                                       const rejection_law& law) {
   const rejection_proposal<O> first = rejection_proposed<O>(u, v, law);
   if (first.squeezed)
     return first.k;
