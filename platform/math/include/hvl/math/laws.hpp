@@ -19,6 +19,7 @@ struct law_support {
   std::int32_t origin;
   std::int32_t step;
   double mode, least, greatest;
+  double variance;
 };
 
 // Up to that variance a law is inverted by a table; it then has at most some 20 thousand thresholds.
@@ -28,7 +29,7 @@ struct poisson_law {
   double mean;
 
   law_support support() const {
-    return {0, 1, static_cast<double>(static_cast<std::int64_t>(mean)), 0, 0x1p31};
+    return {0, 1, static_cast<double>(static_cast<std::int64_t>(mean)), 0, 0x1p31, mean};
   }
   double numerator(double) const { return mean; }
   double denominator(double k) const { return k; }
@@ -46,7 +47,8 @@ struct binomial_law {
 
   law_support support() const {
     const auto mode = static_cast<double>(static_cast<std::int64_t>((trials + 1.0) * rare));
-    return {p <= 0.5 ? 0 : trials, p <= 0.5 ? 1 : -1, mode, 0, static_cast<double>(trials)};
+    return {p <= 0.5 ? 0 : trials,       p <= 0.5 ? 1 : -1,   mode, 0,
+            static_cast<double>(trials), trials * p * (1 - p)};
   }
   double numerator(double k) const { return (trials - k + 1) * rare; }
   double denominator(double k) const { return k * other; }
@@ -65,7 +67,8 @@ struct negative_binomial_law {
   law_support support() const {
     const double odds = failure / (1 - failure);
     const double mode = successes > 1 ? (successes - 1) * odds : 0.0;
-    return {0, 1, static_cast<double>(static_cast<std::int64_t>(mode)), 0, 0x1p31};
+    return {0, 1,      static_cast<double>(static_cast<std::int64_t>(mode)),
+            0, 0x1p31, successes * odds * (1 + odds)};
   }
   double numerator(double k) const { return (successes + (k - 1)) * failure; }
   double denominator(double k) const { return k; }
@@ -88,14 +91,21 @@ struct hypergeometric_law {
     const auto mode = static_cast<std::uint64_t>(sample + 1) * static_cast<std::uint64_t>(marked + 1) /
                       static_cast<std::uint64_t>(lot + 2);
     const double unmarked_short = sample + marked - lot;
-    return {turned ? static_cast<std::int32_t>(sample) : 0, turned ? -1 : 1, static_cast<double>(mode),
-            unmarked_short > 0 ? unmarked_short : 0.0, sample < marked ? sample : marked};
+    return {turned ? static_cast<std::int32_t>(sample) : 0,
+            turned ? -1 : 1,
+            static_cast<double>(mode),
+            unmarked_short > 0 ? unmarked_short : 0.0,
+            sample < marked ? sample : marked,
+            variance(lot, sample, marked)};
   }
   double numerator(double k) const { return (marked - k + 1) * (sample - k + 1); }
   double denominator(double k) const { return k * (lot - marked - sample + k); }
 
+  static constexpr double variance(double l, double s, double m) {
+    return l <= 1 ? 0.0 : s * (m / l) * ((l - m) / l) * ((l - s) / (l - 1));
+  }
   static constexpr bool has_table(double l, double s, double m) {
-    return l <= 1 || s * (m / l) * ((l - m) / l) * ((l - s) / (l - 1)) <= greatest_variance_of_table;
+    return variance(l, s, m) <= greatest_variance_of_table;
   }
 };
 
@@ -111,6 +121,7 @@ template <class Law, class Vector>
 law_values thresholds_of(const Law& law, Vector& thresholds) {
   const law_support s = law.support();
   thresholds.clear();
+  thresholds.reserve(64 + static_cast<std::size_t>(20 * scalar_ops<double>::sqrt(s.variance)));
   double k = s.mode;
   for (double w = 1; k < s.greatest; ++k) {
     w *= law.numerator(k + 1) / law.denominator(k + 1);
