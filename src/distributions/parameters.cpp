@@ -8,6 +8,7 @@
 #include <kestro/hvl/exceptions.hpp>
 #include <kestro/hvl/rng/detail/parameters.hpp>
 
+#include "distributions/means_record.hpp"
 #include "distributions/thresholds.hpp"
 
 namespace kestro::hvl::rng::detail {
@@ -56,7 +57,16 @@ void check_bernoulli(double p) {
 
 std::shared_ptr<threshold_record> poisson_record(double lambda) {
   check("poisson", ::hvl::streams::poisson_fault, lambda);
-  return std::make_shared<threshold_record>(::hvl::math::poisson_law{lambda});
+  using law = ::hvl::math::poisson_law;
+  return law::has_table(lambda) ? std::make_shared<threshold_record>(law{lambda}) : nullptr;
+}
+
+std::shared_ptr<means_record> poisson_v_record(std::shared_ptr<const std::vector<double>> lambda) {
+  if (lambda->empty())
+    throw invalid_argument("rng", "poisson_v", "size of lambda < 0");
+  check("poisson_v", ::hvl::streams::poisson_v_fault, std::as_const(*lambda).data(),
+        static_cast<std::int64_t>(lambda->size()));
+  return std::make_shared<means_record>(std::move(lambda));
 }
 
 template <class T>

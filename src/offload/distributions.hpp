@@ -9,4 +9,5 @@
 #include "distributions/inverse_cdf.hpp"
 #include "distributions/lognormal.hpp"
 #include "distributions/poisson.hpp"
+#include "distributions/poisson_v.hpp"
 #include "distributions/uniform.hpp"

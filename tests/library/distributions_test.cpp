@@ -63,8 +63,10 @@ TYPED_TEST(distributions_test, geometric_is_the_same_everywhere_and_takes_its_wo
 TYPED_TEST(distributions_test, discrete_ones_are_the_same_everywhere_and_take_their_words) {
   for (const double p : {0.0, 1e-9, 0.3, 1.0})
     this->check(bernoulli<int>(p), {2, 1});
-  for (const double lambda : {0.0, 1e-3, 1.0, 77.7, 1e6})
+  for (const double lambda : {0.0, 1e-3, 1.0, 77.7, 1048576.0, std::nextafter(1048576.0, 2e6), 1e8, 2.2e9})
     this->check(poisson<int>(lambda), {2, 1});
+  this->check(poisson_v<int>({0.0, 1e-3, 0.5, 9.999, 10.0, 300.0, 1e9}), {2, 1});
+  this->check(poisson_v<int>(std::vector<double>(5000, 3.3)), {2, 1});
 }
 
 // Groups of three and of six words do not divide what a kernel makes at a time, nor the parts of a call that is cut.
@@ -122,6 +124,7 @@ TYPED_TEST(distributions_test, discrete_ones_have_the_same_values_in_both_types)
     };
     check(bernoulli<int>(0.2), bernoulli<unsigned>(0.2));
     check(poisson<int>(20), poisson<unsigned>(20));
+    check(poisson_v<int>({20, 0.1}), poisson_v<unsigned>({20, 0.1}));
   });
 }
 
@@ -145,6 +148,7 @@ TEST(distributions_in_substreams, are_refused_where_a_row_has_too_few_words) {
     check(geometric<unsigned>(), mrg32k3a_mode::custom{3});
     check(bernoulli<int>(), mrg32k3a_mode::optimal{});
     check(poisson<int>(), mrg32k3a_mode::optimal{});
+    check(poisson_v<int>(), mrg32k3a_mode::optimal{});
   });
 }
 
@@ -169,8 +173,13 @@ TEST(distributions_of_bad_parameters, are_refused_by_name) {
   for (const double bad : {-1e-300, std::nextafter(1.0, 2.0), nan, infinite})
     EXPECT_EQ(refused<bernoulli<int>>(bad),
               "kestro::hvl::rng::bernoulli: invalid argument: p is not in [0, 1]");
-  for (const double bad : {-1e-300, nan, infinite})
+  for (const double bad : {-1e-300, nan, infinite}) {
     EXPECT_EQ(refused<poisson<int>>(bad), "kestro::hvl::rng::poisson: invalid argument: lambda < 0");
+    EXPECT_EQ(refused<poisson_v<int>>(std::vector{1.0, bad}),
+              "kestro::hvl::rng::poisson_v: invalid argument: lambda < 0");
+  }
+  EXPECT_EQ(refused<poisson_v<int>>(std::vector<double>()),
+            "kestro::hvl::rng::poisson_v: invalid argument: size of lambda < 0");
   EXPECT_EQ(refused<geometric<int>>(std::nextafter(1.0, 2.0)), p_text);
   EXPECT_EQ(refused<geometric<int>>(1.0), "no exception");
 }

@@ -98,7 +98,6 @@ const std::map<std::string_view, std::string_view> missing = {
     {"Hypergeometric", "hypergeometric"},
     {"Multinomial", "multinomial"},
     {"Negbinomial", "negative_binomial"},
-    {"PoissonV", "poisson_v"},
 };
 
 class poisoned_output {

@@ -53,8 +53,11 @@ distribution_entry describe(std::string_view spelling, std::size_t index) {
   std::vector<parameter_entry> parameters;
   std::apply(
       [&](const auto&... parameter) {
-        (parameters.push_back({parameter.name, fmt::format("{}", (Distribution().*parameter.accessor)())}),
-         ...);
+        const auto add = [&](const auto& one) {
+          const auto value = (Distribution().*one.accessor)();
+          parameters.push_back({one.name, parameter_text<std::remove_const_t<decltype(value)>>::of(value)});
+        };
+        (add(parameter), ...);
       },
       traits::parameters);
   return {std::string(spelling.substr(0, spelling.find('<'))),

@@ -124,4 +124,9 @@ struct distribution_traits<rng::poisson<T, M>> : method_traits<rng::poisson<T, M
   static constexpr std::tuple parameters{parameter{"lambda", &rng::poisson<T, M>::lambda}};
 };
 
+template <class T, class M>
+struct distribution_traits<rng::poisson_v<T, M>> : method_traits<rng::poisson_v<T, M>, rng::poisson_v<T>> {
+  static constexpr std::tuple parameters{parameter{"lambda", &rng::poisson_v<T, M>::lambda}};
+};
+
 } // namespace hvl_rng

@@ -2,7 +2,6 @@
 // give the one that both words of its uniform decide.
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <limits>
 
 #include <boost/math/distributions/binomial.hpp>
@@ -10,31 +9,13 @@
 #include <boost/math/distributions/negative_binomial.hpp>
 #include <boost/math/distributions/poisson.hpp>
 
+#include "discrete.hpp"
 #include "extreme_words.hpp"
-#include "fit.hpp"
 #include "hvl/streams_thresholds.hpp"
 
 namespace hvl::streams::test {
 namespace {
 
-constexpr std::int32_t poison = -7;
-
-using generator = std::function<int(vqs_stream, std::int64_t, std::int32_t*)>;
-
-std::vector<std::int32_t> generated(vqs_stream stream, std::size_t n, const generator& generate) {
-  std::vector<std::int32_t> values(n + 1, poison); // never a null pointer
-  EXPECT_EQ(generate(stream, static_cast<std::int64_t>(n), values.data()), VQS_STATUS_OK);
-  EXPECT_EQ(values.back(), poison) << "written behind the end";
-  values.pop_back();
-  return values;
-}
-
-generator poisson(double lambda) {
-  return [=](vqs_stream s, std::int64_t n, std::int32_t* r) { return viRngPoisson_64(0, s, n, r, lambda); };
-}
-generator bernoulli(double p) {
-  return [=](vqs_stream s, std::int64_t n, std::int32_t* r) { return viRngBernoulli_64(0, s, n, r, p); };
-}
 generator of_table(const vqs_thresholds& table) {
   return [=](vqs_stream s, std::int64_t n, std::int32_t* r) { return viRngThresholds_64(s, n, r, &table); };
 }
@@ -196,52 +177,6 @@ TEST_P(thresholds_of_engine, certain_values_take_their_words) {
   });
 }
 
-// Cells of at least 20 expected values.
-void check_poisson(std::int32_t engine, std::size_t n, double mean) {
-  SCOPED_TRACE(testing::Message() << "mean " << mean);
-  const auto values = generated(owned_stream(engine), n, poisson(mean));
-  const auto count = static_cast<double>(n);
-  const auto cells = [&](double of_mean, const std::vector<double>& last) {
-    std::vector<double> expected;
-    double below = 0;
-    for (const double k : last) {
-      const double up_to = cdf(boost::math::poisson_distribution<>(of_mean), k);
-      expected.push_back((up_to - below) * count);
-      below = up_to;
-    }
-    expected.push_back((1 - below) * count);
-    return expected;
-  };
-  const double deviation = std::sqrt(mean);
-  std::vector<double> last; // of each cell but the last
-  const double step = std::max(1.0, std::floor(deviation / 8));
-  double below = 0;
-  for (double k = std::max(0.0, std::floor(mean - 6 * deviation)); k < mean + 6 * deviation + 3; k += step) {
-    const double up_to = cdf(boost::math::poisson_distribution<>(mean), k);
-    if ((up_to - below) * count >= 20 && (1 - up_to) * count >= 20) {
-      last.push_back(k);
-      below = up_to;
-    }
-  }
-  ASSERT_FALSE(last.empty());
-  std::vector<std::uint64_t> counts(last.size() + 1);
-  for (const std::int32_t value : values)
-    ++counts[static_cast<std::size_t>(std::lower_bound(last.begin(), last.end(), value) - last.begin())];
-  expect_fit(chi_square(counts, cells(mean, last)), counts.size());
-  EXPECT_GT(chi_square(counts, cells(mean + 0.05 * std::max(deviation, mean), last)),
-            critical_chi_square(counts.size()))
-      << "a wrong mean passes";
-}
-
-TEST_P(thresholds_of_engine, fit_their_law) {
-  if (id() == VQS_ENGINE_PHILOX4X32X10)
-    for (const double mean : {1e-4, 0.1, 1.0, 7.5, 30.0, 1000.0, 1e5, 1048576.0})
-      check_poisson(id(), std::size_t{1} << 21, mean);
-  else
-    for (const double mean : {0.1, 30.0, 1e5})
-      check_poisson(id(), std::size_t{1} << 18, mean);
-}
-
 HVL_STREAMS_FOR_EACH_ENGINE(thresholds_of_engine);
 
 // A probability of 2^-40 is kept by the second word: of first words that are 0 as many values pass as it says.
@@ -257,27 +192,6 @@ TEST(thresholds, of_rare_values_are_decided_by_the_second_word) {
           [&] { expect_equal(generated(owned_stream(origin), n, of_table(table.view())), expected); });
     }
   }
-}
-
-TEST(thresholds, misuse_changes_nothing) {
-  owned_stream stream(VQS_ENGINE_MRG32K3A);
-  const auto before = stream.saved();
-  std::int32_t r[1] = {poison};
-  const double nan = std::numeric_limits<double>::quiet_NaN(),
-               infinite = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(viRngPoisson_64(1, stream, 1, r, 0.5), VQS_STATUS_BAD_METHOD);
-  EXPECT_EQ(viRngBernoulli_64(1, stream, 1, r, 0.5), VQS_STATUS_BAD_METHOD);
-  EXPECT_EQ(viRngPoisson_64(0, nullptr, 1, r, 0.5), VQS_STATUS_NULL_POINTER);
-  EXPECT_EQ(viRngPoisson_64(0, stream, 1, nullptr, 0.5), VQS_STATUS_NULL_POINTER);
-  EXPECT_EQ(viRngBernoulli_64(0, stream, -1, r, 0.5), VQS_STATUS_BAD_COUNT);
-  EXPECT_EQ(viRngPoisson_64(0, stream, -1, r, 0.5), VQS_STATUS_BAD_COUNT);
-  EXPECT_EQ(viRngThresholds_64(stream, 1, r, nullptr), VQS_STATUS_NULL_POINTER);
-  for (const double bad : {-1e-300, nan, infinite})
-    EXPECT_EQ(viRngPoisson_64(0, stream, 1, r, bad), VQS_STATUS_BAD_PARAMETER) << bad;
-  for (const double bad : {-1e-300, std::nextafter(1.0, 2.0), nan, infinite})
-    EXPECT_EQ(viRngBernoulli_64(0, stream, 1, r, bad), VQS_STATUS_BAD_PARAMETER) << bad;
-  EXPECT_EQ(r[0], poison);
-  EXPECT_EQ(stream.saved(), before);
 }
 
 } // namespace

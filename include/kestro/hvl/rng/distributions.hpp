@@ -10,4 +10,5 @@
 #include "distributions/geometric.hpp"
 #include "distributions/inverse_cdf.hpp"
 #include "distributions/poisson.hpp"
+#include "distributions/poisson_v.hpp"
 #include "distributions/uniform.hpp"

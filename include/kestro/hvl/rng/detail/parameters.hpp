@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <type_traits>
+#include <vector>
 
 #include "../../detail/export.hpp"
 #include "record.hpp"
@@ -34,6 +35,8 @@ KESTRO_HVL_API void check_centred(const char* distribution, T a, T b);
 
 /// Checks the parameters and makes the record that goes with them; null where they need none.
 KESTRO_HVL_API std::shared_ptr<threshold_record> poisson_record(double lambda);
+KESTRO_HVL_API std::shared_ptr<means_record>
+poisson_v_record(std::shared_ptr<const std::vector<double>> lambda);
 
 template <class T, class... Allowed>
 inline constexpr bool is_one_of = (std::is_same_v<T, Allowed> || ...);

@@ -15,8 +15,10 @@ struct standard {};
 /// How many events happen that are independent and of which lambda are expected: k with probability
 /// exp(-lambda) lambda^k / k!. Mean and variance lambda.
 ///
-/// By inversion, through a table that all copies of the distribution share and the first call builds. Two words a value; the
-/// second one refines the first, so that probabilities hold far into the tail.
+/// By inversion at means up to 2^20, through a table that all copies of the distribution share and the first call builds; by
+/// transformed rejection beyond. Two words a value; of an inversion the second one refines the first, so that probabilities
+/// hold far into the tail. Values that would exceed 2^31 - 1 are 2^31 - 1, for either result type: more than one in 1e10
+/// from a mean of 2147190000 on, all but one in 1e10 from 2147780000 on.
 template <class T = std::int32_t, class Method = poisson_method::standard>
 class poisson {
   static_assert(detail::is_one_of<T, std::int32_t, std::uint32_t>, "poisson yields int or unsigned int");
