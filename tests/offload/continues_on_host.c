@@ -35,6 +35,8 @@ static const int32_t ia = -100, ib = 1000;
   CASE(vs, Gamma, gamma, float, (, ftwo, fa, fone), (, &ftwo, &fa, &fone))                                   \
   CASE(vd, Gamma, gamma, double, (, done, da, dtwo), (, &done, &da, &dtwo))                                  \
   CASE(vi, Geometric, geometric, int32_t, (, p), (, &p))                                                     \
+  CASE(vi, Bernoulli, bernoulli, int32_t, (, p), (, &p))                                                     \
+  CASE(vi, Poisson, poisson, int32_t, (, db), (, &db))                                                       \
   CASE(vi, Uniform, uniform, int32_t, (, ia, ib), (, &ia, &ib))                                              \
   CASE(vi, UniformBits, uniformbits, uint32_t, (), ())                                                       \
   CASE(vi, UniformBits32, uniformbits32, uint32_t, (), ())                                                   \

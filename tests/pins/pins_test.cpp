@@ -50,6 +50,14 @@ template <class T>
 geometric<T> pinned(geometric<T>) {
   return geometric<T>(0.07);
 }
+template <class T>
+bernoulli<T> pinned(bernoulli<T>) {
+  return bernoulli<T>(0.07);
+}
+template <class T>
+poisson<T> pinned(poisson<T>) {
+  return poisson<T>(37.7);
+}
 template <template <class, class> class Distribution, class T, class M>
 Distribution<T, M> pinned(Distribution<T, M>) { // the families of location and scale
   return {T(-3.1), T(1.9)};

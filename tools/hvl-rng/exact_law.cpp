@@ -136,6 +136,24 @@ exact_law law_of(const rng::geometric<T, M>& of) {
           0, largest, true};
 }
 
+template <class T, class M>
+exact_law law_of(const rng::bernoulli<T, M>& of) {
+  const double p = of.p();
+  return {[=](double k) { return k == 1 ? p : k == 0 ? 1 - p : 0; }, 0, 1, true};
+}
+
+// Beyond the largest integer there is nothing to see at the means that a plot shows.
+template <class T, class M>
+exact_law law_of(const rng::poisson<T, M>& of) {
+  const double lambda = of.lambda();
+  return {[=](double k) {
+            return k < 0         ? 0
+                   : lambda == 0 ? (k == 0 ? 1.0 : 0.0)
+                                 : std::exp(k * std::log(lambda) - lambda - std::lgamma(k + 1));
+          },
+          0, std::numeric_limits<std::int32_t>::max(), true};
+}
+
 template <class Distribution>
 exact_law make_law(const distribution_entry& entry, const parameter_values& parameters) {
   const auto distribution = make_distribution<Distribution>(entry.name, parameters);
