@@ -21,6 +21,9 @@ PICTURES = (
     ("gumbel", "Gumbel: a + beta ln(-ln u), so the long tail is the left one", "-d gumbel"),
     ("gamma", "Gamma", "-d gamma --alpha 2.5"),
     ("geometric", "Geometric: how many trials fail before the first success", "-d geometric --p 0.2"),
+    ("bernoulli", "Bernoulli: whether one trial succeeds", "-d bernoulli --p 0.3"),
+    ("poisson", "Poisson: how many of many rare events happen", "-d poisson --lambda 7.5"),
+    ("poisson_v", "Poisson numbers of several means, one after the other", "-d poisson_v --lambda 3,25"),
     ("cauchy", "Cauchy; the plot leaves the tails out", "-d cauchy"),
 )
 

@@ -11,6 +11,7 @@ extern "C" {
 double random_standard_gamma(bitgen_t* bits, double shape);
 float random_standard_gamma_f(bitgen_t* bits, float shape);
 std::int64_t random_geometric(bitgen_t* bits, double p);
+std::int64_t random_poisson(bitgen_t* bits, double mean);
 }
 
 namespace bench {

@@ -85,6 +85,9 @@ void register_distributions() {
   add("gamma_2.5/double", bound<double>(vdRngGamma_64, 0, 2.5, 0.0, 1.0));
   for (const double p : geometric_probabilities)
     add(geometric_name(p), bound<std::int32_t>(viRngGeometric_64, 0, p));
+  add("bernoulli", bound<std::int32_t>(viRngBernoulli_64, 0, 0.3));
+  for (const double mean : poisson_means)
+    add(poisson_name(mean), bound<std::int32_t>(viRngPoisson_64, 0, mean));
 }
 
 } // namespace bench

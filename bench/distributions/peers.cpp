@@ -1,5 +1,6 @@
 // What a user would otherwise take for each distribution: on a Mersenne twister, compiled for this machine's processor, and
 // NumPy's Generator on its fastest bit generator, as Debian compiles it.
+#include <boost/random/bernoulli_distribution.hpp>
 #include <boost/random/cauchy_distribution.hpp>
 #include <boost/random/exponential_distribution.hpp>
 #include <boost/random/gamma_distribution.hpp>
@@ -7,6 +8,7 @@
 #include <boost/random/laplace_distribution.hpp>
 #include <boost/random/mersenne_twister.hpp>
 #include <boost/random/normal_distribution.hpp>
+#include <boost/random/poisson_distribution.hpp>
 #include <random>
 
 #include "numpy.hpp"
@@ -48,6 +50,23 @@ void add_geometric(const std::string& name, double p) {
   add_numpy<std::int32_t>(name, [p](bitgen_t* bits) { return random_geometric(bits, p); });
 }
 
+void add_poisson(const std::string& name, double mean) {
+  add<std::mt19937>("std/" + name, std::poisson_distribution<std::int32_t>(mean));
+  add<boost::random::mt19937>("boost/" + name, boost::random::poisson_distribution<std::int32_t>(mean));
+  add_numpy<std::int32_t>(name, [mean](bitgen_t* bits) { return random_poisson(bits, mean); });
+}
+
+// Gives values that are stored as integers.
+template <class Distribution>
+struct integers_of {
+  using result_type = std::int32_t;
+  template <class Engine>
+  std::int32_t operator()(Engine& engine) {
+    return static_cast<std::int32_t>(distribution(engine));
+  }
+  Distribution distribution;
+};
+
 template <class T>
 void add_all(const std::string& type) {
   using std_engine = std::mt19937;
@@ -74,6 +93,11 @@ void register_distribution_peers() {
   add_gamma("gamma_2.5/double", 2.5, random_standard_gamma);
   for (const double p : geometric_probabilities)
     add_geometric(geometric_name(p), p);
+  add<boost::random::mt19937>("boost/bernoulli", integers_of<boost::random::bernoulli_distribution<double>>{
+                                                     boost::random::bernoulli_distribution<double>(0.3)});
+  add_numpy<std::int32_t>("bernoulli", [](bitgen_t* bits) { return bits->next_double(bits->state) < 0.3 ? 1 : 0; });
+  for (const double mean : poisson_means)
+    add_poisson(poisson_name(mean), mean);
 }
 
 } // namespace bench

@@ -1,10 +1,15 @@
-// The checks of the distributions' constructors: the rules are the stream library's.
+// The checks of the distributions' constructors, whose rules are the stream library's, and the records of distributions that
+// carry one. Nothing is computed here.
 #include <cstdint>
 
 #include <hvl/float_environment.hpp>
+#include <hvl/math/laws.hpp>
 #include <hvl/streams_parameters.hpp>
 #include <kestro/hvl/exceptions.hpp>
 #include <kestro/hvl/rng/detail/parameters.hpp>
+
+#include "distributions/means_record.hpp"
+#include "distributions/thresholds.hpp"
 
 namespace kestro::hvl::rng::detail {
 namespace {
@@ -44,6 +49,24 @@ void check_gamma(T alpha, T a, T beta) {
 
 void check_geometric(double p) {
   check("geometric", ::hvl::streams::geometric_fault, p);
+}
+
+void check_bernoulli(double p) {
+  check("bernoulli", ::hvl::streams::bernoulli_fault, p);
+}
+
+std::shared_ptr<threshold_record> poisson_record(double lambda) {
+  check("poisson", ::hvl::streams::poisson_fault, lambda);
+  using law = ::hvl::math::poisson_law;
+  return law::has_table(lambda) ? std::make_shared<threshold_record>(law{lambda}) : nullptr;
+}
+
+std::shared_ptr<means_record> poisson_v_record(std::shared_ptr<const std::vector<double>> lambda) {
+  if (lambda->empty())
+    throw invalid_argument("rng", "poisson_v", "size of lambda < 0");
+  check("poisson_v", ::hvl::streams::poisson_v_fault, std::as_const(*lambda).data(),
+        static_cast<std::int64_t>(lambda->size()));
+  return std::make_shared<means_record>(std::move(lambda));
 }
 
 template <class T>

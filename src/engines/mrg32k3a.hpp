@@ -111,8 +111,9 @@ struct engine_generation<mrg32k3a> : generation_at_position<mrg32k3a> {
       throw invalid_argument("rng", "generate",
                              "mrg32k3a with optimal/custom modes doesn't support this distribution");
     } else {
-      return distribution.with_transform(
-          [&](const auto& transform) { return submit_in_substreams(impl, queue, transform, n, target); });
+      return distribution.with_transform(queue, [&](const auto& transform) {
+        return submit_in_substreams(impl, queue, transform, n, target);
+      });
     }
   }
 

@@ -16,7 +16,6 @@ constexpr bool is_offered =
 template <class Distribution, class Engine, class Target>
 sycl::event generate_device_dispatch(sycl::queue& queue, const Distribution& distribution,
                                      engine_base_impl<Engine>& impl, std::int64_t n, const Target& target) {
-  using T = typename Distribution::result_type;
   if constexpr (!is_offered<Distribution, Engine>) {
     throw unimplemented("rng", "generate",
                         std::string(distribution_traits<Distribution>::name) + " distribution and " +
@@ -26,11 +25,11 @@ sycl::event generate_device_dispatch(sycl::queue& queue, const Distribution& dis
     if (device_type_of(queue.get_device(), "generate") == device_type::cpu) {
       using backend = engine_base_impl_backend<Engine, device_type::cpu>;
       return static_cast<backend&>(impl).generate(
-          queue, distribution_impl<T, Distribution, device_type::cpu>(distribution), n, target);
+          queue, descriptor<Distribution, device_type::cpu>(distribution), n, target);
     }
     using backend = engine_base_impl_backend<Engine, device_type::gpu>;
     return static_cast<backend&>(impl).generate(
-        queue, distribution_impl<T, Distribution, device_type::gpu>(distribution), n, target);
+        queue, descriptor<Distribution, device_type::gpu>(distribution), n, target);
   }
 }
 

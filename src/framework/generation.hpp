@@ -111,8 +111,8 @@ sycl::event engine_base_impl_backend<Engine, Device>::generate(sycl::queue& queu
   else if constexpr (!about<Engine>.is_reproducible)
     return generate_and_copy(*this, queue, distribution, n, target);
   else
-    return distribution.with_transform([&](const auto& transform) {
-      return generation::submit(*this, queue, transform, distribution.words_of(n), n, target);
+    return distribution.with_transform(queue, [&](const auto& transform) {
+      return generation::submit(*this, queue, transform, words_of(transform.words, n), n, target);
     });
 }
 

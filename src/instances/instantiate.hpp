@@ -14,12 +14,11 @@
 /// The path of a CPU device, which does not know the engine's type: `prefix` is extern where it stands elsewhere.
 #define KESTRO_HVL_INSTANTIATE_HOST_PATH(prefix, ...)                                                        \
   namespace kestro::hvl::rng::detail {                                                                       \
-  prefix template sycl::event                                                                                \
-  generate_on_host(engine_state&, sycl::queue&,                                                              \
-                   const distribution_impl<__VA_ARGS__::result_type, __VA_ARGS__, device_type::cpu>&,        \
-                   std::int64_t, const usm_output<__VA_ARGS__::result_type>&);                               \
-  prefix template sycl::event                                                                                \
-  generate_on_host(engine_state&, sycl::queue&,                                                              \
-                   const distribution_impl<__VA_ARGS__::result_type, __VA_ARGS__, device_type::cpu>&,        \
-                   std::int64_t, const buffer_output<__VA_ARGS__::result_type>&);                            \
+  prefix template sycl::event generate_on_host(engine_state&, sycl::queue&,                                  \
+                                               const descriptor<__VA_ARGS__, device_type::cpu>&,             \
+                                               std::int64_t, const usm_output<__VA_ARGS__::result_type>&);   \
+  prefix template sycl::event generate_on_host(engine_state&, sycl::queue&,                                  \
+                                               const descriptor<__VA_ARGS__, device_type::cpu>&,             \
+                                               std::int64_t,                                                 \
+                                               const buffer_output<__VA_ARGS__::result_type>&);              \
   }

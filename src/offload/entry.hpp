@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
-#include <kestro/hvl/exceptions.hpp>
 #include <kestro/hvl/offload.h>
+#include <kestro/hvl/rng/distributions/poisson_v.hpp>
 
 #include "offload/missing.hpp"
 #include "offload/omp_driver.hpp"
@@ -37,14 +38,11 @@ struct entry<missing<"multinomial", std::int32_t>> {
 
 /// `lambda` has n means.
 template <>
-struct entry<missing<"poisson_v", std::int32_t>> {
-  using distribution = missing<"poisson_v", std::int32_t>;
-
+struct entry<poisson_v<std::int32_t>> {
   static bool accepts(const double*) { return true; }
-  static distribution make(std::int64_t n, const double*) {
-    if (n < 1)
-      throw invalid_argument("rng", "poisson_v", "size of lambda < 0");
-    return distribution();
+  static poisson_v<std::int32_t> make(std::int64_t n, const double* lambda) {
+    return poisson_v<std::int32_t>(n < 1 || lambda == nullptr ? std::vector<double>()
+                                                              : std::vector<double>(lambda, lambda + n));
   }
 };
 

@@ -77,7 +77,7 @@ class generator_impl final : public generator<Distribution> {
       }
     }
     if constexpr (about<Engine>.is_reproducible) { // otherwise the stream stands nowhere
-      const std::uint64_t words = described().words_of(n);
+      const std::uint64_t words = words_of(described().words(), n);
       check_stream_status(vqsAdvanceStream_64(stream_, 1, &words), "skip_ahead", "");
     }
   }
@@ -88,9 +88,7 @@ class generator_impl final : public generator<Distribution> {
   }
 
  private:
-  auto described() const {
-    return distribution_impl<result_type, Distribution, device_type::gpu>(distribution_);
-  }
+  auto described() const { return descriptor<Distribution, device_type::gpu>(distribution_); }
 
   static std::unique_ptr<engine_base_impl<Engine>> engine_impl_of(const sycl::queue& queue,
                                                                   vqs_stream stream) {

@@ -60,6 +60,15 @@ TYPED_TEST(distributions_test, geometric_is_the_same_everywhere_and_takes_its_wo
     this->check(geometric<int>(p), {2, 1});
 }
 
+TYPED_TEST(distributions_test, discrete_ones_are_the_same_everywhere_and_take_their_words) {
+  for (const double p : {0.0, 1e-9, 0.3, 1.0})
+    this->check(bernoulli<int>(p), {2, 1});
+  for (const double lambda : {0.0, 1e-3, 1.0, 77.7, 1048576.0, std::nextafter(1048576.0, 2e6), 1e8, 2.2e9})
+    this->check(poisson<int>(lambda), {2, 1});
+  this->check(poisson_v<int>({0.0, 1e-3, 0.5, 9.999, 10.0, 300.0, 1e9}), {2, 1});
+  this->check(poisson_v<int>(std::vector<double>(5000, 3.3)), {2, 1});
+}
+
 // Groups of three and of six words do not divide what a kernel makes at a time, nor the parts of a call that is cut.
 TYPED_TEST(distributions_test, long_calls_of_odd_groups_are_the_same_on_both_devices) {
   constexpr std::int64_t n = 3'000'001;
@@ -83,6 +92,42 @@ TYPED_TEST(distributions_test, geometric_has_the_same_values_in_both_types) {
   });
 }
 
+// Tables are shared, built by whoever comes first, and outlive the distribution while work reads them.
+TYPED_TEST(distributions_test, copies_of_a_distribution_share_what_outlives_them) {
+  constexpr std::int64_t n = 5001;
+  on_every_device([](sycl::queue& queue) {
+    TypeParam engine(queue, 4), again = engine;
+    const auto expected = usm_values(poisson<int>(1e4), again, queue, 2 * n);
+    int* const memory = sycl::malloc_shared<int>(2 * n, queue);
+    {
+      gate closed(queue);
+      auto distribution = std::make_unique<poisson<int>>(1e4);
+      poisson<int> moved = std::move(*distribution);
+      generate(moved, engine, n, memory, {closed.event()});
+      generate(*distribution, engine, n, memory + n, {closed.event()});
+      distribution.reset();
+      moved = poisson<int>(3);
+    }
+    queue.wait();
+    expect_same(std::vector<int>(memory, memory + 2 * n), expected);
+    sycl::free(memory, queue);
+  });
+}
+
+TYPED_TEST(distributions_test, discrete_ones_have_the_same_values_in_both_types) {
+  on_every_device([](sycl::queue& queue) {
+    const auto check = [&](const auto& of_int, const auto& of_unsigned) {
+      TypeParam engine(queue, 4), again = engine;
+      const auto values = usm_values(of_int, engine, queue, 5001);
+      expect_same(usm_values(of_unsigned, again, queue, 5001),
+                  std::vector<unsigned>(values.begin(), values.end()));
+    };
+    check(bernoulli<int>(0.2), bernoulli<unsigned>(0.2));
+    check(poisson<int>(20), poisson<unsigned>(20));
+    check(poisson_v<int>({20, 0.1}), poisson_v<unsigned>({20, 0.1}));
+  });
+}
+
 // Words of the substreams' rows are one or two a value.
 TEST(distributions_in_substreams, are_refused_where_a_row_has_too_few_words) {
   on_every_device([](sycl::queue& queue) {
@@ -101,6 +146,9 @@ TEST(distributions_in_substreams, are_refused_where_a_row_has_too_few_words) {
     check(gamma<double, gamma_method::marsaglia_accurate>(0.5, 0.0, 1.0), mrg32k3a_mode::custom{3});
     check(geometric<int>(), mrg32k3a_mode::optimal{});
     check(geometric<unsigned>(), mrg32k3a_mode::custom{3});
+    check(bernoulli<int>(), mrg32k3a_mode::optimal{});
+    check(poisson<int>(), mrg32k3a_mode::optimal{});
+    check(poisson_v<int>(), mrg32k3a_mode::optimal{});
   });
 }
 
@@ -122,6 +170,16 @@ TEST(distributions_of_bad_parameters, are_refused_by_name) {
     EXPECT_EQ(refused<geometric<unsigned>>(bad), p_text);
   }
   EXPECT_EQ(refused<gamma<double>>(1.0, infinite, 1.0), gamma_text + "a is not finite");
+  for (const double bad : {-1e-300, std::nextafter(1.0, 2.0), nan, infinite})
+    EXPECT_EQ(refused<bernoulli<int>>(bad),
+              "kestro::hvl::rng::bernoulli: invalid argument: p is not in [0, 1]");
+  for (const double bad : {-1e-300, nan, infinite}) {
+    EXPECT_EQ(refused<poisson<int>>(bad), "kestro::hvl::rng::poisson: invalid argument: lambda < 0");
+    EXPECT_EQ(refused<poisson_v<int>>(std::vector{1.0, bad}),
+              "kestro::hvl::rng::poisson_v: invalid argument: lambda < 0");
+  }
+  EXPECT_EQ(refused<poisson_v<int>>(std::vector<double>()),
+            "kestro::hvl::rng::poisson_v: invalid argument: size of lambda < 0");
   EXPECT_EQ(refused<geometric<int>>(std::nextafter(1.0, 2.0)), p_text);
   EXPECT_EQ(refused<geometric<int>>(1.0), "no exception");
 }

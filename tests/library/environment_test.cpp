@@ -30,6 +30,8 @@ TEST(environment_test, of_the_caller_changes_nothing) {
   check(gamma<float>(0.3f, 0.7f, 1.9f));
   check(gamma<double>(100.0, 0.3, 0.7));
   check(geometric<int>(1e-7));
+  check(bernoulli<int>(0.7));
+  check(poisson<int>(3e4));
 }
 
 } // namespace

@@ -82,7 +82,9 @@ std::string all_verdicts() {
          verdicts<gumbel<float>, 2>(vsRngGumbel_64) + verdicts<gumbel<double>, 2>(vdRngGumbel_64) +
          verdicts<cauchy<float>, 2>(vsRngCauchy_64) + verdicts<cauchy<double>, 2>(vdRngCauchy_64) +
          verdicts<gamma<float>, 3>(vsRngGamma_64) + verdicts<gamma<double>, 3>(vdRngGamma_64) +
-         verdicts<geometric<int>, 1, double>(viRngGeometric_64);
+         verdicts<geometric<int>, 1, double>(viRngGeometric_64) +
+         verdicts<bernoulli<int>, 1, double>(viRngBernoulli_64) +
+         verdicts<poisson<int>, 1, double>(viRngPoisson_64);
 }
 
 TEST(parameters_test, class_and_function_agree_in_every_environment) {

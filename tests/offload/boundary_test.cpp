@@ -94,13 +94,10 @@ const std::map<std::string_view, std::string_view> missing = {
     {"Beta", "beta"},
     {"ChiSquare", "chi_square"},
     {"GaussianMV", "gaussian_mv"},
-    {"Bernoulli", "bernoulli"},
     {"Binomial", "binomial"},
     {"Hypergeometric", "hypergeometric"},
     {"Multinomial", "multinomial"},
     {"Negbinomial", "negative_binomial"},
-    {"Poisson", "poisson"},
-    {"PoissonV", "poisson_v"},
 };
 
 class poisoned_output {
@@ -331,6 +328,9 @@ TEST_F(ending, an_invalid_parameter_ends_the_process) {
   EXPECT_EXIT(hvl_vqs_vsRngGamma_omp_offload_lp64(0, numbers, 1, r, 1, 0, nan, nullptr), ends, "beta <= 0");
   EXPECT_EXIT(hvl_vqs_viRngGeometric_omp_offload_ilp64(0, numbers, 1, values, 0, nullptr), ends,
               "p is not in \\(0, 1\\]");
+  EXPECT_EXIT(hvl_vqs_viRngBernoulli_omp_offload_ilp64(0, numbers, 1, values, 1.5, nullptr), ends,
+              "p is not in \\[0, 1\\]");
+  EXPECT_EXIT(hvl_vqs_viRngPoisson_omp_offload_lp64(0, numbers, 1, values, -1, nullptr), ends, "lambda < 0");
 }
 
 } // namespace

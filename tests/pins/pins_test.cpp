@@ -50,6 +50,18 @@ template <class T>
 geometric<T> pinned(geometric<T>) {
   return geometric<T>(0.07);
 }
+template <class T>
+bernoulli<T> pinned(bernoulli<T>) {
+  return bernoulli<T>(0.07);
+}
+template <class T>
+poisson<T> pinned(poisson<T>) {
+  return poisson<T>(37.7);
+}
+template <class T>
+poisson_v<T> pinned(poisson_v<T>) { // one mean, so that splits change nothing
+  return poisson_v<T>({37.7});
+}
 template <template <class, class> class Distribution, class T, class M>
 Distribution<T, M> pinned(Distribution<T, M>) { // the families of location and scale
   return {T(-3.1), T(1.9)};
@@ -137,6 +149,8 @@ void add_pins(std::vector<pin>& pins, const std::string& name, Engine (*make)(co
     add("uniform<float, uniform_method::standard>", pinned(uniform<float>()), n);
   add("gamma<float, gamma_method::marsaglia> below 1", gamma<float>(0.3f, -3.1f, 1.9f), some);
   add("gamma<double, gamma_method::marsaglia> below 1", gamma<double>(0.3, -3.1, 1.9), some);
+  add("poisson<int> by rejection", poisson<int>(3e6), some);
+  add("poisson_v<int> of a small mean", poisson_v<int>({3.3}), some);
   add("gaussian<double, gaussian_method::box_muller2>",
       pinned(gaussian<double, gaussian_method::box_muller2>()), threads);
 }

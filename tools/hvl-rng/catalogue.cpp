@@ -55,8 +55,12 @@ distribution_entry describe(std::string_view spelling, std::size_t index) {
   std::vector<parameter_entry> parameters;
   std::apply(
       [&](const auto&... parameter) {
-        (parameters.push_back({parameter.name, fmt::format("{}", (Distribution().*parameter.accessor)())}),
-         ...);
+        [[maybe_unused]] const auto add = [&](const auto& one) {
+          const auto by_default = (Distribution().*one.accessor)();
+          using text = parameter_text<std::remove_const_t<decltype(by_default)>>;
+          parameters.push_back({one.name, text::of(by_default)});
+        };
+        (add(parameter), ...);
       },
       traits::parameters);
   return {std::string(spelling.substr(0, spelling.find('<'))),

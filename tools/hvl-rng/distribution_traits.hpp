@@ -114,4 +114,19 @@ struct distribution_traits<rng::geometric<T, M>> : method_traits<rng::geometric<
   static constexpr std::tuple parameters{parameter{"p", &rng::geometric<T, M>::p}};
 };
 
+template <class T, class M>
+struct distribution_traits<rng::bernoulli<T, M>> : method_traits<rng::bernoulli<T, M>, rng::bernoulli<T>> {
+  static constexpr std::tuple parameters{parameter{"p", &rng::bernoulli<T, M>::p}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::poisson<T, M>> : method_traits<rng::poisson<T, M>, rng::poisson<T>> {
+  static constexpr std::tuple parameters{parameter{"lambda", &rng::poisson<T, M>::lambda}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::poisson_v<T, M>> : method_traits<rng::poisson_v<T, M>, rng::poisson_v<T>> {
+  static constexpr std::tuple parameters{parameter{"lambda", &rng::poisson_v<T, M>::lambda}};
+};
+
 } // namespace hvl_rng

@@ -136,6 +136,36 @@ exact_law law_of(const rng::geometric<T, M>& of) {
           0, largest, true};
 }
 
+template <class T, class M>
+exact_law law_of(const rng::bernoulli<T, M>& of) {
+  const double p = of.p();
+  return {[=](double k) { return k == 1 ? p : k == 0 ? 1 - p : 0; }, 0, 1, true};
+}
+
+// The largest integer stands for all beyond it too; where that matters no plot shows it.
+double poisson_probability(double lambda, double k) {
+  return k < 0         ? 0
+         : lambda == 0 ? (k == 0 ? 1 : 0)
+                       : std::exp(k * std::log(lambda) - lambda - std::lgamma(k + 1));
+}
+
+template <class T, class M>
+exact_law law_of(const rng::poisson<T, M>& of) {
+  return {[lambda = of.lambda()](double k) { return poisson_probability(lambda, k); }, 0,
+          std::numeric_limits<std::int32_t>::max(), true};
+}
+
+template <class T, class M>
+exact_law law_of(const rng::poisson_v<T, M>& of) {
+  return {[means = of.lambda()](double k) {
+            double sum = 0;
+            for (const double lambda : means)
+              sum += poisson_probability(lambda, k);
+            return sum / static_cast<double>(means.size());
+          },
+          0, std::numeric_limits<std::int32_t>::max(), true};
+}
+
 template <class Distribution>
 exact_law make_law(const distribution_entry& entry, const parameter_values& parameters) {
   const auto distribution = make_distribution<Distribution>(entry.name, parameters);

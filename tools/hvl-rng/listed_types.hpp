@@ -7,11 +7,13 @@
 #include "failure.hpp"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <charconv>
 #include <string>
 #include <tuple>
 #include <type_traits>
+#include <vector>
 
 namespace hvl_rng {
 
@@ -60,6 +62,25 @@ T parse_value(const std::string& name, const std::string& text) {
   return value;
 }
 
+// Several numbers, separated by commas.
+template <class T>
+struct parameter_text {
+  static T parse(const std::string& name, const std::string& text) { return parse_value<T>(name, text); }
+  static std::string of(T value) { return fmt::format("{}", value); }
+};
+template <class T>
+struct parameter_text<std::vector<T>> {
+  static std::vector<T> parse(const std::string& name, const std::string& text) {
+    std::vector<T> values;
+    for (std::size_t first = 0, end = 0; end != text.npos; first = end + 1) {
+      end = text.find(',', first);
+      values.push_back(parse_value<T>(name, text.substr(first, end == text.npos ? end : end - first)));
+    }
+    return values;
+  }
+  static std::string of(const std::vector<T>& values) { return fmt::format("{}", fmt::join(values, ",")); }
+};
+
 inline std::string spell(const parameter_values& given) {
   std::string text;
   for (const auto& [name, value] : given)
@@ -76,7 +97,7 @@ Distribution make_distribution(const std::string& name, const parameter_values& 
     const auto value = (defaults.*parameter.accessor)();
     return found == given.end()
                ? value
-               : parse_value<std::remove_const_t<decltype(value)>>(found->first, found->second);
+               : parameter_text<std::remove_const_t<decltype(value)>>::parse(found->first, found->second);
   };
   try {
     return std::apply(

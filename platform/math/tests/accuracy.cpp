@@ -9,6 +9,7 @@
 #include <limits>
 #include <random>
 
+#include "hvl/math/stirling.hpp"
 #include "hvl/math/transforms.hpp"
 
 namespace hvl::math::test {
@@ -256,6 +257,32 @@ std::vector<measured> measure_double(std::uint64_t points) {
   };
   d.against("log1p", "above -1", [](double x) { return log1p<D>(x); }, mpfr_log1p, log1p_random,
             {-1 + 0x1p-47, std::sqrt(0.5) - 1, -0x1p-53, 0x1p-53, 0x1p-52, std::sqrt(2.0) - 1, 1, 0x1p53});
+  // 200 bits lose at most 60 here
+  const auto exact_log1pmx = [](mpfr_t result, const mpfr_t x, mpfr_rnd_t rounding) {
+    number argument(mpfr_get_d(x, MPFR_RNDN));
+    mpfr_log1p(result, argument, rounding);
+    return mpfr_sub(result, result, argument, rounding);
+  };
+  d.against("log1pmx", "above -1, from 2^-60 on in magnitude", [](double x) { return log1pmx<D>(x); },
+            exact_log1pmx, log1p_random,
+            {-1 + 0x1p-47, std::sqrt(0.5) - 1, -0.5, -0x1p-53, 0x1p-53, std::sqrt(2.0) - 1,
+             std::sqrt(8.0) - 1, 1, 2, 0x1p53});
+  d.run(
+      "stirling_correction", "integers from 1 to 2^40", [&] { return std::floor(d.of_exponents(0, 40)); }, {},
+      [](double n) {
+        number exact(n), formula(n), constant;
+        mpfr_lngamma(exact, exact, MPFR_RNDN);
+        mpfr_log(formula, formula, MPFR_RNDN);
+        mpfr_mul_d(formula, formula, n - 0.5, MPFR_RNDN);
+        mpfr_sub(exact, exact, formula, MPFR_RNDN);
+        mpfr_add_d(exact, exact, n, MPFR_RNDN);
+        mpfr_const_pi(constant, MPFR_RNDN);
+        mpfr_mul_ui(constant, constant, 2, MPFR_RNDN);
+        mpfr_log(constant, constant, MPFR_RNDN);
+        mpfr_div_ui(constant, constant, 2, MPFR_RNDN);
+        mpfr_sub(exact, exact, constant, MPFR_RNDN);
+        return double_error(stirling_correction<D>(n), exact);
+      });
   auto exp_hard = multiples(0.69314718055994531, 60);
   for (const double x : {709.782712893384, 709.5, -708.396, -744.44, -745.1332, 0x1p-54, 1e-300})
     exp_hard.push_back(x);

@@ -82,6 +82,10 @@ void print_all() {
     print_checksum<std::int32_t>("geometric", e.id, 3001, [](vqs_stream s, std::int64_t n, std::int32_t* r) {
       return viRngGeometric_64(0, s, n, r, 1e-7);
     });
+    for (const double mean : {0.7, 3e4})
+      print_checksum<std::int32_t>("poisson", e.id, 3001, [=](vqs_stream s, std::int64_t n, std::int32_t* r) {
+        return viRngPoisson_64(0, s, n, r, mean);
+      });
   }
 }
 

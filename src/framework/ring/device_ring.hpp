@@ -6,8 +6,8 @@
 
 #include <sycl/sycl.hpp>
 
+#include "framework/device_state.hpp"
 #include "framework/engine_definition.hpp"
-#include "framework/ring/device_state.hpp"
 #include "framework/stream.hpp"
 
 /// Engines that run a recurrence keep it in device memory on a GPU device. Each specialises `ring_traits` with

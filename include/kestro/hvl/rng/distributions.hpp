@@ -4,8 +4,11 @@
 /// the parameter, and `generate` turns an engine's words into values of it. `result_type` is the type of
 /// those values; where there is a choice of algorithm, the method is a tag type.
 
+#include "distributions/bernoulli.hpp"
 #include "distributions/gamma.hpp"
 #include "distributions/gaussian.hpp"
 #include "distributions/geometric.hpp"
 #include "distributions/inverse_cdf.hpp"
+#include "distributions/poisson.hpp"
+#include "distributions/poisson_v.hpp"
 #include "distributions/uniform.hpp"

@@ -186,6 +186,18 @@ HVL_STREAMS_API int vdRngGamma_64(int64_t method, vqs_stream stream, int64_t n, 
 /* Failures before the first success of probability p, by inversion; saturated at 2^31 - 1. Two words a value. */
 HVL_STREAMS_API int viRngGeometric_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, double p);
 
+/* The discrete distributions. Method 0; two words a value. Values that would exceed 2^31 - 1 are 2^31 - 1. */
+
+/* 1 with probability p in [0, 1], else 0. */
+HVL_STREAMS_API int viRngBernoulli_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, double p);
+
+/* Poisson with mean lambda, at least 0. By inversion up to 2^20, beyond by Hoermann's rejection PTRS. */
+HVL_STREAMS_API int viRngPoisson_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, double lambda);
+
+/* Poisson, value i with mean lambda[i], at least 0. */
+HVL_STREAMS_API int viRngPoissonV_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r,
+                                     const double* lambda);
+
 /* a + beta sqrt(-ln u). Accurate method: no value below a. */
 HVL_STREAMS_API int vsRngRayleigh_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a,
                                      float beta);

@@ -30,6 +30,27 @@ HVL_STREAMS_API int vqsMt2203JumpPolynomial(uint32_t matrix, uint64_t distance, 
 /* As vqsSkipAheadStreamEx_64, for streams of every engine that a seed reproduces, whether or not it offers skips. */
 HVL_STREAMS_API int vqsAdvanceStream_64(vqs_stream stream, int64_t count, const uint64_t* words);
 
+/* How far the first word of a value, brought to units of 2^-32, may be from the value's uniform. The farthest are words of
+ * mrg32k3a, whose greatest is 2^32 - 209. */
+enum { VQS_THRESHOLD_MARGIN = 256 };
+
+/* A discrete law by its thresholds (hvl/math/transforms/thresholds.hpp), which hvl/streams_thresholds.hpp builds. */
+typedef struct vqs_thresholds {
+  const double* upper; /* `count` of them, ascending, and one above 1 */
+  const uint32_t* low; /* `upper` in units of 2^-32 less the margin; null or two more than `count` */
+  const uint32_t*
+      cells; /* null, or for each of 2^cell_bits equal parts of [0, 1) how many thresholds are surely passed
+                            there, times 2, plus 1 where more than one may be left */
+  uint32_t count;
+  uint32_t cell_bits;
+  int32_t origin; /* the value below all thresholds */
+  int32_t step;   /* 1 or -1 at every threshold that is passed */
+} vqs_thresholds;
+
+/* Values of the law; two words a value. `low` and `cells` are for speed. */
+HVL_STREAMS_API int viRngThresholds_64(vqs_stream stream, int64_t n, int32_t* r,
+                                       const vqs_thresholds* thresholds);
+
 #ifdef __cplusplus
 }
 #endif

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstdint>
 #include <type_traits>
 
 namespace hvl::streams {
@@ -64,6 +65,21 @@ const char* gamma_fault(T alpha, T a, T beta) {
 
 inline const char* geometric_fault(double p) {
   return !(p > 0 && p <= 1) ? "p is not in (0, 1]" : nullptr;
+}
+
+inline const char* bernoulli_fault(double p) {
+  return !(p >= 0 && p <= 1) ? "p is not in [0, 1]" : nullptr;
+}
+
+inline const char* poisson_fault(double lambda) {
+  return !(lambda >= 0 && std::isfinite(lambda)) ? "lambda < 0" : nullptr;
+}
+
+inline const char* poisson_v_fault(const double* lambda, std::int64_t count) {
+  for (std::int64_t i = 0; i < count; ++i)
+    if (const char* const fault = poisson_fault(lambda[i]))
+      return fault;
+  return nullptr;
 }
 
 } // namespace hvl::streams

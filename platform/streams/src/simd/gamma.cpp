@@ -4,17 +4,12 @@
 #include <hvl/math/transforms/inverse_cdf.hpp>
 #include <hvl/math/transforms/words.hpp>
 
+#include "simd/open_places.hpp"
 #include "simd/value_loops.hpp"
 #include "simd/word_groups.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
-
-template <std::size_t Words, class Word>
-HVL_MATH_INLINE void own_words(const Word* group, std::uint32_t (&own)[Words]) {
-  for (std::size_t k = 0; k < Words; ++k)
-    own[k] = raw(group[k]);
-}
 
 #ifdef HVL_STREAMS_ISA_IS_SCALAR
 
@@ -47,19 +42,6 @@ void gamma(const void* parameters, const void* words, void* values, std::size_t 
 
 #else
 
-// The lanes of a mask, one bit each.
-template <class T>
-HWY_INLINE std::uint64_t bits_of(typename vector_ops<T>::mask m) {
-#if HWY_TARGET <= HWY_AVX3
-  return m.raw;
-#else
-  if constexpr (sizeof(T) == 4)
-    return static_cast<unsigned>(_mm256_movemask_ps(m.raw));
-  else
-    return static_cast<unsigned>(_mm256_movemask_pd(m.raw));
-#endif
-}
-
 template <word_kind Kind, class T, bool BelowOne>
 class gamma_chunk {
   using O = vector_ops<T>;
@@ -79,12 +61,13 @@ class gamma_chunk {
 
   HWY_INLINE void make() {
     first_attempts();
-    std::size_t rejected = test(undecided());
-    for (std::uint32_t attempt = 1; rejected != 0 && attempt < math::gamma_attempts; ++attempt)
-      rejected = further_attempt(rejected, attempt);
-    for (std::size_t i = 0; i < rejected; ++i)
-      *value_at(place_[i]) =
-          static_cast<T>(math::gamma_wide_core<math::scalar_ops<double>>(0.0, p_.constants));
+    for (std::size_t k = 0; k < per_group; ++k)
+      open_.open(k * most_groups, (count_ - k + per_group - 1) / per_group);
+    test();
+    for (std::uint32_t attempt = 1; !open_.empty() && attempt < math::gamma_attempts; ++attempt)
+      further_attempt(attempt);
+    for (const std::uint32_t place : open_)
+      *value_at(place) = static_cast<T>(math::gamma_wide_core<math::scalar_ops<double>>(0.0, p_.constants));
     if (BelowOne || p_.accurate)
       finish();
   }
@@ -148,68 +131,30 @@ class gamma_chunk {
         core[k] = attempt.core;
         hn::Store(e[k], d, e_ + place);
         hn::Store(u, d, u_ + place);
-        accepted_[place / 64] |= bits_of<T>(attempt.accepted) << place % 64;
+        open_.accept(place, bits_of<T>(attempt.accepted));
       }
       store_values(i, core);
     });
   }
 
-  // The places that the squeeze has left undecided.
-  HWY_INLINE std::size_t undecided() {
-    std::size_t found = 0;
-    for (std::size_t k = 0; k < per_group; ++k) {
-      const std::size_t values = (count_ - k + per_group - 1) / per_group;
-      for (std::size_t i = 0; i < values; i += 64) {
-        const std::size_t place = k * most_groups + i;
-        std::uint64_t open = ~accepted_[place / 64];
-        if (values - i < 64)
-          open &= (std::uint64_t{1} << (values - i)) - 1;
-        for (; open != 0; open &= open - 1)
-          place_[found++] =
-              static_cast<std::uint32_t>(place) + static_cast<std::uint32_t>(__builtin_ctzll(open));
-      }
-    }
-    return found;
-  }
-
-  // Keeps those of the first `count` places that are rejected, and returns how many. A vector of doubles at a time:
-  // gather(lane, place) for each of them, then accepted(places, lanes) is the mask.
-  template <class Gather, class Accepted>
-  HWY_INLINE std::size_t rejected_of(std::size_t count, const Gather& gather, const Accepted& accepted) {
-    std::size_t kept = 0;
-    for (std::size_t first = 0; first < count; first += wide_width) {
-      const std::size_t lanes = HWY_MIN(wide_width, count - first);
-      for (std::size_t k = 0; k < lanes; ++k)
-        gather(k, place_[first + k]);
-      std::uint64_t bits = bits_of<double>(accepted(place_ + first, lanes));
-      for (std::size_t k = 0; k < lanes; ++k, bits >>= 1) {
-        place_[kept] = place_[first + k];
-        kept += ~bits & 1;
-      }
-    }
-    return kept;
-  }
-
-  HWY_INLINE std::size_t test(std::size_t count) {
+  HWY_INLINE void test() {
     const vector_tag<double> d;
     alignas(vector_alignment) double e[wide_width] = {}, u[wide_width] = {};
-    return rejected_of(
-        count,
+    open_.decide(
         [&](std::size_t k, std::size_t place) HVL_STREAMS_INLINE_LAMBDA {
           e[k] = static_cast<double>(e_[place]);
           u[k] = static_cast<double>(u_[place]);
         },
         [&](const std::uint32_t*, std::size_t) HVL_STREAMS_INLINE_LAMBDA {
-          return math::gamma_accepts<wide>(hn::Load(d, e), hn::Load(d, u), p_.constants);
+          return bits_of<double>(math::gamma_accepts<wide>(hn::Load(d, e), hn::Load(d, u), p_.constants));
         });
   }
 
   // Sets the core of every place, whether it is accepted or not.
-  HWY_INLINE std::size_t further_attempt(std::size_t count, std::uint32_t attempt) {
+  HWY_INLINE void further_attempt(std::uint32_t attempt) {
     const vector_tag<double> d;
     alignas(vector_alignment) double v[wide_width] = {}, u[wide_width] = {}, core[wide_width];
-    return rejected_of(
-        count,
+    open_.decide(
         [&](std::size_t k, std::size_t place) HVL_STREAMS_INLINE_LAMBDA {
           std::uint32_t own[use.words];
           own_words(words_ + place % most_groups * use.words, own);
@@ -223,7 +168,7 @@ class gamma_chunk {
           hn::Store(math::gamma_wide_core<wide>(e, p_.constants), d, core);
           for (std::size_t k = 0; k < lanes; ++k)
             *value_at(places[k]) = static_cast<T>(core[k]);
-          return math::gamma_accepts<wide>(e, hn::Load(d, u), p_.constants);
+          return bits_of<double>(math::gamma_accepts<wide>(e, hn::Load(d, u), p_.constants));
         });
   }
 
@@ -257,8 +202,7 @@ class gamma_chunk {
   // of the first attempts, by place
   alignas(vector_alignment) T e_[most];
   alignas(vector_alignment) T u_[most];
-  std::uint64_t accepted_[most / 64] = {};
-  std::uint32_t place_[most];
+  open_places<most> open_;
 };
 
 template <word_kind Kind, class T, bool BelowOne>

@@ -82,6 +82,10 @@ struct kernel_set {
   transform_function (*gamma)(word_kind kind, bool below_one, precision p) noexcept;
   // Parameters are geometric_parameters.
   transform_function (*geometric)(word_kind kind) noexcept;
+  // Parameters are rejection_parameters.
+  transform_function (*rejection)(word_kind kind) noexcept;
+  // Parameters are threshold_parameters.
+  transform_function (*thresholds)(word_kind kind) noexcept;
   // Copies past the caches, to an address and of a size that are multiples of vector_alignment; the stores need a fence
   // before another thread may rely on them.
   void (*stream_lines)(void* out, const void* in, std::size_t bytes) noexcept;

@@ -15,6 +15,13 @@ HVL_MATH_INLINE std::uint32_t raw(Word word) {
     return static_cast<std::uint32_t>(word);
 }
 
+// Those of a group.
+template <std::size_t Words, class Word>
+HVL_MATH_INLINE void own_words(const Word* group, std::uint32_t (&own)[Words]) {
+  for (std::size_t k = 0; k < Words; ++k)
+    own[k] = raw(group[k]);
+}
+
 #ifndef HVL_STREAMS_ISA_IS_SCALAR
 
 // A word of 32 bits in the low half of each lane, whose upper half is 0.
@@ -62,7 +69,9 @@ HWY_INLINE void converted_groups(const word_of<Kind>* words, std::size_t groups,
     const vector_tag<std::uint64_t> d;
     const auto* pairs = reinterpret_cast<const std::uint64_t*>(words);
     vector<std::uint64_t> w[Words / 2];
-    if constexpr (Words == 4) {
+    if constexpr (Words == 2) {
+      w[0] = hn::LoadU(d, pairs);
+    } else if constexpr (Words == 4) {
       const auto low = hn::LoadU(d, pairs);
       const auto high = hn::LoadU(d, pairs + width);
       w[0] = hn::ConcatEven(d, high, low);

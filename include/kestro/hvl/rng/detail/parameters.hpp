@@ -1,8 +1,11 @@
 #pragma once
 
+#include <memory>
 #include <type_traits>
+#include <vector>
 
 #include "../../detail/export.hpp"
+#include "record.hpp"
 
 namespace kestro::hvl::rng::detail {
 
@@ -20,6 +23,7 @@ KESTRO_HVL_API void check_weibull(T alpha, T a, T beta);
 template <class T>
 KESTRO_HVL_API void check_gamma(T alpha, T a, T beta);
 KESTRO_HVL_API void check_geometric(double p);
+KESTRO_HVL_API void check_bernoulli(double p);
 
 /// exponential, rayleigh, gumbel
 template <class T>
@@ -28,6 +32,11 @@ KESTRO_HVL_API void check_displaced(const char* distribution, T a, T beta);
 /// laplace, cauchy
 template <class T>
 KESTRO_HVL_API void check_centred(const char* distribution, T a, T b);
+
+/// Checks the parameters and makes the record that goes with them; null where they need none.
+KESTRO_HVL_API std::shared_ptr<threshold_record> poisson_record(double lambda);
+KESTRO_HVL_API std::shared_ptr<means_record>
+poisson_v_record(std::shared_ptr<const std::vector<double>> lambda);
 
 template <class T, class... Allowed>
 inline constexpr bool is_one_of = (std::is_same_v<T, Allowed> || ...);

@@ -80,6 +80,41 @@ HVL_MATH_INLINE typename O::value log1p(typename O::value x) {
 
 namespace detail {
 
+// log(1 + f) - f = -f^2 / 2 + f^3 P(f) on the same interval, of least error relative to the difference
+inline constexpr double log1pmx_terms[] = {
+    0x1.5555555555556p-2, -0x1.fffffffffffecp-3, 0x1.999999999902ep-3, -0x1.555555555764bp-3,
+    0x1.2492492537132p-3, -0x1.fffffffebe047p-4, 0x1.c71c713d1845ep-4, -0x1.999999668f64ap-4,
+    0x1.745d340ee933bp-4, -0x1.55557b8473b74p-4, 0x1.3b10610f84a21p-4, -0x1.248b352f51a3cp-4,
+    0x1.1147c6c559a6bp-4, -0x1.00a35dcf13a9ep-4, 0x1.de4a58bf13d4p-5,  -0x1.b78a3306c9a2dp-5,
+    0x1.b7295159db991p-5, -0x1.f64061df5d766p-5, 0x1.d2dd1c9296a22p-5, -0x1.9f2e4d8f9aap-6};
+
+} // namespace detail
+
+// log(1 + x) - x for x > -1 finite, in double, with the relative accuracy of a difference that does not cancel: the
+// logarithm's own series where 1 + x needs no power of 2 split off.
+template <class O>
+HVL_MATH_INLINE typename O::value log1pmx(typename O::value x) {
+  static_assert(sizeof(typename O::scalar) == 8);
+  const auto one = O::set(1.0);
+  const auto sum = one + x;
+  const auto lost = x - (sum - one);
+  const detail::split<O> s = detail::split_exponent<O>(sum, detail::sqrt_half_bits<double>);
+  const auto unsplit = O::lt(detail::magnitude<O>(s.exponent), O::set(0.5));
+  const auto f = O::select(unsplit, x, s.mantissa - one);
+  const auto f2 = f * f;
+  const auto f2_low = O::fma(f, f, detail::negated<O>(f2));
+  const auto half = O::set(-0.5);
+  const auto cubic = f2 * (f * detail::polynomial<O>(f, f2, detail::log1pmx_terms));
+  const auto high = O::set(detail::ln2<double>::high);
+  const auto head = O::fma(s.exponent, high, f);
+  const auto rounded_off = f - O::fma(detail::negated<O>(s.exponent), high, head);
+  const auto tail = O::fma(s.exponent, O::set(detail::ln2<double>::low), rounded_off + lost / sum);
+  const auto of_exponent = O::select(unsplit, O::set(0.0), (head - x) + tail);
+  return O::fma(f2, half, O::fma(f2_low, half, cubic) + of_exponent);
+}
+
+namespace detail {
+
 template <class T, std::size_t N>
 struct coefficient_list {
   T c[N];

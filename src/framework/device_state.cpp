@@ -1,4 +1,4 @@
-#include "framework/ring/device_state.hpp"
+#include "framework/device_state.hpp"
 
 #include <mutex>
 
