@@ -2,9 +2,11 @@
 
 /// Every distribution that the library can generate.
 #include "distributions/bernoulli.hpp"
+#include "distributions/beta.hpp"
 #include "distributions/bits.hpp"
 #include "distributions/gamma.hpp"
 #include "distributions/gaussian.hpp"
+#include "distributions/gaussian_mv.hpp"
 #include "distributions/geometric.hpp"
 #include "distributions/inverse_cdf.hpp"
 #include "distributions/lognormal.hpp"

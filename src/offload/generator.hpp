@@ -73,7 +73,7 @@ class generator_impl final : public generator<Distribution> {
         return;
       }
     }
-    const std::uint64_t words = words_of(described().words(), n);
+    const std::uint64_t words = words_of(described().words(), values_of(distribution_, n));
     check_stream_status(vqsAdvanceStream_64(stream_, 1, &words), "skip_ahead", "");
   }
 
