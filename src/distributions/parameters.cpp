@@ -9,7 +9,7 @@
 #include <kestro/hvl/exceptions.hpp>
 #include <kestro/hvl/rng/detail/parameters.hpp>
 
-#include "distributions/gaussian_mv.hpp"
+#include "distributions/matrix_record.hpp"
 #include "distributions/means_record.hpp"
 #include "distributions/thresholds.hpp"
 

@@ -6,7 +6,6 @@
 #include "distributions/bits.hpp"
 #include "distributions/gamma.hpp"
 #include "distributions/gaussian.hpp"
-#include "distributions/gaussian_mv.hpp"
 #include "distributions/geometric.hpp"
 #include "distributions/inverse_cdf.hpp"
 #include "distributions/lognormal.hpp"

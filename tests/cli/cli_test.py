@@ -191,6 +191,7 @@ class Refusals(unittest.TestCase):
                 *(("--count " + (count or "''"), "-n", count)
                   for count in ("", "010", "0x10", " 1", "1e", "1e06", "1e20", "5kk", "k", "1.5", str(2**64))),
                 ("--output", "-n", "1", "-o", ""), ("--skip -1", "-n", "1", "--skip", "-1"), ("--skip 010", "-n", "1", "--skip", "010"),
+                ("--skip 2: r250 cannot skip", "-n", "1", "-e", "r250", "--skip", "2"),
                 ("--seed 4294967296: the words of a list have 32 bits", "-n", "1", "-s", "1,4294967296"),
                 ("--seed 4294967296: the seed of mcg31m1 has 32 bits", "-n", "1", "-e", "mcg31m1", "-s", "4294967296"),
                 *((f"--member {member}: kestro::hvl::rng::wichmann_hill: invalid argument: engine_idx is out of range [0, 273)", "-n", "1",
@@ -249,6 +250,7 @@ class Lists(unittest.TestCase):
     def test_everything_listed_is_understood_and_the_same_on_both_devices(self):
         engines, distributions = run("list").stdout.decode().split("\n\n")
         self.assertRegex(engines, r"\n  wichmann_hill +leapfrog +--member 0 \.\.\. 272(\n|$)")
+        self.assertRegex(engines, r"\n  sobol +--seed DIMENSIONS\n")
         self.assertRegex(engines, r"\n  mrg32k3a +--mode standard\|optimal\|custom:N\n")
         has_bits = {words[0]: "uniform_bits" in words for words in map(str.split, engines.splitlines()[1:])}
         engines = list(has_bits)

@@ -28,16 +28,13 @@ class distributions_test : public ::testing::Test {
     auto cpu = devices()[0].queue;
     for (const std::int64_t n : {1, 2, 3, 5, 1000, 30'011}) {
       SCOPED_TRACE(n);
-      Engine reference(cpu, 99), skipped = reference;
+      Engine reference = seeded<Engine>(cpu, 99), skipped = reference;
       const auto expected = usm_values(distribution, reference, cpu, n);
-      if constexpr (skips<Engine>)
-        skipped.skip_ahead(words_of(n));
-      else
-        usm_values(bits<>(), skipped, cpu, static_cast<std::int64_t>(words_of(n)));
+      usm_values(bits<>(), skipped, cpu, static_cast<std::int64_t>(words_of(n)));
       const auto behind = usm_values(bits<>(), skipped, cpu, 50);
       expect_same(usm_values(bits<>(), reference, cpu, 50), behind);
       on_every_device([&](sycl::queue& queue) {
-        Engine in_usm(queue, 99), in_buffer = in_usm;
+        Engine in_usm = seeded<Engine>(queue, 99), in_buffer = in_usm;
         expect_same(usm_values(distribution, in_usm, queue, n), expected);
         expect_same(usm_values(bits<>(), in_usm, queue, 50), behind);
         expect_same(buffer_values(distribution, in_buffer, n), expected);
@@ -82,7 +79,7 @@ TYPED_TEST(distributions_test, gaussian_mv_is_the_same_everywhere_and_takes_its_
   check(gaussian_mv<double>({1.0, 2.0}, {1.0, 7.0, 0.5, 2.0}, gaussian_mv_storage::full));
   check(gaussian_mv<float>({1.0f}, {3.0f}, gaussian_mv_storage::diagonal));
   on_every_device([](sycl::queue& queue) {
-    TypeParam engine(queue, 4), again = engine;
+    TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
     expect_same(usm_values(gaussian_mv<double>({1.0, 2.0}, {3.0, 5.0}, gaussian_mv_storage::diagonal), engine,
                            queue, 999),
                 usm_values(gaussian_mv<double>({1.0, 2.0}, {3.0, 0.0, 5.0}), again, queue, 999));
@@ -94,7 +91,7 @@ TYPED_TEST(distributions_test, gaussian_mv_may_be_gone_before_its_values_are_the
   on_every_device([](sycl::queue& queue) {
     const std::vector<double> a(40, 1.0), t(820, 0.5);
     const gaussian_mv<double> kept(a, t);
-    TypeParam engine(queue, 4), again = engine;
+    TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
     const auto expected = usm_values(kept, again, queue, 1000);
     double* const r = sycl::malloc_shared<double>(40'000, queue);
     sycl::event done;
@@ -127,7 +124,7 @@ TEST(gaussian_mv_of_bad_sizes, is_refused) {
 TYPED_TEST(distributions_test, chi_square_is_gamma) {
   const auto compare = [](auto chi_square, auto gamma) {
     on_every_device([&](sycl::queue& queue) {
-      TypeParam engine(queue, 4), again = engine;
+      TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
       const auto expected = usm_values(gamma, again, queue, 5001);
       expect_same(usm_values(chi_square, engine, queue, 5001), expected);
       expect_same(buffer_values(bits<>(), engine, 50), usm_values(bits<>(), again, queue, 50));
@@ -158,7 +155,7 @@ TYPED_TEST(distributions_test, long_calls_of_odd_groups_are_the_same_on_both_dev
   constexpr std::int64_t n = 3'000'001;
   auto cpu = devices()[0].queue, gpu = devices()[1].queue;
   const auto compare = [&](const auto& distribution) {
-    TypeParam on_cpu(cpu, 3), on_gpu(gpu, 3);
+    TypeParam on_cpu = seeded<TypeParam>(cpu, 3), on_gpu = seeded<TypeParam>(gpu, 3);
     expect_same(usm_values(distribution, on_gpu, gpu, n), usm_values(distribution, on_cpu, cpu, n));
     expect_same(usm_values(bits<>(), on_gpu, gpu, 50), usm_values(bits<>(), on_cpu, cpu, 50));
   };
@@ -168,7 +165,7 @@ TYPED_TEST(distributions_test, long_calls_of_odd_groups_are_the_same_on_both_dev
 
 TYPED_TEST(distributions_test, geometric_has_the_same_values_in_both_types) {
   on_every_device([](sycl::queue& queue) {
-    TypeParam engine(queue, 4), again = engine;
+    TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
     const auto values = usm_values(geometric<int>(1e-9), engine, queue, 5001);
     const auto unsigned_values = usm_values(geometric<unsigned>(1e-9), again, queue, 5001);
     expect_same(unsigned_values, std::vector<unsigned>(values.begin(), values.end()));
@@ -180,7 +177,7 @@ TYPED_TEST(distributions_test, geometric_has_the_same_values_in_both_types) {
 TYPED_TEST(distributions_test, copies_of_a_distribution_share_what_outlives_them) {
   constexpr std::int64_t n = 5001;
   on_every_device([](sycl::queue& queue) {
-    TypeParam engine(queue, 4), again = engine;
+    TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
     const auto expected = usm_values(poisson<int>(1e4), again, queue, 2 * n);
     int* const memory = sycl::malloc_shared<int>(2 * n, queue);
     {
@@ -201,7 +198,7 @@ TYPED_TEST(distributions_test, copies_of_a_distribution_share_what_outlives_them
 TYPED_TEST(distributions_test, discrete_ones_have_the_same_values_in_both_types) {
   on_every_device([](sycl::queue& queue) {
     const auto check = [&](const auto& of_int, const auto& of_unsigned) {
-      TypeParam engine(queue, 4), again = engine;
+      TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
       const auto values = usm_values(of_int, engine, queue, 5001);
       expect_same(usm_values(of_unsigned, again, queue, 5001),
                   std::vector<unsigned>(values.begin(), values.end()));
