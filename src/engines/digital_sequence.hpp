@@ -5,7 +5,7 @@
 
 #include "engines/digital_state.hpp"
 #include "framework/generation.hpp"
-#include "framework/ring/device_state.hpp"
+#include "framework/device_state.hpp"
 
 /// Digital sequences: their words follow from a position and from tables, which on a GPU device live in its memory.
 namespace kestro::hvl::rng::detail {
