@@ -36,7 +36,7 @@ inline std::string beta_name(beta_shapes s) {
   return name;
 }
 
-inline constexpr double poisson_means[] = {1, 30, 1000};
+inline constexpr double poisson_means[] = {1, 30, 1000, 1e8};
 
 inline std::string poisson_name(double mean) {
   return "poisson_" + std::to_string(static_cast<int>(mean));

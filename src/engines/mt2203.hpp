@@ -40,8 +40,9 @@ struct engine_generation<mt2203> : generation_on_ring<mt2203> {
   static sycl::event generate_impl_sub_seq(engine_base_impl<mt2203>& impl, sycl::queue& queue,
                                            const DistributionImpl& distribution, std::int64_t n,
                                            const Target& target) {
-    return distribution.with_transform(
-        [&](const auto& transform) { return impl.extension().several->submit(queue, transform, n, target); });
+    return distribution.with_transform(queue, [&](const auto& transform) {
+      return impl.extension().several->submit(queue, transform, n, target);
+    });
   }
 };
 

@@ -114,6 +114,10 @@ class Numbers(unittest.TestCase):
         self.assertAlmostEqual(sum(values) / 10000, 3, delta=0.2) # six standard errors
         self.assertEqual(values, struct.unpack("<10000I", raw("-n", "10k", "-d", "geometric", "--p", "0.25", "-t",
                                                               "uint32")))
+        means = struct.unpack("<10000i", raw("-n", "10k", "-d", "poisson_v", "--lambda", "0,1000000"))
+        self.assertEqual(set(means[::2]), {0})
+        self.assertGreater(min(means[1::2]), 990000)
+        self.assertEqual(set(raw("-n", "1k", "-d", "bernoulli", "--p", "1")), {0, 1})
         gamma = ("-n", "10k", "-d", "gamma", "--alpha", "3", "--a", "-1", "--beta", "2")
         values = struct.unpack("<10000f", raw(*gamma))
         self.assertGreater(min(values), -1)
@@ -204,6 +208,8 @@ class Refusals(unittest.TestCase):
                 *(("--mode " + mode[:6], "-n", "1", "-e", "mrg32k3a", "--mode", mode)
                   for mode in ("fast", "custom", "custom:", "custom:-1", "custom:4294967296", "optimal:3")),
                 ("--p 1.5: kestro::hvl::rng::geometric: invalid argument: p is not in (0, 1]", "-n", "1", "-d", "geometric", "--p", "1.5"),
+                ("--lambda -1: kestro::hvl::rng::poisson: invalid argument: lambda < 0", "-n", "1", "-d", "poisson", "--lambda", "-1"),
+                ("--lambda : not a number", "-n", "1", "-d", "poisson_v", "--lambda", "1,,2"),
                 ("--alpha 0: kestro::hvl::rng::gamma: invalid argument: alpha <= 0", "-n", "1", "-d", "gamma", "--alpha", "0"),
                 ("--method icdf: geometric has no choice", "-n", "1", "-d", "geometric", "-m", "icdf"),
                 ("--beta", "-n", "1", "--beta", "2"), ("--a one", "-n", "1", "--a", "one"),

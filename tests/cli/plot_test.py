@@ -147,6 +147,26 @@ class Pictures(unittest.TestCase):
                     elif high < largest:
                         self.assertAlmostEqual(height, p * (1 - p) ** k, delta=1e-5 * p)
 
+    def test_poisson_numbers_lie_under_their_probability(self):
+        def cdf(means, k):
+            return sum(math.fsum(math.exp(i * math.log(mean) - mean - math.lgamma(i + 1)) for i in range(k + 1))
+                       for mean in means) / len(means)
+        for name, means in (("poisson", (0.5,)), ("poisson", (40.0,)), ("poisson_v", (3.0, 25.0))):
+            with self.subTest(means=means):
+                _, bars, law = script("-n", str(self.COUNT), "-d", name, "--lambda", ",".join(map(str, means)))
+                for (low, high, height), (_, exact) in zip(bars, law, strict=True):
+                    share = cdf(means, math.ceil(high) - 1) - cdf(means, math.ceil(low) - 1)
+                    slack = 6 * math.sqrt(share / self.COUNT) + 1e-5
+                    self.assertLess(abs(height * (high - low) - share), slack, (low, high))
+                    if high - low == 1:
+                        self.assertAlmostEqual(exact, share, delta=1e-5)
+
+    def test_bernoulli_has_two_bars(self):
+        _, bars, law = script("-n", str(self.COUNT), "-d", "bernoulli", "--p", "0.25")
+        self.assertEqual([(low, high) for low, high, _ in bars], [(-0.5, 0.5), (0.5, 1.5)])
+        self.assertEqual([height for _, height in law], [0.75, 0.25])
+        self.assertAlmostEqual(bars[1][2], 0.25, delta=6 * math.sqrt(0.1875 / self.COUNT))
+
     def test_points_are_consecutive_pairs(self):
         for named, *options in (("philox4x32x10, seed 7", "-s", "7"), ("sobol, dimensions 2", "-e", "sobol", "-s", "2")):
             numbers = run("generate", "-n", "600", *options).stdout.split()

@@ -55,7 +55,7 @@ distribution_entry describe(std::string_view spelling, std::size_t index) {
   std::vector<parameter_entry> parameters;
   std::apply(
       [&](const auto&... parameter) {
-        const auto add = [&](const auto& one) {
+        [[maybe_unused]] const auto add = [&](const auto& one) {
           const auto by_default = (Distribution().*one.accessor)();
           using text = parameter_text<std::remove_const_t<decltype(by_default)>>;
           parameters.push_back({one.name, text::of(by_default)});

@@ -11,5 +11,6 @@
 #include "transforms/inverse_cdf.hpp"
 #include "transforms/lognormal.hpp"
 #include "transforms/poisson_rejection.hpp"
+#include "transforms/poisson_v.hpp"
 #include "transforms/thresholds.hpp"
 #include "transforms/words.hpp"
