@@ -8,7 +8,6 @@
 
 #include <sycl/sycl.hpp>
 
-#include "framework/device_state.hpp"
 #include "framework/kernel_frame.hpp"
 #include "framework/device_state.hpp"
 #include "framework/stream.hpp"
