@@ -4,12 +4,17 @@
 
 #include <numpy/random/bitgen.h>
 
+#include <cstddef>
 #include <cstdint>
 
 // As <numpy/random/distributions.h> declares them; that header needs Python's.
 extern "C" {
 double random_standard_gamma(bitgen_t* bits, double shape);
 float random_standard_gamma_f(bitgen_t* bits, float shape);
+void random_standard_normal_fill(bitgen_t* bits, std::ptrdiff_t count, double* out);
+void random_standard_normal_fill_f(bitgen_t* bits, std::ptrdiff_t count, float* out);
+double random_beta(bitgen_t* bits, double a, double b);
+double random_chisquare(bitgen_t* bits, double degrees);
 std::int64_t random_geometric(bitgen_t* bits, double p);
 std::int64_t random_poisson(bitgen_t* bits, double mean);
 }

@@ -2,6 +2,7 @@
 #include <functional>
 #include <memory>
 #include <stdexcept>
+#include <vector>
 
 #include "hvl/core.h"
 #include "hvl/streams.h"
@@ -83,6 +84,25 @@ void register_distributions() {
   add("gamma_2.5/float", bound<float>(vsRngGamma_64, 0, 2.5f, 0.0f, 1.0f));
   add("gamma_0.5/float", bound<float>(vsRngGamma_64, 0, 0.5f, 0.0f, 1.0f));
   add("gamma_2.5/double", bound<double>(vdRngGamma_64, 0, 2.5, 0.0, 1.0));
+  const auto add_vectors = [](const char* type, auto function, auto number) {
+    using T = decltype(number);
+    static const std::vector<T> mean(vector_dimension, T(1)), matrix(vector_elements, T(0.5));
+    add<T>(std::string("gaussian_mv_8/") + type, [=](vqs_stream s, std::int64_t n, T* r) {
+      return function(0, s, n / vector_dimension, r, vector_dimension, VQS_MATRIX_PACKED, mean.data(),
+                      matrix.data());
+    });
+  };
+  add_vectors("float", vsRngGaussianMV_64, 0.0f);
+  add_vectors("double", vdRngGaussianMV_64, 0.0);
+  for (const int v : chi_square_degrees) {
+    add(chi_square_name(v) + "/float", bound<float>(vsRngChiSquare_64, 0, v));
+    add(chi_square_name(v) + "/double", bound<double>(vdRngChiSquare_64, 0, v));
+  }
+  for (const beta_shapes& s : beta_cases) {
+    add(beta_name(s) + "/float",
+        bound<float>(vsRngBeta_64, 0, static_cast<float>(s.p), static_cast<float>(s.q), 0.0f, 1.0f));
+    add(beta_name(s) + "/double", bound<double>(vdRngBeta_64, 0, s.p, s.q, 0.0, 1.0));
+  }
   for (const double p : geometric_probabilities)
     add(geometric_name(p), bound<std::int32_t>(viRngGeometric_64, 0, p));
   add("bernoulli", bound<std::int32_t>(viRngBernoulli_64, 0, 0.3));

@@ -1,7 +1,10 @@
 // What a user would otherwise take for each distribution: on a Mersenne twister, compiled for this machine's processor, and
 // NumPy's Generator on its fastest bit generator, as Debian compiles it.
+#include <algorithm>
 #include <boost/random/bernoulli_distribution.hpp>
+#include <boost/random/beta_distribution.hpp>
 #include <boost/random/cauchy_distribution.hpp>
+#include <boost/random/chi_squared_distribution.hpp>
 #include <boost/random/exponential_distribution.hpp>
 #include <boost/random/gamma_distribution.hpp>
 #include <boost/random/geometric_distribution.hpp>
@@ -10,6 +13,7 @@
 #include <boost/random/normal_distribution.hpp>
 #include <boost/random/poisson_distribution.hpp>
 #include <random>
+#include <vector>
 
 #include "numpy.hpp"
 #include "subjects.hpp"
@@ -42,6 +46,40 @@ void add_gamma(const std::string& name, T alpha, auto standard_gamma) {
   add<std::mt19937>("std/" + name, std::gamma_distribution<T>(alpha));
   add<boost::random::mt19937>("boost/" + name, boost::random::gamma_distribution<T>(alpha));
   add_numpy<T>(name, [=](bitgen_t* bits) { return standard_gamma(bits, alpha); });
+}
+
+template <class T>
+void add_chi_square(const std::string& name, int v) {
+  add<std::mt19937>("std/" + name, std::chi_squared_distribution<T>(T(v)));
+  add<boost::random::mt19937>("boost/" + name, boost::random::chi_squared_distribution<T>(T(v)));
+  add_numpy<T>(name, [=](bitgen_t* bits) { return random_chisquare(bits, v); });
+}
+
+template <class T>
+void add_beta(const std::string& name, double p, double q) {
+  add<boost::random::mt19937>("boost/" + name,
+                              boost::random::beta_distribution<T>(static_cast<T>(p), static_cast<T>(q)));
+  add_numpy<T>(name, [=](bitgen_t* bits) { return random_beta(bits, p, q); });
+}
+
+// NumPy's normal numbers in one call, then the product with the factor at hand, which it leaves to a library of its own.
+template <class T>
+void add_vectors(const std::string& name, auto fill_normal) {
+  register_fill<T>("peer/numpy/" + name, cached_bytes,
+                   [=, sfc = numpy_sfc64(20211113)](std::span<T> out) mutable {
+                     static const std::vector<T> factor(vector_dimension * vector_dimension, T(0.5));
+                     bitgen_t bits = sfc.bits();
+                     fill_normal(&bits, static_cast<std::ptrdiff_t>(out.size()), out.data());
+                     for (std::size_t i = 0; i + vector_dimension <= out.size(); i += vector_dimension) {
+                       T sum[vector_dimension];
+                       std::fill_n(sum, vector_dimension, T(1));
+                       for (int j = 0; j < vector_dimension; ++j)
+                         for (int k = 0; k < vector_dimension; ++k)
+                           sum[k] += factor[static_cast<std::size_t>(j * vector_dimension + k)] *
+                                     out[i + static_cast<std::size_t>(j)];
+                       std::copy_n(sum, vector_dimension, &out[i]);
+                     }
+                   });
 }
 
 void add_geometric(const std::string& name, double p) {
@@ -91,11 +129,22 @@ void register_distribution_peers() {
   add_gamma("gamma_2.5/float", 2.5f, random_standard_gamma_f);
   add_gamma("gamma_0.5/float", 0.5f, random_standard_gamma_f);
   add_gamma("gamma_2.5/double", 2.5, random_standard_gamma);
+  add_vectors<float>("gaussian_mv_8/float", random_standard_normal_fill_f);
+  add_vectors<double>("gaussian_mv_8/double", random_standard_normal_fill);
+  for (const int v : chi_square_degrees) {
+    add_chi_square<float>(chi_square_name(v) + "/float", v);
+    add_chi_square<double>(chi_square_name(v) + "/double", v);
+  }
+  for (const beta_shapes& s : beta_cases) {
+    add_beta<float>(beta_name(s) + "/float", s.p, s.q);
+    add_beta<double>(beta_name(s) + "/double", s.p, s.q);
+  }
   for (const double p : geometric_probabilities)
     add_geometric(geometric_name(p), p);
   add<boost::random::mt19937>("boost/bernoulli", integers_of<boost::random::bernoulli_distribution<double>>{
                                                      boost::random::bernoulli_distribution<double>(0.3)});
-  add_numpy<std::int32_t>("bernoulli", [](bitgen_t* bits) { return bits->next_double(bits->state) < 0.3 ? 1 : 0; });
+  add_numpy<std::int32_t>("bernoulli",
+                          [](bitgen_t* bits) { return bits->next_double(bits->state) < 0.3 ? 1 : 0; });
   for (const double mean : poisson_means)
     add_poisson(poisson_name(mean), mean);
 }

@@ -16,6 +16,26 @@ inline std::string geometric_name(double p) {
   return name;
 }
 
+inline constexpr int vector_dimension = 8, vector_elements = vector_dimension * (vector_dimension + 1) / 2;
+
+inline constexpr int chi_square_degrees[] = {1, 5};
+
+inline std::string chi_square_name(int v) {
+  return "chi_square_" + std::to_string(v);
+}
+
+// Both shapes above 1, one of them below, both small; large ones.
+struct beta_shapes {
+  double p, q;
+};
+inline constexpr beta_shapes beta_cases[] = {{2.5, 1.5}, {0.7, 3}, {0.3, 0.4}, {1e7, 2e7}};
+
+inline std::string beta_name(beta_shapes s) {
+  char name[48];
+  std::snprintf(name, sizeof name, "beta_%g_%g", s.p, s.q);
+  return name;
+}
+
 inline constexpr double poisson_means[] = {1, 30, 1000, 1e8};
 
 inline std::string poisson_name(double mean) {

@@ -8,6 +8,7 @@
 #include <hvl/math/transforms/gamma.hpp>
 #include <hvl/math/transforms/words.hpp>
 #include <hvl/streams.h>
+#include <kestro/hvl/rng/distributions/chi_square.hpp>
 #include <kestro/hvl/rng/distributions/gamma.hpp>
 
 #include "distributions/device_ops.hpp"
@@ -53,6 +54,21 @@ template <class T, bool BelowOne>
 using gamma_marsaglia_accurate =
     raised<gamma_marsaglia<T, BelowOne>, &gamma_marsaglia<T, BelowOne>::displacement>;
 
+template <bool Accurate, bool BelowOne, class T>
+auto gamma_of_shape(const ::hvl::math::gamma_constants<T>& constants) {
+  return of_method<Accurate, gamma_marsaglia_accurate<T, BelowOne>>(
+      gamma_marsaglia<T, BelowOne>{constants, constants.displacement});
+}
+
+template <bool Accurate, class T>
+auto gamma_of(const ::hvl::math::gamma_constants<T>& constants) {
+  const auto below_one = gamma_of_shape<Accurate, true>(constants);
+  const auto others = gamma_of_shape<Accurate, false>(constants);
+  using either =
+      std::variant<std::remove_const_t<decltype(below_one)>, std::remove_const_t<decltype(others)>>;
+  return constants.below_one ? either(below_one) : either(others);
+}
+
 } // namespace gpu
 
 template <class T, class Method>
@@ -62,23 +78,29 @@ struct distribution_traits<gamma<T, Method>> {
   static constexpr bool needs_uniform_bits = false;
   static constexpr bool has_substreams = false;
 
-  template <bool BelowOne>
-  static auto of_shape(const ::hvl::math::gamma_constants<T>& constants, T displacement) {
-    return gpu::of_method<is_accurate, gpu::gamma_marsaglia_accurate<T, BelowOne>>(
-        gpu::gamma_marsaglia<T, BelowOne>{constants, displacement});
-  }
-
   static auto transform_of(const gamma<T, Method>& d) {
-    const auto constants = ::hvl::math::gamma_constants_of(d.alpha(), d.a(), d.beta());
-    using below_one = decltype(of_shape<true>(constants, d.a()));
-    using others = decltype(of_shape<false>(constants, d.a()));
-    return constants.below_one ? std::variant<below_one, others>(of_shape<true>(constants, d.a()))
-                               : std::variant<below_one, others>(of_shape<false>(constants, d.a()));
+    return gpu::gamma_of<is_accurate>(::hvl::math::gamma_constants_of<T>(d.alpha(), d.a(), d.beta()));
   }
 
   static int generate_on_host(const gamma<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {
     return host_function<T>(vsRngGamma_64, vdRngGamma_64)(is_accurate ? VQS_METHOD_ACCURATE : 0, stream, n, r,
                                                           d.alpha(), d.a(), d.beta());
+  }
+};
+
+/// Made by gamma's kernels.
+template <class T, class Method>
+struct distribution_traits<chi_square<T, Method>> {
+  static constexpr const char* name = "chi_square";
+  static constexpr bool needs_uniform_bits = false;
+  static constexpr bool has_substreams = false;
+
+  static auto transform_of(const chi_square<T, Method>& d) {
+    return gpu::gamma_of<false>(::hvl::math::chi_square_constants_of<T>(d.v()));
+  }
+
+  static int generate_on_host(const chi_square<T, Method>& d, vqs_stream stream, std::int64_t n, T* r) {
+    return host_function<T>(vsRngChiSquare_64, vdRngChiSquare_64)(0, stream, n, r, d.v());
   }
 };
 

@@ -1,6 +1,7 @@
 // The checks of the distributions' constructors, whose rules are the stream library's, and the records of distributions that
 // carry one. Nothing is computed here.
 #include <cstdint>
+#include <limits>
 
 #include <hvl/float_environment.hpp>
 #include <hvl/math/laws.hpp>
@@ -8,6 +9,7 @@
 #include <kestro/hvl/exceptions.hpp>
 #include <kestro/hvl/rng/detail/parameters.hpp>
 
+#include "distributions/matrix_record.hpp"
 #include "distributions/means_record.hpp"
 #include "distributions/thresholds.hpp"
 
@@ -47,6 +49,33 @@ void check_gamma(T alpha, T a, T beta) {
   check("gamma", ::hvl::streams::gamma_fault<T>, alpha, a, beta);
 }
 
+template <class T>
+void check_beta(T p, T q, T a, T beta) {
+  check("beta", ::hvl::streams::beta_fault<T>, p, q, a, beta);
+}
+
+template <class T>
+std::shared_ptr<matrix_record> gaussian_mv_record(const std::vector<T>& a, const std::vector<T>& t,
+                                                  std::int32_t mstorage) {
+  const auto rule = [](const std::vector<T>* mean, const std::vector<T>* matrix, std::int32_t code) {
+    constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
+    const auto dimen = static_cast<std::int32_t>(mean->size() < most ? mean->size() : most);
+    const char* const fault = ::hvl::streams::gaussian_mv_fault(dimen, code);
+    if (fault != nullptr)
+      return fault;
+    const auto storage = static_cast<::hvl::math::matrix_storage>(code);
+    if (mean->size() > most || matrix->size() != ::hvl::math::matrix_elements(storage, mean->size()))
+      return "size of t";
+    return ::hvl::streams::gaussian_mv_fault(dimen, code, mean->data(), matrix->data());
+  };
+  check("gaussian_mv", +rule, &a, &t, mstorage);
+  return std::make_shared<matrix_record>(a, t, static_cast<::hvl::math::matrix_storage>(mstorage));
+}
+
+void check_chi_square(std::int32_t v) {
+  check("chi_square", ::hvl::streams::chi_square_fault, v);
+}
+
 void check_geometric(double p) {
   check("geometric", ::hvl::streams::geometric_fault, p);
 }
@@ -80,11 +109,14 @@ void check_centred(const char* distribution, T a, T b) {
 }
 
 #define KESTRO_HVL_CHECKS(T)                                                                                 \
+  template std::shared_ptr<matrix_record> gaussian_mv_record(const std::vector<T>&, const std::vector<T>&,   \
+                                                             std::int32_t);                                  \
   template void check_uniform(T, T);                                                                         \
   template void check_gaussian(T, T);                                                                        \
   template void check_lognormal(T, T, T, T);                                                                 \
   template void check_weibull(T, T, T);                                                                      \
   template void check_gamma(T, T, T);                                                                        \
+  template void check_beta(T, T, T, T);                                                                      \
   template void check_displaced(const char*, T, T);                                                          \
   template void check_centred(const char*, T, T);
 KESTRO_HVL_CHECKS(float)

@@ -21,15 +21,16 @@ sycl::event generate_device_dispatch(sycl::queue& queue, const Distribution& dis
                         std::string(distribution_traits<Distribution>::name) + " distribution and " +
                             about<Engine>.name + " engine combination");
   } else {
-    target.validate(n);
+    const std::int64_t values = values_of(distribution, n);
+    target.validate(values);
     if (device_type_of(queue.get_device(), "generate") == device_type::cpu) {
       using backend = engine_base_impl_backend<Engine, device_type::cpu>;
       return static_cast<backend&>(impl).generate(
-          queue, descriptor<Distribution, device_type::cpu>(distribution), n, target);
+          queue, descriptor<Distribution, device_type::cpu>(distribution), values, target);
     }
     using backend = engine_base_impl_backend<Engine, device_type::gpu>;
     return static_cast<backend&>(impl).generate(
-        queue, descriptor<Distribution, device_type::gpu>(distribution), n, target);
+        queue, descriptor<Distribution, device_type::gpu>(distribution), values, target);
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
 #include <hvl/float_environment.hpp>
@@ -26,8 +27,24 @@ namespace kestro::hvl::rng::detail {
 ///   static word_use words_of(const Distribution&);   without the record
 ///   static device_numbers record_on(const Distribution&, const sycl::queue&);   null where the parameters need none
 ///   static auto transform_of(const Distribution&, const double* record);
+///
+/// One that is vector-valued has besides
+///
+///   static std::int64_t dimension_of(const Distribution&);
 template <class Distribution>
 struct distribution_traits;
+
+/// The values that a caller's n stands for: n itself, or of vectors all their elements. Negative where n is, and where there are
+/// more values than can be counted.
+template <class Distribution>
+std::int64_t values_of(const Distribution& distribution, std::int64_t n) {
+  if constexpr (requires { distribution_traits<Distribution>::dimension_of(distribution); }) {
+    const std::int64_t dimension = distribution_traits<Distribution>::dimension_of(distribution);
+    return n > std::numeric_limits<std::int64_t>::max() / dimension ? -1 : n * dimension;
+  } else {
+    return n;
+  }
+}
 
 /// A distribution as a backend receives it: the caller's object by value, and what follows from it.
 template <class T, class Distribution, device_type Device>

@@ -112,7 +112,18 @@ sycl::event engine_base_impl_backend<Engine, Device>::generate(sycl::queue& queu
     return generate_and_copy(*this, queue, distribution, n, target);
   else
     return distribution.with_transform(queue, [&](const auto& transform) {
-      return generation::submit(*this, queue, transform, words_of(transform.words, n), n, target);
+      const std::uint64_t words = words_of(transform.words, n);
+      if constexpr (requires { transform.first_step(); }) {
+        sycl::event first = generation::submit(*this, queue, transform.first_step(), words, n, target);
+        try {
+          return transform.second_step(queue, first, n, target);
+        } catch (...) {
+          first.wait(); // it writes to the caller's memory
+          throw;
+        }
+      } else {
+        return generation::submit(*this, queue, transform, words, n, target);
+      }
     });
 }
 

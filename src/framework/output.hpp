@@ -9,7 +9,7 @@
 #include <kestro/hvl/exceptions.hpp>
 #include <sycl/sycl.hpp>
 
-/// Where a generation writes, in its two forms. `on_device` and `on_host` are called inside the command
+/// Where a generation writes, in its two forms. `on_device`, `in_place` and `on_host` are called inside the command
 /// group: they declare its dependencies and return what kernels and host tasks index. A kernel may write elements of
 /// another type of the same size, as one kernel makes `int` and `unsigned int`.
 namespace kestro::hvl::rng::detail {
@@ -27,6 +27,11 @@ struct usm_output {
   }
   T* on_host(sycl::handler& handler, std::int64_t) const {
     handler.depends_on(dependencies);
+    return r;
+  }
+  /// What the work behind `made` has written, to be read and changed.
+  T* in_place(sycl::handler& handler, const sycl::event& made) const {
+    handler.depends_on(made);
     return r;
   }
 
@@ -58,6 +63,9 @@ struct buffer_output {
       auto elements = r.template reinterpret<Element, 1>(r.get_range());
       return accessor(elements, handler, properties(n));
     }
+  }
+  auto in_place(sycl::handler& handler, const sycl::event&) const {
+    return sycl::accessor<T, 1, sycl::access_mode::read_write, sycl::target::device>(r, handler);
   }
   auto on_host(sycl::handler& handler, std::int64_t n) const {
     return sycl::accessor<T, 1, sycl::access_mode::write, sycl::target::host_task>(r, handler, properties(n));

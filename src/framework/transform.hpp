@@ -30,6 +30,9 @@ using raw_word = std::uint32_t;
 ///
 /// It may hold pointers to tables in device memory whose owner lives as long as the work. Whatever it does not read of a
 /// group costs nothing.
+///
+/// A distribution whose values take a second kernel gives in its place an object with `words`, `first_step()`, a transform whose
+/// values the second kernel works on in place, and `second_step(queue, event of the first, n, target)`, which submits it.
 template <class Uniform, std::uint32_t Words>
 struct word_group {
   Uniform uniforms[Words]; // the words, scaled to their intervals

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include <hvl/streams_parameters.hpp>
 #include <kestro/hvl/offload.h>
 #include <kestro/hvl/rng/distributions/poisson_v.hpp>
 
@@ -23,6 +24,22 @@ struct entry {
   template <class... Parameters>
   static Distribution make(std::int64_t, const Parameters&... parameters) {
     return Distribution(parameters...);
+  }
+};
+
+/// Arrays of as many elements as dimension and storage say; what is wrong with these the constructor finds.
+template <class T>
+struct entry<gaussian_mv<T>> {
+  static bool accepts(std::int32_t, std::int32_t, const T*, const T*) { return true; }
+
+  static gaussian_mv<T> make(std::int64_t, std::int32_t dimen, std::int32_t mstorage, const T* a,
+                             const T* t) {
+    const bool is_sound = ::hvl::streams::gaussian_mv_fault(dimen, mstorage) == nullptr;
+    const std::size_t dimension = dimen > 0 ? static_cast<std::size_t>(dimen) : 0;
+    const std::size_t elements =
+        is_sound ? ::hvl::math::matrix_elements(static_cast<::hvl::math::matrix_storage>(mstorage), dimension)
+                 : 0;
+    return gaussian_mv<T>({a, a + dimension}, {t, t + elements}, static_cast<gaussian_mv_storage>(mstorage));
   }
 };
 

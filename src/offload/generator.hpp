@@ -77,7 +77,7 @@ class generator_impl final : public generator<Distribution> {
       }
     }
     if constexpr (about<Engine>.is_reproducible) { // otherwise the stream stands nowhere
-      const std::uint64_t words = words_of(described().words(), n);
+      const std::uint64_t words = words_of(described().words(), values_of(distribution_, n));
       check_stream_status(vqsAdvanceStream_64(stream_, 1, &words), "skip_ahead", "");
     }
   }

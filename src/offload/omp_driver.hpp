@@ -18,7 +18,7 @@ void run(const Distribution& distribution, vqs_stream stream, std::int64_t n,
          typename Distribution::result_type* r, void* interop, foreign_runtime runtime) {
   sycl::queue queue = queue_of(interop);
   auto numbers = create_generator(queue, stream, distribution);
-  shared_virtual_memory mapping(queue, runtime, r, n, sizeof(*r));
+  shared_virtual_memory mapping(queue, runtime, r, values_of(distribution, n), sizeof(*r));
   if (mapping.is_used())
     numbers->depends_on(mapping.ready());
   sycl::event event = numbers->generate(n, r);

@@ -124,6 +124,14 @@ class Numbers(unittest.TestCase):
         self.assertAlmostEqual(sum(values) / 10000, 5, delta=0.21)
         self.assertEqual(raw(*gamma, "--method", "marsaglia"), raw(*gamma))
 
+    def test_vectors_are_counted_and_their_elements_written(self):
+        pairs = ("-d", "gaussian_mv", "--a", "1,-2", "--t", "1,-1,0")
+        values = struct.unpack("<20000f", raw("-n", "10k", *pairs))
+        self.assertEqual(raw("-n", "9", *pairs), raw("-n", "10k", *pairs)[:72])
+        for first, second in zip(values[::2], values[1::2]):
+            self.assertAlmostEqual(second, -1 - first, delta=1e-5)
+        self.assertAlmostEqual(sum(values[::2]) / 10000, 1, delta=0.06)
+
     def test_integers_are_exact_unless_told_otherwise(self):
         wide = ("-n", "1k", "-t", "int32", "--a", "0", "--b", str(2**31 - 1))
         self.assertEqual(raw(*wide), raw(*wide, "-m", "accurate"))

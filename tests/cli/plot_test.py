@@ -63,6 +63,12 @@ CONTINUOUS = {
     "gamma --alpha 200": zero_below(0, lambda x: erlang_cdf(200, x)),
     "gamma --alpha 1 --beta 3": zero_below(0, lambda x: 1 - math.exp(-x / 3)),
     "gamma --alpha 0.5": zero_below(0, lambda x: math.erf(math.sqrt(x))),
+    "chi_square --v 1": zero_below(0, lambda x: math.erf(math.sqrt(x / 2))),
+    "chi_square --v 8": zero_below(0, lambda x: erlang_cdf(4, x / 2)),
+    "gaussian_mv --a 0,3 --t 1,0.6,0.8": lambda x: (normal_cdf(x) + normal_cdf(x - 3)) / 2,
+    "beta": lambda x: min(max(x, 0), 1) ** 2 * (6 - 8 * min(max(x, 0), 1) + 3 * min(max(x, 0), 1) ** 2),
+    "beta --p 0.5 --q 0.5 --a -1 --beta 2":
+        lambda x: math.asin(math.sqrt(min(max((x + 1) / 2, 0), 1))) * 2 / math.pi,
     "cauchy --a 1 --b 2": lambda x: 0.5 + math.atan((x - 1) / 2) / math.pi,
 }
 INTEGER = {  # first and last value

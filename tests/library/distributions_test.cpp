@@ -20,12 +20,17 @@ class distributions_test : public ::testing::Test {
   // The CPU device's values through USM are the reference.
   template <class Distribution>
   static void check(const Distribution& distribution, word_use use) {
+    check_words(distribution, [=](std::int64_t n) { return use.of(n); });
+  }
+
+  template <class Distribution, class Words>
+  static void check_words(const Distribution& distribution, const Words& words_of) {
     auto cpu = devices()[0].queue;
     for (const std::int64_t n : {1, 2, 3, 5, 1000, 30'011}) {
       SCOPED_TRACE(n);
       Engine reference = seeded<Engine>(cpu, 99), skipped = reference;
       const auto expected = usm_values(distribution, reference, cpu, n);
-      usm_values(bits<>(), skipped, cpu, static_cast<std::int64_t>(use.of(n)));
+      usm_values(bits<>(), skipped, cpu, static_cast<std::int64_t>(words_of(n)));
       const auto behind = usm_values(bits<>(), skipped, cpu, 50);
       expect_same(usm_values(bits<>(), reference, cpu, 50), behind);
       on_every_device([&](sycl::queue& queue) {
@@ -53,6 +58,82 @@ TYPED_TEST_SUITE(distributions_test, all_engines, engine_names);
 TYPED_TEST(distributions_test, gamma_is_the_same_everywhere_and_takes_its_words) {
   this->template check_gamma<float>(1);
   this->template check_gamma<double>(2);
+}
+
+TYPED_TEST(distributions_test, beta_is_the_same_everywhere_and_takes_its_words) {
+  const std::pair<double, double> shapes[] = {{1e-3, 1}, {0.5, 0.5}, {0.6, 1e8}, {2.5, 1.5}, {1e7, 3e6}};
+  for (const auto& [p, q] : shapes) {
+    this->check(beta<float>(static_cast<float>(p), static_cast<float>(q), -1.5f, 2.0f), {2, 1});
+    this->check(beta<double>(p, q, -1.5, 2.0), {2, 1});
+  }
+}
+
+// An odd dimension, too, in whose odd calls a word is wasted; the diagonal stands for its matrix.
+TYPED_TEST(distributions_test, gaussian_mv_is_the_same_everywhere_and_takes_its_words) {
+  const auto check = [&](const auto& distribution) {
+    this->check_words(distribution, [&](std::int64_t n) {
+      return static_cast<std::uint64_t>((n * distribution.dimen() + 1) / 2 * 2);
+    });
+  };
+  check(gaussian_mv<float>({1.0f, 2.0f, 3.0f}, {1.0f, 0.5f, 2.0f, -1.0f, 0.0f, 0.25f}));
+  check(gaussian_mv<double>({1.0, 2.0}, {1.0, 7.0, 0.5, 2.0}, gaussian_mv_storage::full));
+  check(gaussian_mv<float>({1.0f}, {3.0f}, gaussian_mv_storage::diagonal));
+  on_every_device([](sycl::queue& queue) {
+    TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
+    expect_same(usm_values(gaussian_mv<double>({1.0, 2.0}, {3.0, 5.0}, gaussian_mv_storage::diagonal), engine,
+                           queue, 999),
+                usm_values(gaussian_mv<double>({1.0, 2.0}, {3.0, 0.0, 5.0}), again, queue, 999));
+  });
+}
+
+// The matrix lives as long as the work, whatever becomes of the distribution; copies share it.
+TYPED_TEST(distributions_test, gaussian_mv_may_be_gone_before_its_values_are_there) {
+  on_every_device([](sycl::queue& queue) {
+    const std::vector<double> a(40, 1.0), t(820, 0.5);
+    const gaussian_mv<double> kept(a, t);
+    TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
+    const auto expected = usm_values(kept, again, queue, 1000);
+    double* const r = sycl::malloc_shared<double>(40'000, queue);
+    sycl::event done;
+    {
+      const gate closed(queue);
+      auto gone = std::make_unique<gaussian_mv<double>>(a, t);
+      done = generate(*gone, engine, 1000, r, {closed.event()});
+      gone.reset();
+    }
+    done.wait();
+    expect_same(std::vector<double>(r, r + 40'000), expected);
+    sycl::free(r, queue);
+  });
+}
+
+TEST(gaussian_mv_of_bad_sizes, is_refused) {
+  on_every_device([](sycl::queue& queue) {
+    philox4x32x10 engine(queue, 1), untouched = engine;
+    const gaussian_mv<float> pairs;
+    sycl::buffer<float, 1> buffer{sycl::range<1>(9)};
+    for (const std::int64_t n :
+         {std::int64_t{5}, std::int64_t{-1}, std::numeric_limits<std::int64_t>::max() / 2 + 1})
+      EXPECT_EQ(refusal<invalid_argument>([&] { generate(pairs, engine, n, buffer); }),
+                "kestro::hvl::rng::generate: invalid argument: n");
+    expect_same(usm_values(bits<>(), engine, queue, 9), usm_values(bits<>(), untouched, queue, 9));
+    generate(pairs, engine, 4, buffer);
+  });
+}
+
+TYPED_TEST(distributions_test, chi_square_is_gamma) {
+  const auto compare = [](auto chi_square, auto gamma) {
+    on_every_device([&](sycl::queue& queue) {
+      TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
+      const auto expected = usm_values(gamma, again, queue, 5001);
+      expect_same(usm_values(chi_square, engine, queue, 5001), expected);
+      expect_same(buffer_values(bits<>(), engine, 50), usm_values(bits<>(), again, queue, 50));
+    });
+  };
+  for (const int v : {1, 2, 129}) {
+    compare(chi_square<float>(v), gamma<float>(static_cast<float>(v) / 2, 0, 2));
+    compare(chi_square<double>(v), gamma<double>(v / 2.0, 0, 2));
+  }
 }
 
 TYPED_TEST(distributions_test, geometric_is_the_same_everywhere_and_takes_its_words) {
@@ -96,7 +177,7 @@ TYPED_TEST(distributions_test, geometric_has_the_same_values_in_both_types) {
 TYPED_TEST(distributions_test, copies_of_a_distribution_share_what_outlives_them) {
   constexpr std::int64_t n = 5001;
   on_every_device([](sycl::queue& queue) {
-    TypeParam engine(queue, 4), again = engine;
+    TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
     const auto expected = usm_values(poisson<int>(1e4), again, queue, 2 * n);
     int* const memory = sycl::malloc_shared<int>(2 * n, queue);
     {
@@ -117,7 +198,7 @@ TYPED_TEST(distributions_test, copies_of_a_distribution_share_what_outlives_them
 TYPED_TEST(distributions_test, discrete_ones_have_the_same_values_in_both_types) {
   on_every_device([](sycl::queue& queue) {
     const auto check = [&](const auto& of_int, const auto& of_unsigned) {
-      TypeParam engine(queue, 4), again = engine;
+      TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
       const auto values = usm_values(of_int, engine, queue, 5001);
       expect_same(usm_values(of_unsigned, again, queue, 5001),
                   std::vector<unsigned>(values.begin(), values.end()));
@@ -144,6 +225,9 @@ TEST(distributions_in_substreams, are_refused_where_a_row_has_too_few_words) {
     };
     check(gamma<float>(), mrg32k3a_mode::optimal{});
     check(gamma<double, gamma_method::marsaglia_accurate>(0.5, 0.0, 1.0), mrg32k3a_mode::custom{3});
+    check(beta<double>(), mrg32k3a_mode::optimal{});
+    check(gaussian_mv<float>({0.0f}, {1.0f}), mrg32k3a_mode::optimal{});
+    check(chi_square<float>(1), mrg32k3a_mode::custom{3});
     check(geometric<int>(), mrg32k3a_mode::optimal{});
     check(geometric<unsigned>(), mrg32k3a_mode::custom{3});
     check(bernoulli<int>(), mrg32k3a_mode::optimal{});
@@ -170,6 +254,26 @@ TEST(distributions_of_bad_parameters, are_refused_by_name) {
     EXPECT_EQ(refused<geometric<unsigned>>(bad), p_text);
   }
   EXPECT_EQ(refused<gamma<double>>(1.0, infinite, 1.0), gamma_text + "a is not finite");
+  const std::string beta_text = "kestro::hvl::rng::beta: invalid argument: ";
+  EXPECT_EQ(refused<beta<float>>(0.0f, 1.0f, 0.0f, 1.0f), beta_text + "p <= 0");
+  EXPECT_EQ(refused<beta<double>>(1.0, nan, 0.0, 1.0), beta_text + "q <= 0");
+  EXPECT_EQ(refused<beta<double>>(1.0, 1.0, -infinite, 1.0), beta_text + "a is not finite");
+  EXPECT_EQ(refused<beta<double>>(1.0, 1.0, 0.0, -1.0), beta_text + "beta <= 0");
+  EXPECT_EQ(refused<beta<float>>(1.0f, 1.0f, 3e38f, 3e38f), beta_text + "a + beta is not finite");
+  const std::string vector_text = "kestro::hvl::rng::gaussian_mv: invalid argument: ";
+  using matrix = std::vector<double>;
+  EXPECT_EQ(refused<gaussian_mv<double>>(matrix(), matrix()), vector_text + "dimen <= 0");
+  EXPECT_EQ(refused<gaussian_mv<double>>(matrix(2), matrix(4)), vector_text + "size of t");
+  EXPECT_EQ(refused<gaussian_mv<double>>(matrix(2), matrix(3), gaussian_mv_storage::full),
+            vector_text + "size of t");
+  EXPECT_EQ(refused<gaussian_mv<double>>(matrix(1), matrix(1), static_cast<gaussian_mv_storage>(3)),
+            vector_text + "mstorage is none of 0, 1, 2");
+  EXPECT_EQ(refused<gaussian_mv<double>>(matrix(1, nan), matrix(1)), vector_text + "a is not finite");
+  EXPECT_EQ(refused<gaussian_mv<double>>(matrix(1), matrix(1, infinite)), vector_text + "t is not finite");
+  EXPECT_EQ(refused<gaussian_mv<double>>(matrix(2), matrix({1, nan, 0, 1}), gaussian_mv_storage::full),
+            "no exception");
+  for (const int bad : {0, -1, std::numeric_limits<int>::min()})
+    EXPECT_EQ(refused<chi_square<float>>(bad), "kestro::hvl::rng::chi_square: invalid argument: v <= 0");
   for (const double bad : {-1e-300, std::nextafter(1.0, 2.0), nan, infinite})
     EXPECT_EQ(refused<bernoulli<int>>(bad),
               "kestro::hvl::rng::bernoulli: invalid argument: p is not in [0, 1]");

@@ -29,6 +29,9 @@ TEST(environment_test, of_the_caller_changes_nothing) {
   check(weibull<double>(1.7, 0.3, 0.7));
   check(gamma<float>(0.3f, 0.7f, 1.9f));
   check(gamma<double>(100.0, 0.3, 0.7));
+  check(gaussian_mv<float>({0.3f, 0.1f}, {0.7f, -0.9f, 1e-38f}));
+  check(beta<float>(0.7f, 2.3f, 0.3f, 0.7f));
+  check(beta<double>(0.3, 0.4, 0.3, 0.7));
   check(geometric<int>(1e-7));
   check(bernoulli<int>(0.7));
   check(poisson<int>(3e4));

@@ -82,6 +82,9 @@ std::string all_verdicts() {
          verdicts<gumbel<float>, 2>(vsRngGumbel_64) + verdicts<gumbel<double>, 2>(vdRngGumbel_64) +
          verdicts<cauchy<float>, 2>(vsRngCauchy_64) + verdicts<cauchy<double>, 2>(vdRngCauchy_64) +
          verdicts<gamma<float>, 3>(vsRngGamma_64) + verdicts<gamma<double>, 3>(vdRngGamma_64) +
+         verdicts<beta<float>, 4>(vsRngBeta_64) + verdicts<beta<double>, 4>(vdRngBeta_64) +
+         verdicts<chi_square<float>, 1, std::int32_t>(vsRngChiSquare_64) +
+         verdicts<chi_square<double>, 1, std::int32_t>(vdRngChiSquare_64) +
          verdicts<geometric<int>, 1, double>(viRngGeometric_64) +
          verdicts<bernoulli<int>, 1, double>(viRngBernoulli_64) +
          verdicts<poisson<int>, 1, double>(viRngPoisson_64);

@@ -63,12 +63,21 @@ bool same_bits(const T* a, const T* b, std::size_t count) {
   return std::memcmp(a, b, count * sizeof(T)) == 0;
 }
 
+/// Values that n stands for: of vectors all their elements.
+template <class Distribution>
+std::size_t values_in(const Distribution& distribution, std::int64_t n) {
+  if constexpr (requires { distribution.dimen(); })
+    return static_cast<std::size_t>(n * distribution.dimen());
+  else
+    return static_cast<std::size_t>(n);
+}
+
 /// `n` values into USM memory, `shift` elements behind an allocation's start; nothing around them may change.
 template <class Distribution, class Engine>
 auto usm_values(const Distribution& distribution, Engine& engine, sycl::queue queue, std::int64_t n,
                 std::size_t shift = 0) {
   using T = typename Distribution::result_type;
-  const std::size_t before = guard + shift, count = static_cast<std::size_t>(n);
+  const std::size_t before = guard + shift, count = values_in(distribution, n);
   const std::vector<T> poison = poisoned<T>(before + count + guard);
   T* const memory = sycl::malloc_shared<T>(poison.size(), queue);
   std::copy(poison.begin(), poison.end(), memory);
@@ -84,7 +93,7 @@ auto usm_values(const Distribution& distribution, Engine& engine, sycl::queue qu
 template <class Distribution, class Engine>
 auto buffer_values(const Distribution& distribution, Engine& engine, std::int64_t n) {
   using T = typename Distribution::result_type;
-  const std::size_t count = static_cast<std::size_t>(n);
+  const std::size_t count = values_in(distribution, n);
   std::vector<T> values = poisoned<T>(count + guard);
   {
     sycl::buffer<T, 1> buffer(values.data(), sycl::range<1>(values.size()));

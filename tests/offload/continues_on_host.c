@@ -14,7 +14,9 @@
 
 static const float fa = -2.5f, fb = 7.25f, fone = 1.5f, ftwo = 0.75f;
 static const double da = -2.5, db = 1e6, done = 1.5, dtwo = 0.75, p = 0.03;
-static const int32_t ia = -100, ib = 1000;
+static const int32_t ia = -100, ib = 1000, degrees = 3, dimension = 3, packed = VQS_MATRIX_PACKED;
+static const float fmean[] = {1, 2, 3}, fmatrix[] = {1, 0.5f, 2, -1, 0.25f, 3};
+static const double dmean[] = {1, 2, 3}, dmatrix[] = {1, 0.5, 2, -1, 0.25, 3};
 
 enum { longest = 70001, tail = 33, guard = 16 };
 static double means[longest]; /* of poisson_v */
@@ -37,6 +39,14 @@ static double means[longest]; /* of poisson_v */
   REAL_CASES(CASE, vd, double, da, db, done, dtwo)                                                           \
   CASE(vs, Gamma, gamma, float, (, ftwo, fa, fone), (, &ftwo, &fa, &fone))                                   \
   CASE(vd, Gamma, gamma, double, (, done, da, dtwo), (, &done, &da, &dtwo))                                  \
+  CASE(vs, Beta, beta, float, (, ftwo, fone, fa, fb), (, &ftwo, &fone, &fa, &fb))                            \
+  CASE(vd, Beta, beta, double, (, dtwo, done, da, db), (, &dtwo, &done, &da, &db))                           \
+  CASE(vs, GaussianMV, gaussianmv, float, (, dimension, packed, fmean, fmatrix),                             \
+       (, &dimension, &packed, fmean, fmatrix))                                                              \
+  CASE(vd, GaussianMV, gaussianmv, double, (, dimension, packed, dmean, dmatrix),                            \
+       (, &dimension, &packed, dmean, dmatrix))                                                              \
+  CASE(vs, ChiSquare, chisquare, float, (, degrees), (, &degrees))                                           \
+  CASE(vd, ChiSquare, chisquare, double, (, degrees), (, &degrees))                                          \
   CASE(vi, Geometric, geometric, int32_t, (, p), (, &p))                                                     \
   CASE(vi, Bernoulli, bernoulli, int32_t, (, p), (, &p))                                                     \
   CASE(vi, Poisson, poisson, int32_t, (, db), (, &db))                                                       \
@@ -92,7 +102,7 @@ static const int32_t engines[] = {
 
 /* The offloaded piece and, behind it, the one that the host makes; each odd, so that neither ends with a block. */
 static const int64_t lengths[] = {0, 1, 5, 1001, 70001};
-static unsigned char expected[(longest + tail) * 8], got[(longest + tail) * 8 + guard];
+static unsigned char expected[(longest + tail) * 24], got[(longest + tail) * 24 + guard];
 static int faults = 0;
 
 #define EXPECT(condition, ...)                                                                               \
@@ -108,7 +118,10 @@ static void check(size_t c, int spelling, int32_t engine, int64_t n, hvl_omp_int
   void *reference = NULL, *stream = NULL;
   if (n == 0 && strcmp(cases[c].name, "viPoissonV") == 0) /* ends the process */
     return;
-  const size_t bytes = cases[c].value_bytes * (size_t)n, tail_bytes = cases[c].value_bytes * tail;
+  const size_t values =
+      strcmp(cases[c].name + 2, "GaussianMV") == 0 ? (size_t)dimension : 1; /* of one in n */
+  const size_t bytes = values * cases[c].value_bytes * (size_t)n,
+               tail_bytes = values * cases[c].value_bytes * tail;
   EXPECT(vqsNewStream_64(&reference, engine, 77) == 0 && vqsNewStream_64(&stream, engine, 77) == 0, "\n");
   /* not at the start of a block */
   EXPECT(vqsSkipAheadStream_64(reference, 3) == 0 && vqsSkipAheadStream_64(stream, 3) == 0, "\n");

@@ -46,6 +46,18 @@ template <class T, class M>
 gamma<T, M> pinned(gamma<T, M>) {
   return {T(1.3), T(-3.1), T(1.9)};
 }
+template <class T, class M>
+beta<T, M> pinned(beta<T, M>) {
+  return {T(0.7), T(2.3), T(-3.1), T(1.9)};
+}
+template <class T, class M>
+gaussian_mv<T, M> pinned(gaussian_mv<T, M>) {
+  return {{T(-3.1), T(0.7), T(1.9)}, {T(1.3), T(-0.4), T(0.6), T(2.1), T(0.3), T(-1.7)}};
+}
+template <class T, class M>
+chi_square<T, M> pinned(chi_square<T, M>) {
+  return chi_square<T, M>(7);
+}
 template <class T>
 geometric<T> pinned(geometric<T>) {
   return geometric<T>(0.07);
@@ -72,12 +84,16 @@ template <class Distribution>
 constexpr bool in_pairs = false;
 template <class T>
 constexpr bool in_pairs<gaussian<T, gaussian_method::box_muller2>> = true;
+template <class T, class M>
+constexpr bool in_pairs<gaussian_mv<T, M>> = true;
 template <class T>
 constexpr bool in_pairs<lognormal<T, lognormal_method::box_muller2>> = true;
 template <class T>
 constexpr bool in_pairs<lognormal<T, lognormal_method::box_muller2_accurate>> = true;
 template <class M>
 constexpr bool in_pairs<gamma<double, M>> = true;
+template <class M>
+constexpr bool in_pairs<chi_square<double, M>> = true;
 
 // One way to the numbers.
 struct way {
@@ -149,6 +165,8 @@ void add_pins(std::vector<pin>& pins, const std::string& name, Engine (*make)(co
     add("uniform<float, uniform_method::standard>", pinned(uniform<float>()), n);
   add("gamma<float, gamma_method::marsaglia> below 1", gamma<float>(0.3f, -3.1f, 1.9f), some);
   add("gamma<double, gamma_method::marsaglia> below 1", gamma<double>(0.3, -3.1, 1.9), some);
+  add("beta<double> of small shapes", beta<double>(0.3, 0.4, -3.1, 1.9), some);
+  add("beta<double> of large shapes", beta<double>(3e7, 4e7, -3.1, 1.9), some);
   add("poisson<int> by rejection", poisson<int>(3e6), some);
   add("poisson_v<int> of a small mean", poisson_v<int>({3.3}), some);
   add("gaussian<double, gaussian_method::box_muller2>",

@@ -86,6 +86,13 @@ class joined_source final : public source {
     return generate(distribution_, engine_, count, static_cast<typename Distribution::result_type*>(memory));
   }
 
+  std::uint64_t values_in_one() const override {
+    if constexpr (requires { distribution_.dimen(); })
+      return static_cast<std::uint64_t>(distribution_.dimen());
+    else
+      return 1;
+  }
+
  private:
   Engine engine_;
   Distribution distribution_;

@@ -57,6 +57,9 @@ class source {
 
   // Submits the generation of `count` values into USM memory of the source's queue.
   virtual sycl::event fill(void* memory, std::int64_t count) = 0;
+
+  // Numbers in one of the count: of vectors their elements.
+  virtual std::uint64_t values_in_one() const = 0;
 };
 
 using parameter_values = std::map<std::string, std::string>;

@@ -110,6 +110,25 @@ struct distribution_traits<rng::gamma<T, M>> : method_traits<rng::gamma<T, M>, r
 };
 
 template <class T, class M>
+struct distribution_traits<rng::chi_square<T, M>> : method_traits<rng::chi_square<T, M>, rng::chi_square<T>> {
+  static constexpr std::tuple parameters{parameter{"v", &rng::chi_square<T, M>::v}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::gaussian_mv<T, M>>
+    : method_traits<rng::gaussian_mv<T, M>, rng::gaussian_mv<T>> {
+  using type = rng::gaussian_mv<T, M>;
+  static constexpr std::tuple parameters{parameter{"a", &type::a}, parameter{"t", &type::t}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::beta<T, M>> : method_traits<rng::beta<T, M>, rng::beta<T>> {
+  using type = rng::beta<T, M>;
+  static constexpr std::tuple parameters{parameter{"p", &type::p}, parameter{"q", &type::q},
+                                         parameter{"a", &type::a}, parameter{"beta", &type::scale}};
+};
+
+template <class T, class M>
 struct distribution_traits<rng::geometric<T, M>> : method_traits<rng::geometric<T, M>, rng::geometric<T>> {
   static constexpr std::tuple parameters{parameter{"p", &rng::geometric<T, M>::p}};
 };

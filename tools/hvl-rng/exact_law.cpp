@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <vector>
 
 namespace hvl_rng {
 namespace {
@@ -122,6 +123,50 @@ template <class T, class M>
 exact_law law_of(const rng::gamma<T, M>& of) {
   const double alpha = of.alpha();
   return above(of.a(), of.beta(), [=](double z) { return gamma_density(alpha, z); });
+}
+
+template <class T, class M>
+exact_law law_of(const rng::chi_square<T, M>& of) {
+  const double alpha = of.v() / 2.0;
+  return above(0, 2, [=](double z) { return gamma_density(alpha, z); });
+}
+
+// Of all elements of the vectors together.
+template <class T, class M>
+exact_law law_of(const rng::gaussian_mv<T, M>& of) {
+  struct element {
+    double mean, deviation;
+  };
+  std::vector<element> elements;
+  auto t = of.t().begin();
+  for (std::size_t k = 0; k < of.a().size(); ++k) { // packed, as the program's options have it
+    double variance = 0;
+    for (std::size_t j = 0; j <= k; ++j, ++t)
+      variance += static_cast<double>(*t) * static_cast<double>(*t);
+    elements.push_back({static_cast<double>(of.a()[k]), std::sqrt(variance)});
+  }
+  return {[=](double x) {
+            double sum = 0;
+            for (const element& e : elements)
+              sum += normal((x - e.mean) / e.deviation) / e.deviation;
+            return sum / static_cast<double>(elements.size());
+          },
+          -infinity, infinity, false};
+}
+
+template <class T, class M>
+exact_law law_of(const rng::beta<T, M>& of) {
+  const double p = of.p(), q = of.q(), a = of.a(), scale = of.scale();
+  const double log_constant = std::lgamma(p + q) - std::lgamma(p) - std::lgamma(q);
+  const auto power = [](double exponent, double base) {
+    return exponent == 0 ? 0 : exponent * std::log(base);
+  };
+  return {[=](double x) {
+            const double z = (x - a) / scale;
+            return z < 0 || z > 1 ? 0
+                                  : std::exp(log_constant + power(p - 1, z) + power(q - 1, 1 - z)) / scale;
+          },
+          a, a + scale, false};
 }
 
 // The largest integer stands for all beyond it too.

@@ -19,8 +19,10 @@ constexpr std::uint64_t chunk_values = std::uint64_t{1} << 20;
 class pipeline {
  public:
   pipeline(sycl::queue& queue, source& numbers, std::size_t value_bytes)
-      : queue_(queue), numbers_(numbers), memory_{usm_memory(chunk_values * value_bytes, queue),
-                                                  usm_memory(chunk_values * value_bytes, queue)} {}
+      : queue_(queue), numbers_(numbers), values_in_one_(numbers.values_in_one()),
+        chunk_(std::max(chunk_values / values_in_one_ / 2 * 2, std::uint64_t{2})),
+        memory_{usm_memory(chunk_ * values_in_one_ * value_bytes, queue),
+                usm_memory(chunk_ * values_in_one_ * value_bytes, queue)} {}
 
   // Memory may only go when nothing writes to it any more.
   ~pipeline() { queue_.wait(); }
@@ -35,7 +37,7 @@ class pipeline {
       queue_.throw_asynchronous();
       const std::uint64_t ready = pending;
       pending = submit(turn ^ 1, count, submitted);
-      writer.write(memory_[turn].get(), ready);
+      writer.write(memory_[turn].get(), ready * values_in_one_);
       written += ready;
       bar.update(written);
     }
@@ -43,7 +45,7 @@ class pipeline {
 
  private:
   std::uint64_t submit(int turn, std::uint64_t count, std::uint64_t& submitted) {
-    const std::uint64_t values = std::min(chunk_values, count - submitted);
+    const std::uint64_t values = std::min(chunk_, count - submitted);
     if (values != 0)
       events_[turn] = numbers_.fill(memory_[turn].get(), static_cast<std::int64_t>(values));
     submitted += values;
@@ -52,6 +54,7 @@ class pipeline {
 
   sycl::queue& queue_;
   source& numbers_;
+  std::uint64_t values_in_one_, chunk_; // a chunk counts as `count` does
   usm_memory memory_[2];
   sycl::event events_[2];
 };
@@ -79,7 +82,8 @@ void generate_numbers(const generate_options& options) {
   numbers->fill(usm_memory(distribution.value_bytes, queue).get(), 0).wait();
 
   try {
-    const auto writer = make_writer(to, options.format, distribution.type, options.count);
+    const auto writer =
+        make_writer(to, options.format, distribution.type, options.count * numbers->values_in_one());
     progress bar(::isatty(STDERR_FILENO) == 1 && !to.is_terminal(), options.forever ? 0 : options.count);
     pipeline(queue, *numbers, distribution.value_bytes)
         .run(options.forever ? std::numeric_limits<std::uint64_t>::max() : options.count, *writer, bar);

@@ -67,10 +67,11 @@ std::vector<double> draw_sample(const source_options& options, const distributio
   sycl::queue queue = make_queue(options.device);
   const std::unique_ptr<source> numbers =
       make_source(queue, find_engine(options.engine), options.start, distribution, options.parameters);
-  const usm_memory memory(options.count * distribution.value_bytes, queue);
+  const std::uint64_t values = options.count * numbers->values_in_one();
+  const usm_memory memory(values * distribution.value_bytes, queue);
   numbers->fill(memory.get(), static_cast<std::int64_t>(options.count)).wait();
   queue.throw_asynchronous();
-  return to_double(distribution.type, memory.get(), options.count);
+  return to_double(distribution.type, memory.get(), values);
 }
 
 std::string seed_of(const source_options& options) {

@@ -149,7 +149,7 @@ TYPED_TEST(end_points, gamma_at_extreme_words_and_parameters) {
   for (const T alpha : {least, T(1e-3), std::nextafter(T(1), T(0)), T(1), T(64), T(1e8), greatest<T>})
     for (const T a : {T(0), T(-3), T(1e6), greatest<T>, -greatest<T>})
       for (const T beta : {least, T(1), greatest<T>}) {
-        const auto c = gamma_constants_of(alpha, a, beta);
+        const auto c = gamma_constants_of<T>(alpha, a, beta);
         for (const T e : {T(-8), T(-4), T(-1), T(0), T(0.9), T(8)})
           for (const T u : {T(0), T(0.5), T(1)})
             for (const T power : {T(0), T(0.5), T(1)}) {
@@ -164,12 +164,12 @@ TYPED_TEST(end_points, gamma_at_extreme_words_and_parameters) {
   // a word of 0 is no outlier of the normal numbers
   EXPECT_NEAR(gamma_normal_pair<O>(T(0), T(0), T(0x1p-32)).cosine, std::sqrt(33 * std::log(T(2))), T(1e-6));
   // the power of 0 vanishes, that of 1 changes nothing
-  const auto half = gamma_constants_of(T(0.5), T(3), T(2));
+  const auto half = gamma_constants_of<T>(T(0.5), T(3), T(2));
   EXPECT_EQ(gamma_marsaglia<O>(T(0.1), T(0.5), T(0), own, 0, half), T(3));
   EXPECT_EQ(gamma_marsaglia<O>(T(0.1), T(0.5), T(1), own, 0, half),
             gamma_squeezed<O>(T(0.1), T(0.5), half).core + T(3));
   // with a shape this small nearly all underflow, save where the scale brings them back
-  const auto tiny = gamma_constants_of(sizeof(T) == 4 ? T(0.01) : T(0.001), T(0), greatest<T> / 64);
+  const auto tiny = gamma_constants_of<T>(sizeof(T) == 4 ? T(0.01) : T(0.001), T(0), greatest<T> / 64);
   EXPECT_LT(gamma_marsaglia<O>(T(0), T(0.5), T(0.01), own, 0, tiny), std::numeric_limits<T>::min());
   EXPECT_GT(gamma_marsaglia<O>(T(0), T(0.5), T(0.25), own, 0, tiny), T(0));
 }

@@ -167,10 +167,30 @@ std::vector<member<T>> continuous_members() {
       },
       third, half);
 
+  const auto add_beta = [&](const char* name, T p, T q) {
+    const auto constants = math::beta_constants_of(p, q, third, half);
+    all.push_back({name, math::beta_words,
+                   [=](vqs_stream s, std::int64_t n, T* r) {
+                     return host_function<T>(vsRngBeta_64, vdRngBeta_64)(0, s, n, r, p, q, third, half);
+                   },
+                   [=](vqs_stream s, std::vector<T>& out) {
+                     const double cell = uniform_coefficients(about_engine_of(s).scale, 0.0, 1.0).scale;
+                     const std::vector<std::uint32_t> raw = copy_of(s).bits(2 * out.size());
+                     const std::vector<double> u = uniforms<double>(copy_of(s), 2 * out.size(), 0.0, 1.0);
+                     for (std::size_t i = 0; i < out.size(); ++i)
+                       out[i] = static_cast<T>(math::beta_cheng_johnk<W>(
+                           u[2 * i], u[2 * i + 1], cell, {raw[2 * i], raw[2 * i + 1]}, constants));
+                   }});
+  };
+  add_beta("beta", T(2.5), T(1.5));
+  add_beta("beta_one_below_one", T(0.7), T(3));
+  add_beta("beta_small", T(0.3), T(0.4));
+  add_beta("beta_large", T(3e6), T(2e6));
+
   const auto add_gamma = [&](const char* name, T alpha, bool accurate) {
     const auto function = host_function<T>(vsRngGamma_64, vdRngGamma_64);
     const std::int64_t method = accurate ? VQS_METHOD_ACCURATE : 0;
-    const auto constants = math::gamma_constants_of(alpha, third, half);
+    const auto constants = math::gamma_constants_of<T>(alpha, third, half);
     all.push_back(
         {name, math::gamma_words<T>(alpha < 1),
          [=](vqs_stream s, std::int64_t n, T* r) { return function(method, s, n, r, alpha, third, half); },

@@ -188,6 +188,8 @@ void check_misuse(std::int32_t engine) {
   const auto weibull = host_function<T>(vsRngWeibull_64, vdRngWeibull_64);
   const auto cauchy = host_function<T>(vsRngCauchy_64, vdRngCauchy_64);
   const auto gamma = host_function<T>(vsRngGamma_64, vdRngGamma_64);
+  const auto beta = host_function<T>(vsRngBeta_64, vdRngBeta_64);
+  const auto chi_square = host_function<T>(vsRngChiSquare_64, vdRngChiSquare_64);
   const T nan = std::numeric_limits<T>::quiet_NaN();
   const T infinity = std::numeric_limits<T>::infinity();
   const owned_stream stream(engine);
@@ -202,6 +204,9 @@ void check_misuse(std::int32_t engine) {
   EXPECT_EQ(cauchy(VQS_METHOD_ACCURATE, stream, 1, r, 0, 1), VQS_STATUS_BAD_METHOD);
   EXPECT_EQ(gamma(1, stream, 1, r, 1, 0, 1), VQS_STATUS_BAD_METHOD);
   EXPECT_EQ(gamma(VQS_METHOD_ACCURATE | 1, stream, 1, r, 1, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(chi_square(VQS_METHOD_ACCURATE, stream, 1, r, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(beta(VQS_METHOD_ACCURATE, stream, 1, r, 1, 1, 0, 1), VQS_STATUS_BAD_METHOD);
+  EXPECT_EQ(chi_square(0, stream, 1, r, 0), VQS_STATUS_BAD_PARAMETER);
   EXPECT_EQ(gaussian(0, nullptr, 1, r, 0, 1), VQS_STATUS_NULL_POINTER);
   EXPECT_EQ(gaussian(0, stream, 1, nullptr, 0, 1), VQS_STATUS_NULL_POINTER);
   EXPECT_EQ(weibull(0, stream, -1, r, 1, 0, 1), VQS_STATUS_BAD_COUNT);
@@ -214,6 +219,9 @@ void check_misuse(std::int32_t engine) {
     EXPECT_EQ(cauchy(0, stream, 1, r, 0, bad), VQS_STATUS_BAD_PARAMETER);
     EXPECT_EQ(gamma(0, stream, 1, r, bad, 0, 1), VQS_STATUS_BAD_PARAMETER);
     EXPECT_EQ(gamma(VQS_METHOD_ACCURATE, stream, 1, r, 1, 0, bad), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(beta(0, stream, 1, r, bad, 1, 0, 1), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(beta(0, stream, 1, r, 1, bad, 0, 1), VQS_STATUS_BAD_PARAMETER);
+    EXPECT_EQ(beta(0, stream, 1, r, 1, 1, 0, bad), VQS_STATUS_BAD_PARAMETER);
     if (!(bad <= 0 && bad > -infinity)) {
       EXPECT_EQ(gaussian(0, stream, 1, r, bad, 1), VQS_STATUS_BAD_PARAMETER);
       EXPECT_EQ(lognormal(0, stream, 1, r, bad, 1, 0, 1), VQS_STATUS_BAD_PARAMETER);

@@ -72,7 +72,7 @@ template <class T, bool BelowOne, class See>
 void gamma_of(const word_range& r, std::uint64_t word, uniforms<T> of_word, T shape, const See& see) {
   using O = math::scalar_ops<T>;
   constexpr math::word_use use = math::gamma_words<T>(BelowOne);
-  const auto constants = math::gamma_constants_of(shape, T(0), T(1));
+  const auto constants = math::gamma_constants_of<T>(shape, T(0), T(1));
   const T cell = uniform_coefficients(r.scale, T(0), T(1)).scale;
   const auto bits = [&](std::uint64_t w) {
     return static_cast<std::uint32_t>(r.scale == word_scale::mcg59 ? w >> 27 : w);
@@ -104,6 +104,28 @@ void gammas_of(const word_range& r, std::uint64_t word, uniforms<T> of_word, con
   gamma_of<T, true>(r, word, of_word, T(0.3), see);
   gamma_of<T, false>(r, word, of_word, T(1), see);
   gamma_of<T, false>(r, word, of_word, T(100), see);
+}
+
+// As gamma, with the other word one of the extremes or the middle, in turn.
+template <class See>
+void betas_of(const word_range& r, std::uint64_t word, const See& see) {
+  using O = math::scalar_ops<double>;
+  static const math::beta_constants all[] = {
+      math::beta_constants_of(1e-300, 1e-300, 0, 1), math::beta_constants_of(0.3, 1, 0, 1),
+      math::beta_constants_of(0.7, 3, 0, 1), math::beta_constants_of(2.5, 1.5, 0, 1),
+      math::beta_constants_of(3e6, 2e9, 0, 1)};
+  const double cell = uniform_coefficients(r.scale, 0.0, 1.0).scale;
+  const auto bits = [&](std::uint64_t w) {
+    return static_cast<std::uint32_t>(r.scale == word_scale::mcg59 ? w >> 27 : w);
+  };
+  const std::uint64_t other = r.first + (r.last - r.first) / 2 * (word % 3);
+  const double u = uniform(r, word, 0.0, 1.0), v = uniform(r, other, 0.0, 1.0);
+  for (const auto& constants : all) {
+    const double values[] = {math::beta_cheng_johnk<O>(u, v, cell, {bits(word), bits(other)}, constants),
+                             math::beta_cheng_johnk<O>(v, u, cell, {bits(other), bits(word)}, constants)};
+    for (const double value : values)
+      see("beta", value >= 0 && value <= 1 ? value : std::nan(""));
+  }
 }
 
 // The second word is one of the extremes or the middle, in turn.
@@ -175,6 +197,7 @@ word_report try_words(std::uint64_t stride, std::uint64_t double_stride) {
       geometric_of(r, word, see);
       poisson_of(r, word, see);
       if (in_double) {
+        betas_of(r, word, see);
         values_of(r, uniforms_of<double>(r, word), see);
         gammas_of(r, word, uniforms_of<double>(r, word), see);
       }

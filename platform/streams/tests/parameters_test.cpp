@@ -9,6 +9,7 @@
 #include <boost/math/distributions/normal.hpp>
 #include <boost/math/distributions/rayleigh.hpp>
 #include <boost/math/distributions/uniform.hpp>
+#include <boost/math/special_functions/beta.hpp>
 #include <boost/math/special_functions/gamma.hpp>
 
 #include <algorithm>
@@ -252,6 +253,57 @@ TYPED_TEST(parameters, of_gamma) {
       check_function<T>("gamma", this->of_type(vsRngGamma_64, vdRngGamma_64), method,
                         log_gamma_law(static_cast<double>(p.shape)), exponential_of(0, 1, p.a, p.scale),
                         p.shape, p.a, p.scale);
+}
+
+// Of the odds' logarithm, which small shapes drive far beyond the type.
+standard_law log_odds_of_beta(double p, double q) {
+  return {[=](double z) {
+            return z < 0 ? bm::ibeta(p, q, 1 / (1 + std::exp(-z))) : bm::ibetac(q, p, 1 / (1 + std::exp(z)));
+          },
+          [=](double f) {
+            double complement;
+            const double x = bm::ibeta_inv(p, q, f, &complement);
+            return std::log(x) - std::log(complement);
+          }};
+}
+
+placement from_log_odds(long double a, long double scale) {
+  return {[=](long double z) { return a + scale / (1 + std::exp(-z)); },
+          [=](long double x, long double factor) {
+            const long double value = std::clamp((x - a) / scale, 0.0L, 1.0L);
+            return (std::log(value) - std::log1p(-value)) / factor;
+          }};
+}
+
+// The method changes where a shape is 1/2 or 1, and between 5e5 and 1e6.
+TYPED_TEST(parameters, of_beta) {
+  using T = TypeParam;
+  struct set {
+    T p, q, a, scale;
+  };
+  const auto [tiny, huge, shift] = extremes<T>();
+  std::vector<set> sets = {{T(2.5), T(1.5), T(0), tiny},
+                           {T(0.7), T(3), T(0), huge},
+                           {T(2.5), T(1.5), shift, T(20)},
+                           {T(0.3), T(0.4), T(-3), T(0.01)},
+                           {T(3), T(0.7), -1000 * shift, T(20'000)}};
+  const double shapes[] = {0.01, 0.3, 0.5, 0.501, 0.999, 1, 1.001, 2.5, 100, 4e5, 2e6, 1e8};
+  for (const double p : shapes)
+    for (const double q : shapes)
+      if (((p >= 0.3 && q >= 0.3) || p + q < 2) && p < 1e5 * q) // beyond, all values are near 1
+        sets.push_back({static_cast<T>(p), static_cast<T>(q), T(0), T(1)});
+  for (const set& s : sets)
+    check_function<T>("beta", this->of_type(vsRngBeta_64, vdRngBeta_64), 0,
+                      log_odds_of_beta(static_cast<double>(s.p), static_cast<double>(s.q)),
+                      from_log_odds(s.a, s.scale), s.p, s.q, s.a, s.scale);
+}
+
+// Degrees of freedom beyond what float counts exactly take their exact half as shape.
+TYPED_TEST(parameters, of_chi_square) {
+  using T = TypeParam;
+  for (const std::int32_t v : {1, 2, 3, 128, 129, 100'001, 16'777'219, 2'147'483'647})
+    check_function<T>("chi_square", this->of_type(vsRngChiSquare_64, vdRngChiSquare_64), 0,
+                      log_gamma_law(v / 2.0), exponential_of(0, 1, 0, 2), v);
 }
 
 // For every engine, since each scales its words in its own way: mcg59 by (b - a) 2^-59, which the narrowest interval here

@@ -1,5 +1,6 @@
 // The continuous distributions against their exact distribution functions: fit, moments and tails. Each test of fit is
 // shown to reject the same values with a scale that is 1 % too great.
+#include <boost/math/distributions/beta.hpp>
 #include <boost/math/distributions/cauchy.hpp>
 #include <boost/math/distributions/exponential.hpp>
 #include <boost/math/distributions/extreme_value.hpp>
@@ -62,6 +63,12 @@ const std::map<std::string, exact_distribution>& exact_distributions() {
         {"rayleigh", with_moments(bm::rayleigh(std::sqrt(half)), third, half)},
         {"laplace", with_moments(bm::laplace(), third, half)},
         {"gumbel", gumbel},
+        {"beta", with_moments(bm::beta_distribution<double>(2.5, 1.5), third, half)},
+        {"beta_one_below_one",
+         with_moments(bm::beta_distribution<double>(static_cast<double>(0.7f), 3), third, half)},
+        {"beta_small",
+         with_moments(bm::beta_distribution<double>(static_cast<double>(0.3f), static_cast<double>(0.4f)),
+                      third, half)},
         {"gamma", with_moments(bm::gamma_distribution<double>(1.7), third, half)},
         {"gamma_below_one", with_moments(bm::gamma_distribution<double>(0.9), third, half)},
         {"gamma_large", with_moments(bm::gamma_distribution<double>(100), third, half)},

@@ -5,8 +5,11 @@
 /// those values; where there is a choice of algorithm, the method is a tag type.
 
 #include "distributions/bernoulli.hpp"
+#include "distributions/beta.hpp"
+#include "distributions/chi_square.hpp"
 #include "distributions/gamma.hpp"
 #include "distributions/gaussian.hpp"
+#include "distributions/gaussian_mv.hpp"
 #include "distributions/geometric.hpp"
 #include "distributions/inverse_cdf.hpp"
 #include "distributions/poisson.hpp"

@@ -183,6 +183,26 @@ HVL_STREAMS_API int vsRngGamma_64(int64_t method, vqs_stream stream, int64_t n, 
 HVL_STREAMS_API int vdRngGamma_64(int64_t method, vqs_stream stream, int64_t n, double* r, double alpha,
                                   double a, double beta);
 
+/* Gamma of shape v / 2 and scale 2: v > 0 degrees of freedom. Method 0. */
+HVL_STREAMS_API int vsRngChiSquare_64(int64_t method, vqs_stream stream, int64_t n, float* r, int32_t v);
+HVL_STREAMS_API int vdRngChiSquare_64(int64_t method, vqs_stream stream, int64_t n, double* r, int32_t v);
+
+/* a + beta X, X by Cheng's and Joehnk's rejection: shapes p and q, a + beta finite. Two words a value, made in double for
+ * both result types. Method 0. */
+HVL_STREAMS_API int vsRngBeta_64(int64_t method, vqs_stream stream, int64_t n, float* r, float p, float q,
+                                 float a, float beta);
+HVL_STREAMS_API int vdRngBeta_64(int64_t method, vqs_stream stream, int64_t n, double* r, double p, double q,
+                                 double a, double beta);
+
+/* Vectors of dimension dimen, n of them: a + T z, z independent standard normal numbers by box_muller2, so n dimen words,
+ * one more where that is odd. mstorage: T is the lower triangle of dimen rows of dimen elements, or its rows one after the
+ * other, or its diagonal, all else 0. Method 0. */
+enum { VQS_MATRIX_FULL = 0, VQS_MATRIX_PACKED = 1, VQS_MATRIX_DIAGONAL = 2 };
+HVL_STREAMS_API int vsRngGaussianMV_64(int64_t method, vqs_stream stream, int64_t n, float* r, int32_t dimen,
+                                       int32_t mstorage, const float* a, const float* t);
+HVL_STREAMS_API int vdRngGaussianMV_64(int64_t method, vqs_stream stream, int64_t n, double* r, int32_t dimen,
+                                       int32_t mstorage, const double* a, const double* t);
+
 /* Failures before the first success of probability p, by inversion; saturated at 2^31 - 1. Two words a value. */
 HVL_STREAMS_API int viRngGeometric_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, double p);
 

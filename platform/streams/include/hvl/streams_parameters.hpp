@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <type_traits>
 
+#include <hvl/math/transforms/gaussian_mv.hpp>
+
 namespace hvl::streams {
 
 // False for NaN, too.
@@ -61,6 +63,39 @@ const char* weibull_fault(T alpha, T a, T beta) {
 template <class T>
 const char* gamma_fault(T alpha, T a, T beta) {
   return weibull_fault(alpha, a, beta);
+}
+
+template <class T>
+const char* beta_fault(T p, T q, T a, T beta) {
+  return !is_positive(p)                       ? "p <= 0"
+         : !is_positive(q)                     ? "q <= 0"
+         : displaced_fault(a, beta) != nullptr ? displaced_fault(a, beta)
+         : !std::isfinite(a + beta)            ? "a + beta is not finite"
+                                               : nullptr;
+}
+
+inline const char* gaussian_mv_fault(std::int32_t dimen, std::int32_t mstorage) {
+  return !(dimen > 0) ? "dimen <= 0" : mstorage < 0 || mstorage > 2 ? "mstorage is none of 0, 1, 2" : nullptr;
+}
+
+// Of dimension and storage that have no fault.
+template <class T>
+const char* gaussian_mv_fault(std::int32_t dimen, std::int32_t mstorage, const T* a, const T* t) {
+  const auto dimension = static_cast<std::size_t>(dimen);
+  const auto storage = static_cast<math::matrix_storage>(mstorage);
+  for (std::size_t k = 0; k < dimension; ++k) {
+    if (!std::isfinite(a[k]))
+      return "a is not finite";
+    const math::matrix_row row = math::row_of(storage, dimension, k);
+    for (std::size_t j = row.first; j <= k; ++j)
+      if (!std::isfinite(t[row.start + j]))
+        return "t is not finite";
+  }
+  return nullptr;
+}
+
+inline const char* chi_square_fault(std::int32_t v) {
+  return !(v > 0) ? "v <= 0" : nullptr;
 }
 
 inline const char* geometric_fault(double p) {

@@ -22,6 +22,8 @@ transform_function lognormal_transform(word_kind kind, lognormal_method method, 
 transform_function inverse_cdf_transform(word_kind kind, inverse_cdf_family family, bool accurate,
                                          precision p) noexcept;
 transform_function gamma_transform(word_kind kind, bool below_one, precision p) noexcept;
+vector_function gaussian_mv_function(precision p) noexcept;
+transform_function beta_transform(word_kind kind, precision p) noexcept;
 transform_function geometric_transform(word_kind kind) noexcept;
 transform_function rejection_transform(word_kind kind) noexcept;
 transform_function thresholds_transform(word_kind kind) noexcept;

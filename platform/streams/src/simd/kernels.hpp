@@ -47,6 +47,10 @@ inline constexpr std::size_t vector_alignment = 64;
 using transform_function = void (*)(const void* parameters, const void* words, void* values,
                                     std::size_t values_count) noexcept;
 
+// Standard normal numbers, `vectors` times as many as the parameters' dimension, become values, in place. Parameters are
+// gaussian_mv_parameters.
+using vector_function = void (*)(const void* parameters, void* values, std::size_t vectors) noexcept;
+
 enum class uniform_result : std::uint8_t {
   real32,
   real64,
@@ -80,12 +84,15 @@ struct kernel_set {
                                     precision p) noexcept;
   // Parameters are gamma_parameters.
   transform_function (*gamma)(word_kind kind, bool below_one, precision p) noexcept;
+  // Parameters are beta_parameters.
+  transform_function (*beta)(word_kind kind, precision p) noexcept;
   // Parameters are geometric_parameters.
   transform_function (*geometric)(word_kind kind) noexcept;
   // Parameters are rejection_parameters.
   transform_function (*rejection)(word_kind kind) noexcept;
   // Parameters are threshold_parameters.
   transform_function (*thresholds)(word_kind kind) noexcept;
+  vector_function (*gaussian_mv)(precision p) noexcept;
   // Copies past the caches, to an address and of a size that are multiples of vector_alignment; the stores need a fence
   // before another thread may rely on them.
   void (*stream_lines)(void* out, const void* in, std::size_t bytes) noexcept;

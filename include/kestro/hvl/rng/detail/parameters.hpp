@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <type_traits>
 #include <vector>
@@ -22,6 +23,13 @@ template <class T>
 KESTRO_HVL_API void check_weibull(T alpha, T a, T beta);
 template <class T>
 KESTRO_HVL_API void check_gamma(T alpha, T a, T beta);
+template <class T>
+KESTRO_HVL_API void check_beta(T p, T q, T a, T beta);
+/// For the vectors of gaussian_mv.
+template <class T>
+KESTRO_HVL_API std::shared_ptr<matrix_record>
+gaussian_mv_record(const std::vector<T>& a, const std::vector<T>& t, std::int32_t mstorage);
+KESTRO_HVL_API void check_chi_square(std::int32_t v);
 KESTRO_HVL_API void check_geometric(double p);
 KESTRO_HVL_API void check_bernoulli(double p);
 

@@ -6,6 +6,7 @@ namespace kestro::hvl::rng::detail {
 
 /// What the library computes of a distribution's parameters when it first needs it; all copies of the distribution share it.
 class threshold_record;
+class matrix_record;
 class means_record;
 
 struct distribution_access {

@@ -1,9 +1,11 @@
 // Uniform values to values of every distribution: one definition for the host's vectors and for kernels.
 #pragma once
 
+#include "transforms/beta.hpp"
 #include "transforms/binomial_rejection.hpp"
 #include "transforms/gamma.hpp"
 #include "transforms/gaussian.hpp"
+#include "transforms/gaussian_mv.hpp"
 #include "transforms/geometric.hpp"
 #include "transforms/hypergeometric_rejection.hpp"
 #include "transforms/inverse_cdf.hpp"

@@ -46,25 +46,23 @@ struct gamma_constants {
 };
 
 template <class T>
-HVL_MATH_INLINE gamma_constants<T> gamma_constants_of(T alpha, T displacement, T beta) {
+HVL_MATH_INLINE gamma_constants<T> gamma_constants_of(double shape, double a, double beta) {
   constexpr double greatest = sizeof(T) == 4 ? 0x1.fffffep+127 : 0x1.fffffffffffffp+1023;
   const auto finite = [](double x) __attribute__((always_inline)) {
     return scalar_ops<double>::lesser(x, greatest);
   };
   gamma_constants<T> c{};
-  const auto shape = static_cast<double>(alpha);
-  const auto a = static_cast<double>(displacement);
   c.below_one = shape < 1;
   const double d = (c.below_one ? shape + 1 : shape) - 1.0 / 3;
   c.wide_slope = 1.4142135623730951 / (3 * scalar_ops<double>::sqrt(d));
   c.triple_d = finite(3 * d);
-  c.wide_scale = finite(d * static_cast<double>(beta));
+  c.wide_scale = finite(d * beta);
   c.wide_base = c.below_one ? 0.0 : a;
   c.slope = static_cast<T>(c.wide_slope);
   c.squeeze = static_cast<T>(1 / finite(135 * d));
   c.scale = static_cast<T>(c.wide_scale);
   c.exponent = static_cast<T>(finite(1 / shape));
-  c.displacement = displacement;
+  c.displacement = static_cast<T>(a);
   if (d < 64) {
     c.offset = 1;
     c.base = static_cast<T>(c.wide_base);
@@ -75,6 +73,12 @@ HVL_MATH_INLINE gamma_constants<T> gamma_constants_of(T alpha, T displacement, T
     c.base_low = static_cast<T>(base - static_cast<double>(c.base));
   }
   return c;
+}
+
+// The sum of the squares of v independent normal numbers.
+template <class T>
+HVL_MATH_INLINE gamma_constants<T> chi_square_constants_of(std::int32_t v) {
+  return gamma_constants_of<T>(0.5 * v, 0, 2);
 }
 
 // The core is d (1 + w)^3 beta, the displacement added unless the shape is below 1.

@@ -24,6 +24,7 @@ inline constexpr word_use rayleigh_icdf_words{1, 1};
 inline constexpr word_use gumbel_icdf_words{1, 1};
 inline constexpr word_use cauchy_icdf_words{1, 1};
 inline constexpr word_use geometric_icdf_words{2, 1};
+inline constexpr word_use beta_words{2, 1};
 inline constexpr word_use transformed_rejection_words{2, 1};
 inline constexpr word_use thresholds_words{2, 1};
 
