@@ -5,10 +5,13 @@
 /// those values; where there is a choice of algorithm, the method is a tag type.
 
 #include "distributions/bernoulli.hpp"
+#include "distributions/binomial.hpp"
 #include "distributions/gamma.hpp"
 #include "distributions/gaussian.hpp"
 #include "distributions/geometric.hpp"
+#include "distributions/hypergeometric.hpp"
 #include "distributions/inverse_cdf.hpp"
+#include "distributions/negative_binomial.hpp"
 #include "distributions/poisson.hpp"
 #include "distributions/poisson_v.hpp"
 #include "distributions/uniform.hpp"
