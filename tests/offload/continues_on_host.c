@@ -14,7 +14,7 @@
 
 static const float fa = -2.5f, fb = 7.25f, fone = 1.5f, ftwo = 0.75f;
 static const double da = -2.5, db = 1e6, done = 1.5, dtwo = 0.75, p = 0.03;
-static const int32_t ia = -100, ib = 1000;
+static const int32_t ia = -100, ib = 1000, il = 2147483647, is = 1000000000, im = 99999999;
 
 enum { longest = 70001, tail = 33, guard = 16 };
 static double means[longest]; /* of poisson_v */
@@ -40,6 +40,9 @@ static double means[longest]; /* of poisson_v */
   CASE(vi, Geometric, geometric, int32_t, (, p), (, &p))                                                     \
   CASE(vi, Bernoulli, bernoulli, int32_t, (, p), (, &p))                                                     \
   CASE(vi, Poisson, poisson, int32_t, (, db), (, &db))                                                       \
+  CASE(vi, Binomial, binomial, int32_t, (, ib, p), (, &ib, &p))                                              \
+  CASE(vi, Hypergeometric, hypergeometric, int32_t, (, il, is, im), (, &il, &is, &im))                       \
+  CASE(vi, Negbinomial, negbinomial, int32_t, (, done, p), (, &done, &p))                                    \
   CASE(vi, PoissonV, poissonv, int32_t, (, means), (, means))                                                \
   CASE(vi, Uniform, uniform, int32_t, (, ia, ib), (, &ia, &ib))                                              \
   CASE(vi, UniformBits, uniformbits, uint32_t, (), ())                                                       \

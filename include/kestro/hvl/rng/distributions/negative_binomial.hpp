@@ -18,7 +18,7 @@ struct standard {};
 /// By inversion where p is at least 1/256 and the variance at most 2^20, through a table that all copies of the distribution
 /// share and the first call builds: two words a value, the second one refining the first. Beyond as a Poisson number whose
 /// mean is gamma distributed: six words a value. Values that would exceed 2^31 - 1 are 2^31 - 1, for either result type:
-/// more than one in 1e9 where the mean and 60 / p exceed 1e8 together.
+/// less than one in 1e9 as long as (a + 6 sqrt(a) + 21) / p is below 2^31.
 template <class T = std::int32_t, class Method = negative_binomial_method::standard>
 class negative_binomial {
   static_assert(detail::is_one_of<T, std::int32_t, std::uint32_t>,
