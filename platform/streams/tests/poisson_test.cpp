@@ -70,8 +70,9 @@ TEST_P(poisson_numbers, are_the_same_in_every_mode_and_split) {
   const auto expected_v = whole(of_means(0)), expected = whole(poisson(1e7));
   for (std::size_t i = 0; i < n; i += 6) {
     ASSERT_EQ(expected_v[i], 0);
-    if (i + 5 < n)
+    if (i + 5 < n) {
       ASSERT_EQ(expected_v[i + 5], greatest);
+    }
   }
   for_every_mode([&] {
     expect_equal(whole(of_means(0)), expected_v);
