@@ -8,11 +8,13 @@
 
 namespace kestro::hvl::rng::detail::gpu {
 
-/// The policy by which kernels evaluate the transforms of platform/math: fused multiply-add and square root are SYCL's.
+/// The policy by which kernels evaluate the transforms of platform/math: fused multiply-add and square root are SYCL's. A
+/// device rounds the root of a double once, but need not do so for a float (full profile; 3 ulp): the root of the widened
+/// float, rounded again, is what one rounding gives, as 53 >= 2 * 24 + 2.
 template <class T>
 struct device_ops : ::hvl::math::scalar_ops<T> {
   static HVL_MATH_INLINE T fma(T a, T b, T c) { return sycl::fma(a, b, c); }
-  static HVL_MATH_INLINE T sqrt(T a) { return sycl::sqrt(a); }
+  static HVL_MATH_INLINE T sqrt(T a) { return static_cast<T>(sycl::sqrt(static_cast<double>(a))); }
   template <class F, class... Values>
   static HVL_MATH_INLINE T widened(const F& f, Values... a) {
     return static_cast<T>(f(device_ops<double>{}, static_cast<double>(a)...));

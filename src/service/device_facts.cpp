@@ -7,9 +7,11 @@
 
 namespace kestro::hvl::gpu {
 
-hvl_gpu_backend_t backend_code(sycl::backend backend) noexcept {
+hvl_gpu_backend_t backend_code([[maybe_unused]] sycl::backend backend) noexcept {
+#ifdef KESTRO_HVL_HAS_OPENCL
   if (backend == portability::opencl)
     return backend_opencl;
+#endif
 #ifdef KESTRO_HVL_HAS_ZERLIN
   if (backend == portability::zerlin)
     return backend_zerlin;

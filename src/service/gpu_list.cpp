@@ -26,15 +26,6 @@ std::atomic<bool> listing_is_printed{false};
 // Written before the flag is set, then only read.
 std::vector<sycl::device> hvl_gpu_global_devices_list;
 
-// A device that takes no queue is not one that calls can be traced on; its failure is not the caller's.
-bool has_backend(const sycl::device& device, sycl::backend wanted) {
-  try {
-    return sycl::queue(device).get_backend() == wanted;
-  } catch (const sycl::exception&) {
-    return false;
-  }
-}
-
 void append(bounded_text& listing, int index, const sycl::device& device, const char* backend) {
   hvl_serv_sprintf_char_s(&listing.cursor, &listing.room,
                           "HVL_VERBOSE Detected GPU%d %s Backend:%s VE:%d Stack:%d maxWGsize:%d\n", index,
@@ -52,10 +43,11 @@ void list_gpus_once(const sycl::queue& q) {
     return;
 
   std::vector<sycl::device> gpus = sycl::device::get_devices(sycl::info::device_type::gpu);
-  std::erase_if(gpus, [&](const sycl::device& gpu) { return !has_backend(gpu, q.get_backend()); });
+  const sycl::backend backend = q.get_device().get_backend();
+  std::erase_if(gpus, [&](const sycl::device& gpu) { return gpu.get_backend() != backend; });
   bounded_text listing;
   for (int index = 0; const sycl::device& gpu : gpus)
-    append(listing, index++, gpu, backend_name(backend_code(q.get_backend())));
+    append(listing, index++, gpu, backend_name(backend_code(backend)));
 
   hvl_gpu_global_devices_list = std::move(gpus);
   write_trace(std::string(listing.characters) + '\n');

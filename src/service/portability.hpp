@@ -30,10 +30,8 @@ void host_task(sycl::handler& handler, Task&& task) {
 #endif
 }
 
-/// What the backends that the library knows are called.
-#ifdef KESTRO_HVL_ON_ADAPTIVECPP
-inline constexpr sycl::backend opencl = sycl::backend::ocl;
-#else
+/// What the backends that the library interoperates with are called; the standard promises neither.
+#ifdef KESTRO_HVL_HAS_OPENCL
 inline constexpr sycl::backend opencl = sycl::backend::opencl;
 #endif
 #ifdef KESTRO_HVL_HAS_ZERLIN

@@ -54,8 +54,9 @@ distribution_entry describe(std::string_view spelling, std::size_t index) {
   std::apply(
       [&](const auto&... parameter) {
         const auto add = [&](const auto& one) {
-          const auto value = (Distribution().*one.accessor)();
-          parameters.push_back({one.name, parameter_text<std::remove_const_t<decltype(value)>>::of(value)});
+          const auto by_default = (Distribution().*one.accessor)();
+          using text = parameter_text<std::remove_const_t<decltype(by_default)>>;
+          parameters.push_back({one.name, text::of(by_default)});
         };
         (add(parameter), ...);
       },

@@ -4,6 +4,7 @@
 #include <hvl/streams_parameters.hpp>
 #include <hvl/streams_record.h>
 #include <hvl/streams_scaling.hpp>
+#include <hvl/streams_thresholds.hpp>
 
 using namespace hvl::streams;
 

@@ -68,11 +68,9 @@ TEST_P(poisson_numbers, are_the_same_in_every_mode_and_split) {
     return values;
   };
   const auto expected_v = whole(of_means(0)), expected = whole(poisson(1e7));
-  for (std::size_t i = 0; i < n; i += 6) {
+  for (std::size_t i = 0; i + 5 < n; i += 6) {
     ASSERT_EQ(expected_v[i], 0);
-    if (i + 5 < n) {
-      ASSERT_EQ(expected_v[i + 5], greatest);
-    }
+    ASSERT_EQ(expected_v[i + 5], greatest);
   }
   for_every_mode([&] {
     expect_equal(whole(of_means(0)), expected_v);
@@ -87,7 +85,7 @@ TEST_P(poisson_numbers, are_the_same_in_every_mode_and_split) {
 
 HVL_STREAMS_FOR_EACH_ENGINE(poisson_numbers);
 
-TEST(poisson_numbers, end_at_the_greatest_integer) {
+TEST(poisson_values, end_at_the_greatest_integer) {
   const auto near = generated(owned_stream(VQS_ENGINE_PHILOX4X32X10), 10'000, poisson(2147483648.0));
   const auto saturated = static_cast<double>(std::count(near.begin(), near.end(), greatest));
   EXPECT_NEAR(saturated, 5000, 300); // six deviations

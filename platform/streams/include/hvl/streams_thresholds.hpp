@@ -2,6 +2,7 @@
 // from call to call.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <vector>
@@ -41,17 +42,26 @@ class law_thresholds {
     low_.insert(low_.end(), 2, 0xFFFFFFFFu);
     if (count_ <= few_thresholds)
       return;
-    cell_bits_ = 8;
+    cell_bits_ = 10;
     while (cell_bits_ < 14 && (std::uint32_t{1} << cell_bits_) < 8 * count_)
       ++cell_bits_;
     cells_.resize(std::size_t{1} << cell_bits_);
-    std::uint32_t passed = 0;
-    for (std::size_t i = 0; i < cells_.size(); ++i) {
-      const std::uint64_t begin = std::uint64_t{i} << (32 - cell_bits_);
-      const std::uint64_t end = std::uint64_t{i + 1} << (32 - cell_bits_);
-      while (passed < count_ && std::uint64_t{low_[passed]} + 2 * VQS_THRESHOLD_MARGIN <= begin)
-        ++passed;
-      cells_[i] = 2 * passed + (low_[passed + 1] < end ? 1u : 0u);
+    const std::uint32_t shift = 32 - cell_bits_;
+    std::size_t first = 0;
+    for (std::uint32_t passed = 0; passed <= count_; ++passed) {
+      // the cells that begin where so many are surely passed, and where the one after the next begins to matter
+      std::size_t end = cells_.size(), several = end;
+      if (passed < count_)
+        end = std::min(end, static_cast<std::size_t>(
+                                (low_[passed] + 2ull * VQS_THRESHOLD_MARGIN + (1ull << shift) - 1) >> shift));
+      if (passed + 1 < count_)
+        several = std::min(end, std::size_t{low_[passed + 1] >> shift});
+      several = std::max(std::min(several, end), first);
+      std::fill(cells_.begin() + static_cast<std::ptrdiff_t>(first),
+                cells_.begin() + static_cast<std::ptrdiff_t>(several), 2 * passed);
+      std::fill(cells_.begin() + static_cast<std::ptrdiff_t>(several),
+                cells_.begin() + static_cast<std::ptrdiff_t>(end), 2 * passed + 1);
+      first = end;
     }
   }
 
