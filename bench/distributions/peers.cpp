@@ -96,7 +96,8 @@ void register_distribution_peers() {
     add_geometric(geometric_name(p), p);
   add<boost::random::mt19937>("boost/bernoulli", integers_of<boost::random::bernoulli_distribution<double>>{
                                                      boost::random::bernoulli_distribution<double>(0.3)});
-  add_numpy<std::int32_t>("bernoulli", [](bitgen_t* bits) { return bits->next_double(bits->state) < 0.3 ? 1 : 0; });
+  add_numpy<std::int32_t>("bernoulli",
+                          [](bitgen_t* bits) { return bits->next_double(bits->state) < 0.3 ? 1 : 0; });
   for (const double mean : poisson_means)
     add_poisson(poisson_name(mean), mean);
   for (const trials& t : binomial_trials) {
