@@ -16,7 +16,7 @@ inline std::string geometric_name(double p) {
   return name;
 }
 
-inline constexpr double poisson_means[] = {1, 30, 1000};
+inline constexpr double poisson_means[] = {1, 30, 1000, 1e8};
 
 inline std::string poisson_name(double mean) {
   return "poisson_" + std::to_string(static_cast<int>(mean));

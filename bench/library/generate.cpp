@@ -9,11 +9,17 @@ namespace {
 
 namespace rng = kestro::hvl::rng;
 
+// Of a quasi-random engine it is the number of dimensions.
+template <class Engine>
+constexpr std::uint32_t sample_seed =
+    std::is_same_v<Engine, rng::sobol> || std::is_same_v<Engine, rng::niederreiter> ? 10 : 20211113;
+
 template <class Distribution, class Engine>
 void register_pair(const std::string& name, const sycl::queue& queue, const Distribution& distribution) {
   using T = typename Distribution::result_type;
   register_fill<T>(
-      name, memory_bytes, [distribution, engine = Engine(queue, 20211113)](std::span<T> out) mutable {
+      name, memory_bytes,
+      [distribution, engine = Engine(queue, sample_seed<Engine>)](std::span<T> out) mutable {
         rng::generate(distribution, engine, static_cast<std::int64_t>(out.size()), out.data()).wait();
       });
 }

@@ -1,4 +1,4 @@
-// Every engine of the stream library, by name and identifier.
+// Every engine of the stream library.
 #pragma once
 
 #include <cstdint>
@@ -7,15 +7,15 @@
 
 namespace bench {
 
-struct engine {
-  const char* name;
-  std::int32_t id;
-};
-
-inline constexpr engine engines[] = {
-#define HVL_ENGINE(name) {#name, hvl::engines::name::about.identifier},
+inline constexpr hvl::engines::facts engines[] = {
+#define HVL_ENGINE(name) hvl::engines::name::about,
 #include "hvl/engines.def"
 #undef HVL_ENGINE
 };
+
+// Of a quasi-random engine it is the number of dimensions.
+constexpr std::uint64_t sample_seed(const hvl::engines::facts& engine) {
+  return engine.is_quasi_random ? 10 : 20211113;
+}
 
 } // namespace bench

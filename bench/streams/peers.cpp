@@ -5,9 +5,13 @@
 #include <gsl/gsl_rng.h>
 
 #include <array>
+#include <bit>
 #include <boost/random/mersenne_twister.hpp>
+#include <boost/random/niederreiter_base2.hpp>
+#include <boost/random/sobol.hpp>
 #include <memory>
 #include <random>
+#include <vector>
 
 #include "sizes.hpp"
 
@@ -164,6 +168,40 @@ struct dsfmt_fill {
   }
 };
 
+template <class Engine>
+struct boost_points {
+  Engine engine;
+
+  void operator()(std::span<std::uint32_t> out) {
+    engine.seed(); // or the sequence ends
+    for (std::uint32_t& word : out)
+      word = engine();
+  }
+};
+
+// The plain loop of a Gray code, point by point, as SciPy's Cython has it. The numbers do not matter.
+struct plain_sobol {
+  std::vector<std::array<std::uint32_t, 32>> numbers;
+  std::vector<std::uint32_t> words;
+
+  explicit plain_sobol(std::size_t dimensions) : numbers(dimensions), words(dimensions) {
+    std::mt19937 random;
+    for (auto& of_dimension : numbers)
+      for (std::uint32_t& number : of_dimension)
+        number = static_cast<std::uint32_t>(random());
+  }
+  void operator()(std::span<double> out) {
+    std::uint32_t point = 0;
+    for (std::size_t i = 0; i + words.size() <= out.size(); i += words.size(), ++point) {
+      const auto bit = static_cast<std::size_t>(std::countr_one(point));
+      for (std::size_t d = 0; d < words.size(); ++d)
+        out[i + d] = words[d] * 0x1p-32;
+      for (std::size_t d = 0; d < words.size(); ++d)
+        words[d] ^= numbers[d][bit];
+    }
+  }
+};
+
 template <class T, class Peer>
 void register_peer(const std::string& name, Peer peer) {
   register_fill<T>("peer/" + name, cached_bytes, peer);
@@ -180,6 +218,10 @@ void register_words_and_reals(const std::string& name, Peer peer) {
 
 void register_peers() {
   register_words_and_reals("std_mt19937", from_engine<std::mt19937>());
+  using first_mt2203 = // its first member
+      std::mersenne_twister_engine<std::uint32_t, 32, 69, 34, 5, 0xDB110000, 12, 0xFFFFFFFF, 7, 0xCDAAD780,
+                                   15, 0xEFC00000, 18, 1812433253>;
+  register_words_and_reals("std_mt2203", from_engine<first_mt2203>());
   register_words_and_reals("boost_mt19937", from_engine<boost::random::mt19937>());
   register_words_and_reals(
       "std_mcg31m1",
@@ -187,6 +229,16 @@ void register_peers() {
   register_words_and_reals("textbook_mrg32k3a", textbook_mrg32k3a());
   register_words_and_reals("textbook_wichmann_hill", textbook_wichmann_hill());
   register_words_and_reals("textbook_r250", textbook_r250());
+  for (const std::size_t dimensions : {1u, 10u, 1000u}) {
+    const std::string of = "/bits/dimensions:" + std::to_string(dimensions);
+    using sobol = boost::random::sobol_engine<std::uint32_t, 32>;
+    using niederreiter = boost::random::niederreiter_base2_engine<std::uint32_t, 32>;
+    register_peer<std::uint32_t>("boost_sobol" + of, boost_points<sobol>{sobol(dimensions)});
+    register_peer<std::uint32_t>("boost_niederreiter" + of,
+                                 boost_points<niederreiter>{niederreiter(dimensions)});
+    register_peer<double>("plain_sobol/double/dimensions:" + std::to_string(dimensions),
+                          plain_sobol(dimensions));
+  }
   register_peer<std::uint32_t>("random123_philox/bits", random123<r123::Philox4x32>());
   register_peer<float>("random123_philox/float", random123<r123::Philox4x32>());
 #if R123_USE_AES_NI

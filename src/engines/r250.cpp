@@ -21,7 +21,8 @@ void ring_traits<r250>::store(const std::uint32_t* words, int, const stream_hand
   record.position = 0;
 }
 
-int ring_traits<r250>::jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients) {
+int ring_traits<r250>::jump_polynomial(const definition_of<r250>::recurrence&, std::uint64_t distance,
+                                       std::uint32_t* coefficients) {
   return vqsR250JumpPolynomial(distance, coefficients);
 }
 

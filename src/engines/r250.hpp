@@ -10,7 +10,8 @@ template <>
 struct ring_traits<r250> {
   static int load(const stream_handle& stream, std::uint32_t* words);
   static void store(const std::uint32_t* words, int place, const stream_handle& stream);
-  static int jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients);
+  static int jump_polynomial(const definition_of<r250>::recurrence&, std::uint64_t distance,
+                             std::uint32_t* coefficients);
 };
 
 template <>

@@ -57,7 +57,8 @@ void ring_traits<sfmt19937>::store(const std::uint32_t* words, int place, const 
   record.position = static_cast<std::uint32_t>(block_words - rest);
 }
 
-int ring_traits<sfmt19937>::jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients) {
+int ring_traits<sfmt19937>::jump_polynomial(const definition_of<sfmt19937>::recurrence&,
+                                            std::uint64_t distance, std::uint32_t* coefficients) {
   return vqsSfmt19937JumpPolynomial(distance, coefficients);
 }
 

@@ -60,10 +60,14 @@ class engine_state {
 ///
 ///   attach: builds what lives on the device, once the stream is there (GPU backend only)
 ///   store: brings it back into the stream
+///   copy: takes over, from a settled engine, what its stream does not hold
+///   check_saved: throws where that cannot be saved
 template <class Engine>
 struct engine_extension {
   void attach(const sycl::queue&, const stream_handle&) {}
   void store(const stream_handle&) const {}
+  void copy(const engine_extension&) {}
+  void check_saved() const {}
 };
 
 /// The implementation behind an engine object.
@@ -76,8 +80,9 @@ class engine_base_impl : public engine_state {
       : engine_state(new_stream(identifier, count, words)) {}
 
   /// A deep copy of `other` as it stands after all its earlier calls.
-  explicit engine_base_impl(engine_base_impl* other)
-      : engine_state(copy_stream(other->up_to_date_stream())) {}
+  explicit engine_base_impl(engine_base_impl* other) : engine_state(copy_stream(other->up_to_date_stream())) {
+    extension_.copy(other->extension_);
+  }
 
   /// Takes over a stream.
   explicit engine_base_impl(stream_handle stream) : engine_state(std::move(stream)) {}

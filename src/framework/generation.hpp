@@ -29,6 +29,24 @@ sycl::event generate_on_host(engine_state& state, sycl::queue& queue, const Dist
   return event;
 }
 
+/// The kernel of an engine whose words follow from a position, behind another event where there is one.
+template <class Engine, class Transform, class Target>
+sycl::event submit_at_position(sycl::queue& queue, const typename definition_of<Engine>::state& state,
+                               const sycl::event* after, const Transform& transform, std::int64_t n,
+                               const Target& target) {
+  return queue.submit([&](sycl::handler& handler) {
+    auto output = target.template on_device<typename Transform::result_type>(handler, n);
+    if (after != nullptr)
+      handler.depends_on(*after);
+    using func = gpu::engine_func<Engine, typename Transform::result_type, typename Transform::uniform_type,
+                                  Transform, decltype(output)>;
+    const func kernel(output, state, transform, n);
+    if (n > 0)
+      handler.parallel_for(sycl::range<1>(static_cast<std::size_t>((n + func::width - 1) / func::width)),
+                           kernel);
+  });
+}
+
 /// How an engine whose words follow from a position generates on a GPU device. The kernel has a copy of the state; the
 /// stream advances once it is submitted, so that the next call need not wait. Engines with a way of their own specialise
 /// `engine_generation`.
@@ -39,18 +57,11 @@ struct generation_at_position {
   template <class Transform, class Target>
   static sycl::event submit(engine_base_impl<Engine>& impl, sycl::queue& queue, const Transform& transform,
                             std::uint64_t words, std::int64_t n, const Target& target) {
-    sycl::event event = queue.submit([&](sycl::handler& handler) {
-      auto output = target.template on_device<typename Transform::result_type>(handler, n);
-      using func = gpu::engine_func<Engine, typename Transform::result_type, typename Transform::uniform_type,
-                                    Transform, decltype(output)>;
-      const func kernel(output,
-                        definition_of<Engine>::state_of(
-                            impl.stream().template record<typename definition_of<Engine>::record>()),
-                        transform, n);
-      if (n > 0)
-        handler.parallel_for(sycl::range<1>(static_cast<std::size_t>((n + func::width - 1) / func::width)),
-                             kernel);
-    });
+    sycl::event event = submit_at_position<Engine>(
+        queue,
+        definition_of<Engine>::state_of(
+            impl.stream().template record<typename definition_of<Engine>::record>()),
+        nullptr, transform, n, target);
     impl.skip_ahead(words);
     return event;
   }

@@ -15,6 +15,14 @@ inline void check_state_status(int status, const char* function, const std::stri
     throw computation_error("rng", function, failure + ": " + vqsStatusText(status));
 }
 
+/// The stream with all of the engine's state.
+template <class Engine>
+const stream_handle& stream_to_save(Engine& engine) {
+  auto& impl = engine_access::impl<Engine>(engine, "save_state");
+  impl.extension().check_saved();
+  return impl.up_to_date_stream();
+}
+
 /// A new engine on `queue` around the stream that `load` makes.
 template <class Engine, class Load>
 Engine load_engine(const sycl::queue& queue, const std::string& failure, Load load) {
@@ -41,14 +49,14 @@ std::int64_t get_state_size(Engine& engine) {
 
 template <class Engine>
 void save_state(Engine& engine, unsigned char* mem) {
-  auto& stream = detail::engine_access::impl<Engine>(engine, "save_state").up_to_date_stream();
+  const auto& stream = detail::stream_to_save(engine);
   detail::check_state_status(vqsSaveStreamM_64(stream.get(), mem), "save_state",
                              "failed to save state to the memory");
 }
 
 template <class Engine>
 void save_state(Engine& engine, const std::string& filename) {
-  auto& stream = detail::engine_access::impl<Engine>(engine, "save_state").up_to_date_stream();
+  const auto& stream = detail::stream_to_save(engine);
   detail::check_state_status(vqsSaveStreamF_64(stream.get(), filename.c_str()), "save_state",
                              "failed to save state to the file: " + filename);
 }

@@ -10,8 +10,11 @@
 
 #include "engines/mrg32k3a.hpp"
 #include "engines/mt19937.hpp"
+#include "engines/mt2203.hpp"
+#include "engines/niederreiter.hpp"
 #include "engines/r250.hpp"
 #include "engines/sfmt19937.hpp"
+#include "engines/sobol.hpp"
 #include "framework/distribution_impl.hpp"
 #include "offload/create_engine.hpp"
 

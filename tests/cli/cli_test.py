@@ -114,6 +114,10 @@ class Numbers(unittest.TestCase):
         self.assertAlmostEqual(sum(values) / 10000, 3, delta=0.2) # six standard errors
         self.assertEqual(values, struct.unpack("<10000I", raw("-n", "10k", "-d", "geometric", "--p", "0.25", "-t",
                                                               "uint32")))
+        means = struct.unpack("<10000i", raw("-n", "10k", "-d", "poisson_v", "--lambda", "0,1000000"))
+        self.assertEqual(set(means[::2]), {0})
+        self.assertGreater(min(means[1::2]), 990000)
+        self.assertEqual(set(raw("-n", "1k", "-d", "bernoulli", "--p", "1")), {0, 1})
         gamma = ("-n", "10k", "-d", "gamma", "--alpha", "3", "--a", "-1", "--beta", "2")
         values = struct.unpack("<10000f", raw(*gamma))
         self.assertGreater(min(values), -1)
@@ -183,6 +187,7 @@ class Refusals(unittest.TestCase):
                 *(("--count " + (count or "''"), "-n", count)
                   for count in ("", "010", "0x10", " 1", "1e", "1e06", "1e20", "5kk", "k", "1.5", str(2**64))),
                 ("--output", "-n", "1", "-o", ""), ("--skip -1", "-n", "1", "--skip", "-1"), ("--skip 010", "-n", "1", "--skip", "010"),
+                ("--skip 2: r250 cannot skip", "-n", "1", "-e", "r250", "--skip", "2"),
                 ("--seed 4294967296: the words of a list have 32 bits", "-n", "1", "-s", "1,4294967296"),
                 ("--seed 4294967296: the seed of mcg31m1 has 32 bits", "-n", "1", "-e", "mcg31m1", "-s", "4294967296"),
                 *((f"--member {member}: kestro::hvl::rng::wichmann_hill: invalid argument: engine_idx is out of range [0, 273)", "-n", "1",
@@ -195,6 +200,8 @@ class Refusals(unittest.TestCase):
                 *(("--mode " + mode[:6], "-n", "1", "-e", "mrg32k3a", "--mode", mode)
                   for mode in ("fast", "custom", "custom:", "custom:-1", "custom:4294967296", "optimal:3")),
                 ("--p 1.5: kestro::hvl::rng::geometric: invalid argument: p is not in (0, 1]", "-n", "1", "-d", "geometric", "--p", "1.5"),
+                ("--lambda -1: kestro::hvl::rng::poisson: invalid argument: lambda < 0", "-n", "1", "-d", "poisson", "--lambda", "-1"),
+                ("--lambda : not a number", "-n", "1", "-d", "poisson_v", "--lambda", "1,,2"),
                 ("--alpha 0: kestro::hvl::rng::gamma: invalid argument: alpha <= 0", "-n", "1", "-d", "gamma", "--alpha", "0"),
                 ("--method icdf: geometric has no choice", "-n", "1", "-d", "geometric", "-m", "icdf"),
                 ("--beta", "-n", "1", "--beta", "2"), ("--a one", "-n", "1", "--a", "one"),
@@ -241,6 +248,7 @@ class Lists(unittest.TestCase):
     def test_everything_listed_is_understood_and_the_same_on_both_devices(self):
         engines, distributions = run("list").stdout.decode().split("\n\n")
         self.assertRegex(engines, r"\n  wichmann_hill +leapfrog +--member 0 \.\.\. 272(\n|$)")
+        self.assertRegex(engines, r"\n  sobol +--seed DIMENSIONS\n")
         self.assertRegex(engines, r"\n  mrg32k3a +--mode standard\|optimal\|custom:N\n")
         has_bits = {words[0]: "uniform_bits" in words for words in map(str.split, engines.splitlines()[1:])}
         engines = list(has_bits)

@@ -141,6 +141,42 @@ class Pictures(unittest.TestCase):
                     elif high < largest:
                         self.assertAlmostEqual(height, p * (1 - p) ** k, delta=1e-5 * p)
 
+    def test_poisson_numbers_lie_under_their_probability(self):
+        def cdf(means, k):
+            return sum(math.fsum(math.exp(i * math.log(mean) - mean - math.lgamma(i + 1)) for i in range(k + 1))
+                       for mean in means) / len(means)
+        for name, means in (("poisson", (0.5,)), ("poisson", (40.0,)), ("poisson_v", (3.0, 25.0))):
+            with self.subTest(means=means):
+                _, bars, law = script("-n", str(self.COUNT), "-d", name, "--lambda", ",".join(map(str, means)))
+                for (low, high, height), (_, exact) in zip(bars, law, strict=True):
+                    share = cdf(means, math.ceil(high) - 1) - cdf(means, math.ceil(low) - 1)
+                    slack = 6 * math.sqrt(share / self.COUNT) + 1e-5
+                    self.assertLess(abs(height * (high - low) - share), slack, (low, high))
+                    if high - low == 1:
+                        self.assertAlmostEqual(exact, share, delta=1e-5)
+
+    def test_bernoulli_has_two_bars(self):
+        _, bars, law = script("-n", str(self.COUNT), "-d", "bernoulli", "--p", "0.25")
+        self.assertEqual([(low, high) for low, high, _ in bars], [(-0.5, 0.5), (0.5, 1.5)])
+        self.assertEqual([height for _, height in law], [0.75, 0.25])
+        self.assertAlmostEqual(bars[1][2], 0.25, delta=6 * math.sqrt(0.1875 / self.COUNT))
+
+    def test_points_are_consecutive_pairs(self):
+        for named, *options in (("philox4x32x10, seed 7", "-s", "7"), ("sobol, dimensions 2", "-e", "sobol", "-s", "2")):
+            numbers = run("generate", "-n", "600", *options).stdout.split()
+            text = run_with_gnuplot("exec /bin/cat", "--scatter", "-n", "600", *options).stdout.decode()
+            self.assertIn(f'of {named}"', text)
+            drawn = re.search(r"<< END\n(.*?)END\n", text, re.DOTALL)[1].split()
+            self.assertEqual(len(drawn), 600)
+            for actual, expected in zip(drawn, numbers):
+                self.assertAlmostEqual(float(actual), float(expected), delta=1e-7)
+        unasked = run_with_gnuplot("exec /bin/cat", "--scatter").stdout.decode()
+        self.assertEqual(unasked.count("\n"), text.count("\n") + 200)
+        with tempfile.TemporaryDirectory() as folder:
+            file = pathlib.Path(folder, "points.svg")
+            self.assertEqual(run("plot", "--scatter", "-n", "512", "-e", "sobol", "-s", "2", "-o", file).returncode, 0)
+            self.assertEqual(file.read_text().count("<use xlink:href='#gpPt6'"), 256)
+
     def test_a_heavy_tail_does_not_squeeze_the_rest(self):
         _, bars, _ = script("-d", "cauchy", "-n", "1M")
         self.assertTrue(8 < bars[-1][1] < 20 and -20 < bars[0][0] < -8, bars)
@@ -194,6 +230,9 @@ class Refusals(unittest.TestCase):
                 ("--count", "-n", "many"), ("--distribution", "-d", "nothing"),
                 ("--distribution bits", "-d", "bits"), ("--stddev 0", "-d", "gaussian", "--stddev", "0"),
                 ("--beta 2: gaussian has --mean, --stddev", "-d", "gaussian", "--beta", "2"),
+                ("--count 1: points are drawn of 2", "--scatter", "-n", "1"),
+                ("--seed 0: kestro::hvl::rng::sobol: invalid argument: dimensions is out of range [1, 21201]", "-e",
+                 "sobol", "-s", "0"),
                 ("--engine", "-e", "nothing"), ("--format", "--format", "raw")):
             self.assert_refused(USAGE, named, run("plot", *arguments))
 

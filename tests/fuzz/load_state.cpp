@@ -12,11 +12,21 @@
 
 namespace hvl::streams {
 
-// Jumps are no part of what is fuzzed, so the vector units are not linked.
-const kernel_set* kernels_for(int) noexcept {
-  return nullptr;
+// Jumps are no part of what is fuzzed: of the vector units only what draws from digital sequences is here.
+const kernel_set scalar::kernels = [] {
+  kernel_set kernels{};
+  kernels.next_row = [](std::uint32_t* out, std::uint32_t* row, const std::uint32_t* change,
+                        std::size_t words) noexcept {
+    for (std::size_t i = 0; i < words; ++i) {
+      out[i] = row[i];
+      row[i] ^= change[i];
+    }
+  };
+  return kernels;
+}();
+const kernel_set& best_kernels() noexcept {
+  return scalar::kernels;
 }
-const kernel_set scalar::kernels = {};
 
 namespace {
 
@@ -31,9 +41,9 @@ void seal(bytes& state) {
 // A state of the engine that `selector` names, overwritten from a place on.
 bytes patched(std::uint8_t selector, std::size_t place, std::span<const std::uint8_t> patch) {
   const engine& e = *all_engines()[selector % all_engines().size()];
-  const record_pointer record = new_record(e, e.identifier);
-  e.seed(record.get(), 1);
-  bytes state(saved_state_bytes(e));
+  record_pointer record = new_record(e, e.identifier);
+  e.seed(record, 1);
+  bytes state(saved_state_bytes(e, record.get()));
   encode_state(e, record.get(), state);
   for (std::size_t i = 0; i < patch.size(); ++i)
     state[(place + i) % state.size()] = patch[i];
@@ -50,7 +60,7 @@ void decode(std::span<const std::uint8_t> state) {
   const engine* e = engine_of(record.get());
   if (e == nullptr || !e->in_range(record.get()))
     std::abort();
-  bytes again(saved_state_bytes(*e));
+  bytes again(saved_state_bytes(*e, record.get()));
   encode_state(*e, record.get(), again);
   const bool is_current = state[4] == again[4];
   if (is_current && !std::equal(again.begin(), again.end(), state.begin(), state.end()))

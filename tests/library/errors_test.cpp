@@ -12,7 +12,7 @@ TYPED_TEST_SUITE(errors_test, all_engines, engine_names);
 
 TYPED_TEST(errors_test, bad_arguments_leave_the_engine_where_it_was) {
   on_every_device([](sycl::queue& queue) {
-    TypeParam engine(queue, 1), untouched = engine;
+    TypeParam engine = seeded<TypeParam>(queue, 1), untouched = engine;
     float value = 0;
     std::vector<float> memory(10, 7.0f);
     {
@@ -33,14 +33,14 @@ TYPED_TEST(errors_test, bad_arguments_leave_the_engine_where_it_was) {
 TYPED_TEST(errors_test, a_device_that_is_neither_cpu_nor_gpu_is_refused) {
   const sycl::device accelerator(sycl::accelerator_selector_v);
   const sycl::queue queue(accelerator);
-  EXPECT_EQ(refusal<unsupported_device>([&] { TypeParam engine(queue, 1); }),
+  EXPECT_EQ(refusal<unsupported_device>([&] { TypeParam engine = seeded<TypeParam>(queue, 1); }),
             "kestro::hvl::rng::" + engine_names::GetName<TypeParam>(0) +
                 ": unsupported device: " + accelerator.get_info<sycl::info::device::name>());
 }
 
 TYPED_TEST(errors_test, a_moved_from_engine_holds_nothing) {
   auto queue = devices()[0].queue;
-  TypeParam source(queue, 1);
+  TypeParam source = seeded<TypeParam>(queue, 1);
   const TypeParam target = std::move(source);
   float value;
   EXPECT_EQ(refusal<invalid_argument>([&] { generate(uniform<float>(), source, 1, &value); }),
@@ -59,7 +59,7 @@ TYPED_TEST(errors_test, a_pair_that_is_not_offered_is_refused_by_name) {
   const std::string name = engine_names::GetName<TypeParam>(0);
   const bool has_bits = facts_of<TypeParam>().has_uniform_bits;
   on_every_device([&](sycl::queue& queue) {
-    TypeParam engine(queue, 1), untouched = engine;
+    TypeParam engine = seeded<TypeParam>(queue, 1), untouched = engine;
     const std::string text =
         "kestro::hvl::rng::generate: unimplemented functionality: uniform_bits distribution and " + name +
         " engine combination";

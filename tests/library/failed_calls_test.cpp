@@ -39,7 +39,7 @@ TYPED_TEST_SUITE(failed_calls_test, all_engines, engine_names);
 
 TYPED_TEST(failed_calls_test, lose_nothing) {
   on_every_device([](sycl::queue& queue) {
-    TypeParam engine(queue, 5);
+    TypeParam engine = seeded<TypeParam>(queue, 5);
     usm_values(bits<>(), engine, queue, 3);
     expect_nothing_lost(uniform<float>(), engine, queue, 100);
   });

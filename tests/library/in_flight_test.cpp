@@ -15,7 +15,7 @@ constexpr std::int64_t n = 5000;
 
 template <class Engine>
 std::vector<std::uint32_t> sequence(sycl::queue& queue, std::int64_t count) {
-  Engine engine(queue, 11);
+  Engine engine = seeded<Engine>(queue, 11);
   return usm_values(bits<>(), engine, queue, count);
 }
 
@@ -29,7 +29,7 @@ TYPED_TEST(in_flight_test, calls_take_effect_in_call_order_and_outlive_their_eng
       sycl::queue other(queue.get_device());
       gate first(other), second(other);
       {
-        TypeParam engine(work, 11);
+        TypeParam engine = seeded<TypeParam>(work, 11);
         generate(bits<>(), engine, n, r, {first.event()});
         generate(bits<>(), engine, n, r + n, {second.event()});
         generate(bits<>(), engine, n, r + 2 * n);
@@ -50,7 +50,7 @@ TYPED_TEST(in_flight_test, copies_and_skips_see_the_state_behind_the_work) {
     auto* r = sycl::malloc_shared<std::uint32_t>(n, queue);
     sycl::queue other(queue.get_device());
     gate closed(other);
-    TypeParam engine(queue, 11);
+    TypeParam engine = seeded<TypeParam>(queue, 11);
     generate(bits<>(), engine, n, r, {closed.event()});
     const ::hvl::test::open_when_waited_for opener([&] { closed.open(); });
     TypeParam copied = engine;
@@ -71,7 +71,7 @@ TYPED_TEST(in_flight_test, two_engines_in_two_threads_do_not_meet) {
   on_every_device([](sycl::queue& queue) {
     const auto expected = sequence<TypeParam>(queue, 200 * 37);
     const auto make = [&](std::vector<std::uint32_t>& values) {
-      TypeParam engine(queue, 11);
+      TypeParam engine = seeded<TypeParam>(queue, 11);
       auto* r = sycl::malloc_shared<std::uint32_t>(200 * 37, queue);
       for (int i = 0; i < 200; ++i)
         generate(bits<>(), engine, 37, r + 37 * i);

@@ -13,7 +13,7 @@ const std::vector<std::int64_t> sizes = {1, 0, 2, 3, 4, 5, 7, 64, 63, 129, 1000,
 
 TYPED_TEST(properties_test, any_split_gives_the_same_numbers) {
   on_every_device([](sycl::queue& queue) {
-    TypeParam whole(queue, 12345), split = whole;
+    TypeParam whole = seeded<TypeParam>(queue, 12345), split = whole;
     std::int64_t total = 0;
     for (const std::int64_t n : sizes)
       total += n;
@@ -36,7 +36,7 @@ TYPED_TEST(properties_test, long_calls_are_the_same_on_every_device) {
   constexpr std::int64_t n = (std::int64_t{1} << 23) + 7;
   std::vector<std::vector<std::uint32_t>> values;
   on_every_device([&](sycl::queue& queue) {
-    TypeParam engine(queue, 2468);
+    TypeParam engine = seeded<TypeParam>(queue, 2468);
     auto long_one = usm_values(bits<>(), engine, queue, 3);
     for (const std::int64_t count : {n, std::int64_t{100}}) {
       const auto part = usm_values(bits<>(), engine, queue, count);
@@ -54,7 +54,7 @@ TYPED_TEST(properties_test, a_skip_equals_discarding) {
     on_every_device([](sycl::queue& queue) {
       for (const std::int64_t distance : {0, 1, 3, 223, 224, 225, 624, 9973, 100003}) {
         SCOPED_TRACE(distance);
-        TypeParam stepped(queue, 77);
+        TypeParam stepped = seeded<TypeParam>(queue, 77);
         usm_values(bits<>(), stepped, queue, 5);
         TypeParam skipped = stepped;
         if (distance != 0)
@@ -72,7 +72,7 @@ TYPED_TEST(properties_test, far_skips_add_up) {
   } else {
     on_every_device([](sycl::queue& queue) {
       const std::uint64_t far = std::uint64_t{1} << 62, near = 123456789;
-      TypeParam one(queue, 9), two = one;
+      TypeParam one = seeded<TypeParam>(queue, 9), two = one;
       one.skip_ahead(far + near);
       two.skip_ahead(near);
       two.skip_ahead(far);
@@ -83,10 +83,10 @@ TYPED_TEST(properties_test, far_skips_add_up) {
 
 TYPED_TEST(properties_test, a_copy_continues_on_its_own) {
   on_every_device([](sycl::queue& queue) {
-    TypeParam original(queue, 5);
+    TypeParam original = seeded<TypeParam>(queue, 5);
     usm_values(bits<>(), original, queue, 1001);
     TypeParam copied = original;
-    TypeParam assigned(queue, 6);
+    TypeParam assigned = seeded<TypeParam>(queue, 6);
     assigned = original;
     TypeParam reference = original;
     const auto expected = usm_values(bits<>(), reference, queue, 2000);
@@ -105,7 +105,7 @@ TYPED_TEST(properties_test, a_saved_state_continues_on_any_device) {
   for (const std::int64_t consumed : {0, 1, 2, 3, 4, 623, 624, 625, 1000, 1248}) {
     SCOPED_TRACE(consumed);
     on_every_device([&](sycl::queue& queue) {
-      TypeParam engine(queue, 4242);
+      TypeParam engine = seeded<TypeParam>(queue, 4242);
       if (consumed != 0)
         usm_values(bits<>(), engine, queue, consumed);
       std::vector<unsigned char> state(static_cast<std::size_t>(get_state_size(engine)) + 8, 0xEE);
@@ -126,7 +126,7 @@ TYPED_TEST(properties_test, leapfrog_takes_every_stride_th_value) {
     GTEST_SKIP() << "has no leapfrog";
   } else {
     on_every_device([](sycl::queue& queue) {
-      TypeParam whole(queue, 31);
+      TypeParam whole = seeded<TypeParam>(queue, 31);
       usm_values(bits<>(), whole, queue, 3);
       TypeParam leaping = whole;
       const std::uint64_t stride = 5;
@@ -148,7 +148,7 @@ TYPED_TEST(properties_test, skips_beyond_64_bits_wrap_like_steps) {
     GTEST_SKIP() << "skips by one word only";
   } else {
     on_every_device([](sycl::queue& queue) {
-      TypeParam one(queue, 8), two = one;
+      TypeParam one = seeded<TypeParam>(queue, 8), two = one;
       one.skip_ahead({5, 3});
       two.skip_ahead(5);
       for (int i = 0; i < 3; ++i) {

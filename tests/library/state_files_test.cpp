@@ -36,7 +36,7 @@ TYPED_TEST_SUITE(state_files_test, all_engines, engine_names);
 TYPED_TEST(state_files_test, file_and_memory_hold_the_same_bytes) {
   const folder temporary;
   on_every_device([&](sycl::queue& queue) {
-    TypeParam engine(queue, 15);
+    TypeParam engine = seeded<TypeParam>(queue, 15);
     usm_values(bits<>(), engine, queue, 77);
     save_state(engine, temporary.file("state"));
     std::vector<unsigned char> memory(static_cast<std::size_t>(get_state_size(engine)));
@@ -52,7 +52,7 @@ TYPED_TEST(state_files_test, file_and_memory_hold_the_same_bytes) {
 TYPED_TEST(state_files_test, damaged_and_foreign_states_are_refused) {
   const folder temporary;
   auto queue = devices()[0].queue;
-  TypeParam engine(queue, 15);
+  TypeParam engine = seeded<TypeParam>(queue, 15);
   const std::string name = temporary.file("state");
   save_state(engine, name);
   const auto good = content(name);
@@ -96,7 +96,7 @@ TYPED_TEST(state_files_test, damaged_and_foreign_states_are_refused) {
 
 TYPED_TEST(state_files_test, a_failed_save_says_so) {
   auto queue = devices()[0].queue;
-  TypeParam engine(queue, 15);
+  TypeParam engine = seeded<TypeParam>(queue, 15);
   EXPECT_EQ(refusal<computation_error>([&] { save_state(engine, "/nonexistent/folder/state"); }),
             "kestro::hvl::rng::save_state: computation error: failed to save state to the file: "
             "/nonexistent/folder/state: there is no such file or folder");

@@ -138,6 +138,12 @@ const ::hvl::engines::facts& facts_of() {
 #undef KESTRO_HVL_ENGINE
 }
 
+/// Of a quasi-random engine a seed is the number of dimensions: then some, as the seed says.
+template <class Engine>
+Engine seeded(sycl::queue queue, std::uint32_t seed) {
+  return Engine(queue, facts_of<Engine>().is_quasi_random ? 1 + seed % 17 : seed);
+}
+
 /// Names the instances of a typed suite.
 struct engine_names {
   template <class Engine>

@@ -90,7 +90,8 @@ static const struct {
 
 static const int32_t engines[] = {
     VQS_ENGINE_PHILOX4X32X10, VQS_ENGINE_MRG32K3A, VQS_ENGINE_MCG31M1,       VQS_ENGINE_MCG59,
-    VQS_ENGINE_MT19937,       VQS_ENGINE_ARS5,     VQS_ENGINE_WICHMANN_HILL, VQS_ENGINE_WICHMANN_HILL + 272};
+    VQS_ENGINE_MT19937,       VQS_ENGINE_ARS5,     VQS_ENGINE_WICHMANN_HILL, VQS_ENGINE_WICHMANN_HILL + 272,
+    VQS_ENGINE_SOBOL,         VQS_ENGINE_NIEDERREITER};
 
 /* The offloaded piece and, behind it, the one that the host makes; each odd, so that neither ends with a block. */
 static const int64_t lengths[] = {0, 1, 5, 1001, 70001};

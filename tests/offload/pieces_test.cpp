@@ -2,13 +2,16 @@
 #include "offload/catch_and_report.hpp"
 #include "offload/completion_threads.hpp"
 #include "offload/create_engine.hpp"
-#include "offload/state_conversion.hpp"
+#include "offload/generator.hpp"
+
+#include "engines/digital_state.hpp"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -152,27 +155,31 @@ TEST(create_engine, does_not_look_at_a_failed_copy_of_a_stream) {
 
 constexpr std::uint32_t poison = 0xA5A5A5A5;
 
-TEST(mt2203_conversion, writes_the_live_words_once_the_device_is_done) {
-  sycl::queue queue;
-  for (const std::uint32_t position : {0u, 33u, 100u}) {
-    std::vector<std::uint32_t> ring(mt2203_ring_words + 1, poison), record(80, poison);
-    record[74] = 0x1234; // the twist constant
-    mt2203_gpu_state engine{ring.data(), queue.submit([&](sycl::handler& handler) {
-                              handler.host_task([&ring, position] {
-                                ::hvl::test::let_others_run();
-                                for (std::uint32_t k = 0; k < mt2203_ring_words; ++k)
-                                  ring[(position + k) % mt2203_ring_words] = 1000 + k;
-                                ring[mt2203_ring_words] = position;
-                              });
-                            })};
-    mt2203_gpu_state_to_vqs_stream(engine, record.data());
-    for (std::uint32_t word = 0; word < record.size(); ++word) {
-      const std::uint32_t expected = word >= 4 && word < 73 ? 1000 + word - 4
-                                     : word == 73           ? 69
-                                     : word == 74           ? 0x1234
-                                                            : poison;
-      EXPECT_EQ(record[word], expected) << "position " << position << ", word " << word;
+TEST(mt2203_conversion, writes_the_words_before_the_devices_position) {
+  sycl::queue queue(sycl::gpu_selector_v);
+  std::vector<std::uint32_t> values(1000);
+  mt2203 engine(queue, 7, 77);
+  auto& impl = engine_access::impl<mt2203>(engine, "test");
+  for (const std::int64_t n : {1, 68, 69, 1000}) {
+    sycl::buffer<std::uint32_t, 1> buffer(values.data(), static_cast<std::size_t>(n));
+    generate(bits<>(), engine, n, buffer);
+    vqs_stream stream = nullptr;
+    ASSERT_EQ(vqsNewStream_64(&stream, VQS_ENGINE_MT2203 + 77, 99), VQS_STATUS_OK);
+    const stream_handle owner(stream);
+    auto& record = owner.record<vqs_mt2203_record>();
+    const auto before = record;
+    ring_state_to_stream(impl, stream);
+    EXPECT_EQ(record.position, 69u);
+    EXPECT_EQ(record.matrix, before.matrix);
+    EXPECT_EQ(std::memcmp(&record.header, &before.header, sizeof before.header), 0);
+    std::vector<std::uint32_t> on_host(200), on_device(200);
+    ASSERT_EQ(viRngUniformBits_64(0, stream, 200, on_host.data()), VQS_STATUS_OK);
+    mt2203 copy = engine;
+    {
+      sycl::buffer<std::uint32_t, 1> output(on_device.data(), on_device.size());
+      generate(bits<>(), copy, 200, output);
     }
+    EXPECT_EQ(on_host, on_device);
   }
 }
 
@@ -180,9 +187,9 @@ TEST(mt2203_conversion, writes_the_live_words_once_the_device_is_done) {
 std::vector<std::uint32_t> sobol_record(std::uint32_t dimensions) {
   std::vector<std::uint32_t> record(64 + 33 * dimensions, poison);
   record[4] = 500; // the next point
-  record[5] = dimensions;
-  record[6] = 2; // the next coordinate
-  record[7] = 9; // the first point
+  record[5] = 2;   // the next coordinate
+  record[6] = dimensions;
+  record[7] = 1; // numbers of the caller's own
   for (std::uint32_t d = 0; d < dimensions; ++d)
     for (std::uint32_t k = 0; k < 32; ++k)
       record[64 + 33 * d + k] = (d + 1) * 0x01000193 ^ 0x80000000 >> k;
@@ -198,8 +205,7 @@ TEST(sobol_conversion, takes_over_the_position_and_the_direction_numbers) {
   EXPECT_EQ(engine.dimensions, 5u);
   EXPECT_EQ(engine.point, 500u);
   EXPECT_EQ(engine.coordinate, 2u);
-  EXPECT_EQ(engine.first_point, 9u);
-  EXPECT_EQ(engine.origin, 9u);
+  EXPECT_EQ(engine.own, 1u);
   for (std::uint32_t d = 0; d < 5; ++d) {
     const std::uint32_t* v = &record[64 + 33 * d];
     for (std::uint32_t k = 0; k < 32; ++k)

@@ -173,7 +173,7 @@ void add_pins(std::vector<pin>& pins, const std::string& name, Engine (*make)(co
 std::vector<pin> all_pins() {
   std::vector<pin> pins;
 #define KESTRO_HVL_ENGINE(name)                                                                              \
-  add_pins<name>(pins, #name, [](const sycl::queue& q) { return name(q, 20211113); });
+  add_pins<name>(pins, #name, [](const sycl::queue& q) { return seeded<name>(q, 20211113); });
 #include <kestro/hvl/rng/detail/engines.def>
 #undef KESTRO_HVL_ENGINE
   add_pins<mrg32k3a>(pins, "mrg32k3a/optimal",

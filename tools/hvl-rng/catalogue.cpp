@@ -31,7 +31,9 @@ constexpr std::string_view distribution_spellings[] = {
 template <class Engine>
 engine_entry describe_engine(std::size_t index) {
   const ::hvl::engines::facts& about = engine_facts[index];
-  return {about.name, about.has_uniform_bits, about.has_leapfrog, about.members, takes_mode<Engine>, index};
+  return {about.name,    about.has_uniform_bits, about.has_leapfrog,
+          about.members, takes_mode<Engine>,     about.is_quasi_random,
+          index};
 }
 
 // ---- Distributions
@@ -53,7 +55,7 @@ distribution_entry describe(std::string_view spelling, std::size_t index) {
   std::vector<parameter_entry> parameters;
   std::apply(
       [&](const auto&... parameter) {
-        const auto add = [&](const auto& one) {
+        [[maybe_unused]] const auto add = [&](const auto& one) {
           const auto by_default = (Distribution().*one.accessor)();
           using text = parameter_text<std::remove_const_t<decltype(by_default)>>;
           parameters.push_back({one.name, text::of(by_default)});
@@ -103,7 +105,7 @@ std::unique_ptr<source> join(const source_order& order) {
   auto distribution = make_distribution<Distribution>(order.distribution.name, order.parameters);
   auto engine = make_engine<Engine>(order.queue, order.engine.name.c_str(), order.start);
   if (order.start.skip != 0)
-    engine.skip_ahead(order.start.skip);
+    skip(engine, order.engine.name, order.start.skip);
   return std::make_unique<joined_source<Engine, Distribution>>(std::move(engine), std::move(distribution));
 }
 

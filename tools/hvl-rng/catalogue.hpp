@@ -38,6 +38,7 @@ struct engine_entry {
   bool has_leapfrog;
   std::int32_t members; // 1 where there is no choice
   bool has_modes;
+  bool is_quasi_random; // its seed is a number of dimensions
   std::size_t index;
 };
 

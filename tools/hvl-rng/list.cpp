@@ -21,8 +21,9 @@ void list_catalogue() {
   std::string text = "engines\n";
   const auto to = std::back_inserter(text);
   for (const engine_entry& engine : engines())
-    fmt::format_to(to, "  {:<14}{}{}{}{}\n", engine.name, engine.has_uniform_bits ? "  uniform_bits" : "",
+    fmt::format_to(to, "  {:<14}{}{}{}{}{}\n", engine.name, engine.has_uniform_bits ? "  uniform_bits" : "",
                    engine.has_leapfrog ? "  leapfrog" : "",
+                   engine.is_quasi_random ? "  --seed DIMENSIONS" : "",
                    engine.members > 1 ? fmt::format("  --member 0 ... {}", engine.members - 1) : "",
                    engine.has_modes ? "  --mode standard|optimal|custom:N" : "");
   text += "\ndistributions (* where --type and --method say nothing, + where --method does)\n";

@@ -56,12 +56,15 @@ CLI::Option* add_text(CLI::App& verb, const char* names, std::string& value, con
 
 void add_source(CLI::App& verb, source_options& options, raw_options& given) {
   add_text(verb, "-e,--engine", options.engine, "NAME", "the engine");
-  add_text(verb, "-s,--seed", given.seed, "SEED", "one seed, or a list of 32-bit words separated by commas");
+  add_text(verb, "-s,--seed", given.seed, "SEED",
+           "one seed, or a list of 32-bit words separated by commas; a quasi-random engine (sobol, "
+           "niederreiter) has no "
+           "seed: then it is the number of dimensions, whose coordinates the numbers take in turn");
   add_text(verb, "--skip", given.skip, "N", "outputs of the engine to skip first");
   verb.add_option_function<std::string>(
           "--member",
           [&start = options.start](const std::string& text) { start.member = read_count("--member", text); },
-          "which member of an engine that has several, such as wichmann_hill")
+          "which member of an engine that has several, such as mt2203")
       ->type_name("N");
   add_text(verb, "--mode", options.start.mode, "MODE",
            "how mrg32k3a orders its sequence: standard, optimal, or custom:N for N substreams");
@@ -103,14 +106,18 @@ void add_generate(CLI::App& app, generate_options& options, raw_options& given) 
   });
 }
 
-void add_plot(CLI::App& app, source_options& options, raw_options& given) {
+void add_plot(CLI::App& app, plot_options& options, raw_options& given) {
   CLI::App* verb =
       app.add_subcommand("plot", "Draw a histogram of random numbers and the exact density (needs gnuplot)");
   given.count = "1M";
-  add_text(*verb, "-n,--count", given.count, "N", count_help);
+  CLI::Option* count_option = add_text(*verb, "-n,--count", given.count, "N", count_help);
+  verb->add_flag("--scatter", options.as_points,
+                 "draw each pair of numbers as a point instead (1000 numbers)");
   add_source(*verb, options, given);
   add_output(*verb, options, "a file, .svg or .png; text to standard output otherwise");
-  verb->callback([&options, &given] {
+  verb->callback([&options, &given, count_option] {
+    if (options.as_points && count_option->empty())
+      given.count = "1000";
     options.count = read_count("--count", given.count);
     read_source(given, options);
     plot_numbers(options);
@@ -136,7 +143,7 @@ int run(int count, char** words) {
   app.footer(footer);
 
   generate_options generated;
-  source_options plotted;
+  plot_options plotted;
   raw_options given_to_generate, given_to_plot;
   std::string trace;
   add_generate(app, generated, given_to_generate);

@@ -17,8 +17,11 @@
 namespace hvl_rng {
 namespace {
 
-// Fewer make no histogram; more would only fill memory, for the bars move by less than a pixel.
-constexpr std::uint64_t fewest_numbers = 100, most_numbers = 100'000'000;
+// Fewer make no picture. More would only fill memory, for the bars move by less than a pixel and points cover each other.
+struct number_range {
+  std::uint64_t fewest, most;
+};
+constexpr number_range of_histogram{100, 100'000'000}, of_points{2, 1'000'000};
 
 // The gnuplot terminal that draws what the output's suffix promises.
 std::string terminal_for(const std::string& output) {
@@ -70,6 +73,13 @@ std::vector<double> draw_sample(const source_options& options, const distributio
   return to_double(distribution.type, memory.get(), options.count);
 }
 
+std::string seed_of(const source_options& options) {
+  const std::vector<std::uint64_t>& seed = options.start.seed;
+  if (find_engine(options.engine).is_quasi_random)
+    return fmt::format("dimensions {}{}", seed.front(), seed.size() > 1 ? " by words" : "");
+  return fmt::format("seed {}", fmt::join(seed, ","));
+}
+
 std::string title_of(const source_options& options, const distribution_entry& distribution) {
   std::string title = distribution.name;
   for (const parameter_entry& parameter : distribution.parameters) {
@@ -78,10 +88,10 @@ std::string title_of(const source_options& options, const distribution_entry& di
                          given == options.parameters.end() ? parameter.default_value : given->second);
   }
   const engine_start& start = options.start;
-  return fmt::format(R"({}\n{} numbers ({}{}{}) of {}{}{}, seed {})", title, options.count,
-                     distribution.type_name, distribution.method.empty() ? "" : ", ", distribution.method,
-                     options.engine, start.member ? fmt::format(", member {}", *start.member) : "",
-                     start.mode.empty() ? "" : ", mode " + start.mode, fmt::join(start.seed, ","));
+  return fmt::format(R"({}\n{} numbers ({}{}{}) of {}{}{}, {})", title, options.count, distribution.type_name,
+                     distribution.method.empty() ? "" : ", ", distribution.method, options.engine,
+                     start.member ? fmt::format(", member {}", *start.member) : "",
+                     start.mode.empty() ? "" : ", mode " + start.mode, seed_of(options));
 }
 
 // Points of the law across the axis, with a step, not a slope, where the support ends.
@@ -143,21 +153,41 @@ std::string script_of(const std::string& terminal, const std::string& title, con
                                 : "lines linewidth 2 linecolor rgb '#c0392b'");
 }
 
+std::string script_of_points(const std::string& terminal, const std::string& title,
+                             const std::vector<double>& values) {
+  std::string rows;
+  for (std::size_t i = 0; i + 1 < values.size(); i += 2)
+    fmt::format_to(std::back_inserter(rows), "{:.9g} {:.9g}\n", values[i], values[i + 1]);
+  return fmt::format(
+      "set terminal {}\n$points << END\n{}END\n"
+      "set title \"{}\"\nset size square\nset tics out\n"
+      "plot $points using 1:2 with points pointtype 7 pointsize 0.5 linecolor rgb '#2a6fa8' notitle\n",
+      terminal, rows, title);
+}
+
 } // namespace
 
-void plot_numbers(const source_options& options) {
+void plot_numbers(const plot_options& options) {
   const std::string terminal = terminal_for(options.output);
-  if (options.count < fewest_numbers || options.count > most_numbers)
-    throw failure(exit_status::usage, fmt::format("--count {}: a histogram is drawn of {} to {} numbers",
-                                                  options.count, fewest_numbers, most_numbers));
+  const number_range range = options.as_points ? of_points : of_histogram;
+  if (options.count < range.fewest || options.count > range.most)
+    throw failure(exit_status::usage,
+                  fmt::format("--count {}: {} drawn of {} to {} numbers", options.count,
+                              options.as_points ? "points are" : "a histogram is", range.fewest, range.most));
   const distribution_entry& distribution =
       find_distribution(options.distribution, options.type, options.method);
-  const exact_law law = find_law(distribution, options.parameters);
 
   // Before anything that prints: the picture and traces never share a stream.
   destination to(options.output);
-  const std::vector<bar> bars = make_histogram(draw_sample(options, distribution), law);
-  const std::string picture = run_gnuplot(script_of(terminal, title_of(options, distribution), bars, law));
+  const std::string title = title_of(options, distribution);
+  std::string script;
+  if (options.as_points) {
+    script = script_of_points(terminal, title, draw_sample(options, distribution));
+  } else {
+    const exact_law law = find_law(distribution, options.parameters);
+    script = script_of(terminal, title, make_histogram(draw_sample(options, distribution), law), law);
+  }
+  const std::string picture = run_gnuplot(script);
   try {
     to.write(picture.data(), picture.size());
     to.close();

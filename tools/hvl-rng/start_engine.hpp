@@ -54,6 +54,15 @@ Engine seed_engine(const sycl::queue& queue, const char* name, const std::vector
   return Engine(queue, static_cast<single>(seed.at(0)), form...);
 }
 
+// Throws `failure` for an engine that has no skips.
+template <class Engine>
+void skip(Engine& engine, const std::string& name, std::uint64_t words) {
+  if constexpr (requires { engine.skip_ahead(words); })
+    engine.skip_ahead(words);
+  else
+    throw failure(exit_status::usage, fmt::format("--skip {}: {} cannot skip", words, name));
+}
+
 // Throws `failure` naming the option that the engine does not have or refuses.
 template <class Engine>
 Engine make_engine(const sycl::queue& queue, const char* name, const engine_start& start) {
@@ -87,7 +96,11 @@ Engine make_engine(const sycl::queue& queue, const char* name, const engine_star
       throw failure(exit_status::usage,
                     fmt::format("--mode {}: not one of standard, optimal, custom:N", start.mode));
   }
-  return seed_engine<Engine>(queue, name, start.seed);
+  try {
+    return seed_engine<Engine>(queue, name, start.seed);
+  } catch (const kestro::hvl::invalid_argument& refused) {
+    throw failure(exit_status::usage, fmt::format("--seed {}: {}", start.seed.front(), refused.what()));
+  }
 }
 
 } // namespace hvl_rng

@@ -27,10 +27,15 @@ struct generate_options : source_options {
   output_format format = output_format::text;
 };
 
+struct plot_options : source_options {
+  bool as_points = false;
+};
+
 void generate_numbers(const generate_options& options);
 
-// A histogram of the numbers under the exact density: SVG or PNG as the output's suffix says, otherwise text.
-void plot_numbers(const source_options& options);
+// A histogram of the numbers under the exact density, or each pair of them as a point: SVG or PNG as the output's suffix
+// says, otherwise text.
+void plot_numbers(const plot_options& options);
 
 // "cpu", "gpu", or the number of a device as `list_devices` prints it.
 sycl::device find_device(const std::string& name);

@@ -166,8 +166,10 @@ void generate(const engine& e, const kernel_set& kernels, void* record, std::uin
   const bool streaming = n >= streaming_threshold_bytes() / t.value_bytes;
   auto* const bytes = static_cast<std::byte*>(out);
 
+  // A record with tables takes as long to copy as some of its words.
   const auto threads = static_cast<std::uint64_t>(tbb::this_task_arena::max_concurrency());
-  const std::uint64_t parts_wanted = std::min(threads, words_of(n, t) / e.words_per_thread);
+  const std::uint64_t parts_wanted =
+      std::min(threads, words_of(n, t) / (e.words_per_thread + record_bytes(record)));
   const std::uint64_t unit = part_alignment_words / t.words_per_group * t.values_per_group;
   const std::uint64_t values_per_part = parts_wanted < 2 ? n : (n / parts_wanted + unit) / unit * unit;
   const auto parts = static_cast<std::size_t>((n + values_per_part - 1) / values_per_part);

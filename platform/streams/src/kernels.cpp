@@ -17,4 +17,9 @@ const kernel_set* kernels_for(int isa) noexcept {
   }
 }
 
+const kernel_set& best_kernels() noexcept {
+  const kernel_set* const best = kernels_for(hvl_serv_isa());
+  return best != nullptr ? *best : scalar::kernels;
+}
+
 } // namespace hvl::streams

@@ -19,7 +19,10 @@ constexpr std::int64_t values_per_call = 16384;
 
 template <class Word>
 std::uint32_t raw(Word word) {
-  return static_cast<std::uint32_t>(sizeof(Word) == 8 ? static_cast<std::uint64_t>(word) >> 27 : word);
+  if constexpr (sizeof(Word) == 8)
+    return static_cast<std::uint32_t>(word >> 27);
+  else
+    return static_cast<std::uint32_t>(word);
 }
 
 template <class Word>

@@ -12,7 +12,7 @@ int64_t vqsGetStreamSize_64(vqs_stream stream) {
   const engine* e = engine_of(stream);
   if (e == nullptr)
     return VQS_STATUS_BAD_STREAM;
-  return static_cast<int64_t>(saved_state_bytes(*e));
+  return static_cast<int64_t>(saved_state_bytes(*e, stream));
 }
 
 int vqsSaveStreamM_64(vqs_stream stream, unsigned char* memory) {
@@ -21,7 +21,7 @@ int vqsSaveStreamM_64(vqs_stream stream, unsigned char* memory) {
   const engine* e = engine_of(stream);
   if (e == nullptr)
     return VQS_STATUS_BAD_STREAM;
-  encode_state(*e, stream, std::span(memory, saved_state_bytes(*e)));
+  encode_state(*e, stream, std::span(memory, saved_state_bytes(*e, stream)));
   return VQS_STATUS_OK;
 }
 
@@ -32,7 +32,7 @@ int vqsSaveStreamF_64(vqs_stream stream, const char* file_name) {
     const engine* e = engine_of(stream);
     if (e == nullptr)
       return VQS_STATUS_BAD_STREAM;
-    std::vector<std::uint8_t> state(saved_state_bytes(*e));
+    std::vector<std::uint8_t> state(saved_state_bytes(*e, stream));
     encode_state(*e, stream, state);
     return write_whole_file(file_name, state);
   });
@@ -43,8 +43,7 @@ int vqsLoadStreamM_64(vqs_stream* stream, const unsigned char* memory) {
     if (stream == nullptr || memory == nullptr)
       return VQS_STATUS_NULL_POINTER;
     state_header header;
-    const std::span<const std::uint8_t, state_header_bytes> start(memory, state_header_bytes);
-    if (const int status = read_state_header(start, header); status != 0)
+    if (const int status = measure_state(memory, header); status != 0)
       return status;
     record_pointer record;
     const int status = decode_state(std::span(memory, header.state_bytes), record);
@@ -60,7 +59,7 @@ int vqsLoadStreamF_64(vqs_stream* stream, const char* file_name) {
       return VQS_STATUS_NULL_POINTER;
     std::size_t longest = 0;
     for (const engine* e : all_engines())
-      longest = std::max(longest, saved_state_bytes(*e));
+      longest = std::max(longest, most_saved_state_bytes(*e));
     std::vector<std::uint8_t> state;
     if (const int status = read_whole_file(file_name, longest, state); status != 0)
       return status;

@@ -21,7 +21,7 @@ int new_stream(vqs_stream* stream, std::int32_t id, const Seed& seed) {
   if (e == nullptr)
     return VQS_STATUS_UNKNOWN_ENGINE;
   record_pointer record = new_record(*e, id);
-  const int status = seed(*e, record.get());
+  const int status = seed(*e, record);
   if (status == VQS_STATUS_OK)
     *stream = record.release();
   return status;
@@ -47,12 +47,20 @@ int advance(vqs_stream stream, std::int64_t count, const std::uint64_t* words, c
 
 } // namespace
 
-record_pointer new_record(const engine& e, std::int32_t id) {
-  record_pointer record = allocate(e.most_record_bytes);
-  std::memset(record.get(), 0, e.most_record_bytes);
-  const vqs_record_header header{live_stream_magic, id, e.most_record_bytes, 0};
+void record_delete::operator()(void* record) const noexcept {
+  hvl_serv_free(record);
+}
+
+record_pointer allocate_record(vqs_record_header header, std::size_t bytes) {
+  record_pointer record = allocate(bytes);
+  std::memset(record.get(), 0, bytes);
+  header.record_bytes = static_cast<std::uint32_t>(bytes);
   std::memcpy(record.get(), &header, sizeof header);
   return record;
+}
+
+record_pointer new_record(const engine& e, std::int32_t id) {
+  return allocate_record({live_stream_magic, id, 0, 0}, e.field_bytes);
 }
 
 } // namespace hvl::streams
@@ -73,7 +81,7 @@ int vqsNewStream_64(vqs_stream* stream, int32_t engine_id, uint64_t seed) {
     if (stream == nullptr)
       return VQS_STATUS_NULL_POINTER;
     return new_stream(stream, engine_id,
-                      [seed](const engine& e, void* record) { return e.seed(record, seed); });
+                      [seed](const engine& e, record_pointer& record) { return e.seed(record, seed); });
   });
 }
 
@@ -81,7 +89,7 @@ int vqsNewStreamEx_64(vqs_stream* stream, int32_t engine_id, int64_t count, cons
   return guarded([&]() -> int {
     if (stream == nullptr || (words == nullptr && count != 0))
       return VQS_STATUS_NULL_POINTER;
-    return new_stream(stream, engine_id, [=](const engine& e, void* record) -> int {
+    return new_stream(stream, engine_id, [=](const engine& e, record_pointer& record) -> int {
       if (count < 0)
         return VQS_STATUS_BAD_COUNT;
       return e.seed_words(record, std::span(words, static_cast<std::size_t>(count)));

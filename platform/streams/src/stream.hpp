@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <new>
 
 #include "engine.hpp"
@@ -12,18 +11,13 @@ namespace hvl::streams {
 
 inline constexpr std::uint32_t live_stream_magic = 0x4D525453; // "STRM"
 
-struct record_delete {
-  void operator()(void* record) const noexcept { hvl_serv_free(record); }
-};
-using record_pointer = std::unique_ptr<void, record_delete>;
-
 // Null for a handle that is not a live stream of a known engine.
 inline const engine* engine_of(vqs_stream stream) noexcept {
   const auto* header = static_cast<const vqs_record_header*>(stream);
   return header != nullptr && header->magic == live_stream_magic ? find_engine(header->engine) : nullptr;
 }
 
-// A zeroed record of an engine's member with its header written; throws std::bad_alloc.
+// A zeroed record of an engine's member, up to the end of its fields; throws std::bad_alloc.
 record_pointer new_record(const engine& e, std::int32_t id);
 
 // Runs `body`, which returns a status; what it throws becomes one.

@@ -81,7 +81,7 @@ class word_reader {
   }
 
  private:
-  static constexpr std::size_t scalar_block_words = 1024;
+  static constexpr std::size_t scalar_block_words = 2048;
   static constexpr std::size_t carry_bytes = 128;
   static constexpr std::size_t readable_bytes_behind = 128;
 

@@ -146,8 +146,10 @@ TEST_P(engine_properties, different_seeds_and_words_give_different_sequences) {
   const auto first = owned_stream(id(), 1).bits(8);
   EXPECT_EQ(owned_stream(id(), 1).bits(8), first);
   EXPECT_NE(owned_stream(id(), 2).bits(8), first);
-  const std::uint32_t words[] = {1, 2};
-  EXPECT_NE(owned_stream(id(), std::span(words, 1)).bits(8), owned_stream(id(), words).bits(8));
+  if (!GetParam().about.is_quasi_random) { // its words are no seed
+    const std::uint32_t words[] = {1, 2};
+    EXPECT_NE(owned_stream(id(), std::span(words, 1)).bits(8), owned_stream(id(), words).bits(8));
+  }
   const auto none = owned_stream(id(), std::span<const std::uint32_t>()).bits(8);
   EXPECT_NE(none[0], none[1]);
 }

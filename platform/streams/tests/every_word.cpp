@@ -121,6 +121,31 @@ void geometric_of(const word_range& r, std::uint64_t word, const See& see) {
   }
 }
 
+// Either word of the pair; further attempts are made of the words' bits.
+template <class See>
+void poisson_of(const word_range& r, std::uint64_t word, const See& see) {
+  using O = math::scalar_ops<double>;
+  static const math::rejection_law laws[] = {math::poisson_rejection_of(10), math::poisson_rejection_of(3e6),
+                                             math::poisson_rejection_of(3e9)};
+  const double cell = uniform_coefficients(r.scale, 0.0, 1.0).scale;
+  const std::uint64_t other = r.first + (r.last - r.first) / 2 * (word % 3);
+  const auto bits = [&](std::uint64_t w) {
+    return static_cast<std::uint32_t>(r.scale == word_scale::mcg59 ? w >> 27 : w);
+  };
+  const auto check = [&](double value) {
+    see("poisson", value >= 0 && value <= 2147483647 ? value : std::nan(""));
+  };
+  const bool swapped = word % 2 != 0;
+  const std::uint64_t first = swapped ? other : word, second = swapped ? word : other;
+  const std::uint32_t own[2] = {bits(first), bits(second)};
+  for (const math::rejection_law& law : laws)
+    check(math::rejection_result<O>(math::rejection_value<O>(uniform(r, first, -0.5, 0.5),
+                                                             uniform(r, second, 0.0, 1.0), cell, own, law)));
+  for (const double mean : {0.0, 1e-300, 9.999, 1e300})
+    check(
+        math::poisson_of_mean<O>(mean, uniform(r, first, 0.0, 1.0), uniform(r, second, 0.0, 1.0), cell, own));
+}
+
 template <class See>
 void cauchy_of(const word_range& r, std::uint64_t word, const See& see) {
   const double angle = uniform(r, word, math::cauchy_low, math::cauchy_high);
@@ -148,6 +173,7 @@ word_report try_words(std::uint64_t stride, std::uint64_t double_stride) {
       last = now;
       cauchy_of(r, word, see);
       geometric_of(r, word, see);
+      poisson_of(r, word, see);
       if (in_double) {
         values_of(r, uniforms_of<double>(r, word), see);
         gammas_of(r, word, uniforms_of<double>(r, word), see);

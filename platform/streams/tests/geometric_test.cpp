@@ -123,6 +123,8 @@ void check_fit(std::int32_t engine, std::size_t n, double p) {
 }
 
 TEST_P(geometric, fits_its_law) {
+  if (GetParam().about.is_quasi_random)
+    GTEST_SKIP() << "a value of two words mixes coordinates";
   if (id() == VQS_ENGINE_PHILOX4X32X10)
     for (const double p : {1e-10, 3e-10, 1e-9, 1e-8, 1e-6, 1e-4, 0.01, 0.1, 0.3, 0.5, 0.9, 0.99, 0.999})
       check_fit(id(), std::size_t{1} << 22, p);

@@ -91,7 +91,7 @@ TEST(r250_seed_words, are_the_state_and_their_bits_never_dependent) {
   }
 }
 
-TEST(jump_polynomials, of_r250_and_sfmt19937_serve_jumps_made_elsewhere) {
+TEST(jump_polynomials, serve_jumps_made_elsewhere) {
   const auto check = [](std::int32_t id, std::size_t degree, std::size_t unit, auto polynomial_of) {
     const auto x = owned_stream(id).bits(unit * (degree + 20'000));
     for (const std::size_t shifts : {1u, 2u, 999u, 19'000u}) {
@@ -111,6 +111,15 @@ TEST(jump_polynomials, of_r250_and_sfmt19937_serve_jumps_made_elsewhere) {
     EXPECT_EQ(untouched, 7u);
   };
   check(VQS_ENGINE_R250, 250, 1, vqsR250JumpPolynomial);
+  for (const std::int32_t member : {0, 6023}) {
+    const std::int32_t id = VQS_ENGINE_MT2203 + member;
+    const owned_stream stream(id);
+    const std::uint32_t matrix =
+        static_cast<const vqs_mt2203_record*>(static_cast<vqs_stream>(stream))->matrix;
+    check(id, 2240, 1, [matrix](std::uint64_t distance, std::uint32_t* polynomial) {
+      return vqsMt2203JumpPolynomial(matrix, distance, polynomial);
+    });
+  }
   check(VQS_ENGINE_SFMT19937, 19'968, 4, vqsSfmt19937JumpPolynomial);
   std::uint32_t untouched = 7;
   EXPECT_EQ(vqsSfmt19937JumpPolynomial(6, &untouched), VQS_STATUS_BAD_PARAMETER);

@@ -290,6 +290,18 @@ TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
     EXPECT_EQ(fill(2497, 1, 0x00), VQS_STATUS_OK);
     EXPECT_EQ(fill(0, 2496, 0x00), VQS_STATUS_STATE_RANGE); // no word set
     break;
+  case VQS_ENGINE_MT2203:
+    EXPECT_EQ(fill(276, 1, 70), VQS_STATUS_STATE_RANGE); // the position
+    EXPECT_EQ(fill(276, 1, 69), VQS_STATUS_OK);
+    EXPECT_EQ(fill(0, 1, 0xFF), VQS_STATUS_OK); // five bits of the first word are no part of the state
+    EXPECT_EQ(fill(276, 1, 0), VQS_STATUS_STATE_RANGE); // but of its first output
+    EXPECT_EQ(fill(276, 1, 69), VQS_STATUS_OK);
+    EXPECT_EQ(fill(1, 275, 0), VQS_STATUS_OK); // three bits are left
+    EXPECT_EQ(fill(0, 1, 0x1F), VQS_STATUS_STATE_RANGE);
+    EXPECT_EQ(fill(0, 1, 0x20), VQS_STATUS_OK);
+    for (const std::size_t at : {280u, 284u, 288u}) // the parameters of another member
+      EXPECT_EQ(fill(at, 4, 0x5A), VQS_STATUS_STATE_RANGE);
+    break;
   case VQS_ENGINE_WICHMANN_HILL:
     for (const std::size_t at : {0u, 12u, 16u, 28u}) { // of the states and the multipliers
       EXPECT_EQ(fill(at, 4, 0), VQS_STATUS_STATE_RANGE);
@@ -302,6 +314,18 @@ TEST_P(saved_states, sealed_states_with_a_field_out_of_range_are_refused) {
     EXPECT_EQ(fill(1000, 1, 249), VQS_STATUS_OK);
     EXPECT_EQ(fill(40 * 4, 210 * 4, 0x55), VQS_STATUS_OK);
     EXPECT_EQ(fill(30 * 4, 10 * 4, 0x55), VQS_STATUS_STATE_RANGE); // 31 words cannot span 32 bits
+    break;
+  case VQS_ENGINE_SOBOL:
+  case VQS_ENGINE_NIEDERREITER:
+    EXPECT_EQ(fill(0, 4, 0xFF), VQS_STATUS_OK); // the last point
+    EXPECT_EQ(fill(4, 1, 11), VQS_STATUS_STATE_RANGE);
+    EXPECT_EQ(fill(4, 1, 10), VQS_STATUS_OK);
+    EXPECT_EQ(fill(9, 1, 0x60), VQS_STATUS_STATE_RANGE); // 24587 dimensions
+    EXPECT_EQ(fill(9, 1, 0x12), VQS_STATUS_OK);
+    EXPECT_EQ(fill(8, 2, 0), VQS_STATUS_STATE_RANGE);
+    EXPECT_EQ(fill(8, 1, 11), VQS_STATUS_OK);
+    EXPECT_EQ(fill(12, 1, 1), VQS_STATUS_STATE_SIZE); // the caller's numbers, which are not there
+    EXPECT_EQ(fill(12, 1, 2), VQS_STATUS_STATE_RANGE);
     break;
   default:
     FAIL() << "an engine without cases of its own";

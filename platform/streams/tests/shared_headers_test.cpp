@@ -29,8 +29,9 @@ class positions : public ::testing::Test {
     }
   }
 };
-using position_types = ::testing::Types<engines::philox4x32x10, engines::ars5, engines::mrg32k3a,
-                                        engines::mcg31m1, engines::mcg59, engines::wichmann_hill>;
+using position_types =
+    ::testing::Types<engines::philox4x32x10, engines::ars5, engines::mrg32k3a, engines::mcg31m1,
+                     engines::mcg59, engines::wichmann_hill, engines::sobol, engines::niederreiter>;
 TYPED_TEST_SUITE(positions, position_types);
 
 TYPED_TEST(positions, are_those_of_the_stream) {
@@ -55,7 +56,8 @@ TYPED_TEST(positions, are_those_of_the_stream) {
 
 template <class Engine>
 class recurrences : public ::testing::Test {};
-using recurrence_types = ::testing::Types<engines::mt19937, engines::r250, engines::sfmt19937>;
+using recurrence_types =
+    ::testing::Types<engines::mt19937, engines::mt2203, engines::r250, engines::sfmt19937>;
 TYPED_TEST_SUITE(recurrences, recurrence_types);
 
 TYPED_TEST(recurrences, are_those_of_the_stream) {

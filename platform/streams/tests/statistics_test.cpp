@@ -159,6 +159,9 @@ void check_fit(std::int32_t engine, const member<T>& m, std::size_t n) {
 class statistics : public each_engine {};
 
 TEST_P(statistics, every_method_fits_its_distribution) {
+  if (GetParam().about.is_quasi_random)
+    GTEST_SKIP()
+        << "points are more even than random ones, and methods that take several words would break that";
   const std::size_t n = std::size_t{1} << (id() == VQS_ENGINE_PHILOX4X32X10 ? 22 : 18);
   for (const auto& m : continuous_members<float>())
     check_fit(id(), m, n);

@@ -42,9 +42,18 @@ inline bool offers_skips(vqs_stream stream) {
   return false;
 }
 
+// Of a quasi-random engine a seed is the number of dimensions.
+inline std::uint64_t sample_seed(std::int32_t engine) {
+  for (const engine_entry& e : engines)
+    if (e.about.has_member(engine) && e.about.is_quasi_random)
+      return 11;
+  return 12345;
+}
+
 class owned_stream {
  public:
-  explicit owned_stream(std::int32_t engine, std::uint64_t seed = 12345) {
+  explicit owned_stream(std::int32_t engine) : owned_stream(engine, sample_seed(engine)) {}
+  owned_stream(std::int32_t engine, std::uint64_t seed) {
     EXPECT_EQ(vqsNewStream_64(&handle_, engine, seed), VQS_STATUS_OK);
   }
   owned_stream(std::int32_t engine, std::span<const std::uint32_t> words) {

@@ -15,9 +15,12 @@ constexpr std::size_t count = 4099;
 
 // Where the sequence of owned_stream's seed has a word so great that float scales it to 9 on [1, 9).
 const std::map<std::int32_t, std::uint64_t> position_of_a_greatest_word = {
-    {VQS_ENGINE_PHILOX4X32X10, 20180005}, {VQS_ENGINE_MRG32K3A, 82942356}, {VQS_ENGINE_MCG31M1, 8342607},
-    {VQS_ENGINE_MCG59, 8974830},          {VQS_ENGINE_MT19937, 8366988},   {VQS_ENGINE_ARS5, 32301534},
-    {VQS_ENGINE_WICHMANN_HILL, 7312383},  {VQS_ENGINE_R250, 4355095},      {VQS_ENGINE_SFMT19937, 3324327},
+    {VQS_ENGINE_PHILOX4X32X10, 20180005}, {VQS_ENGINE_MRG32K3A, 82942356},
+    {VQS_ENGINE_MCG31M1, 8342607},        {VQS_ENGINE_MCG59, 8974830},
+    {VQS_ENGINE_MT19937, 8366988},        {VQS_ENGINE_ARS5, 32301534},
+    {VQS_ENGINE_WICHMANN_HILL, 7312383},  {VQS_ENGINE_R250, 4355095},
+    {VQS_ENGINE_SFMT19937, 3324327},      {VQS_ENGINE_SOBOL, 246065831},
+    {VQS_ENGINE_NIEDERREITER, 246065831}, {VQS_ENGINE_MT2203, 6243427},
 };
 
 // A word of any engine and the constants by which its engine scales it.
@@ -61,6 +64,10 @@ class uniform_family : public each_engine {
       break;
     case VQS_ENGINE_MCG59:
       scale = (b - a) * static_cast<T>(1.734723475976807e-18);
+      break;
+    case VQS_ENGINE_SOBOL:
+    case VQS_ENGINE_NIEDERREITER:
+      scale = (b - a) * static_cast<T>(2.3283064365386963e-10);
       break;
     default:
       scale = (b - a) * static_cast<T>(sizeof(T) == 4 ? 2.3283064e-10f : 2.3283064365386963e-10);

@@ -15,8 +15,8 @@
 ///   static int load(const stream_handle&, std::uint32_t* words);   the `size` words before the next output; returns the
 ///                                                                  place of that output in its unit
 ///   static void store(const std::uint32_t* words, int place, const stream_handle&);
-///   static int jump_polynomial(std::uint64_t distance, std::uint32_t* coefficients);   a status of the stream library, and
-///       `degree` bits: word distance + j of the sequence is the exclusive or of the words unit (1 + i) + j over set bits i
+///   static int jump_polynomial(const recurrence&, std::uint64_t distance, std::uint32_t* coefficients);   a status of the
+///       stream library, and `degree` bits: word distance + j of the sequence is the exclusive or of the words unit (1 + i) + j over set bits i
 namespace kestro::hvl::rng::detail {
 
 template <class Engine>
@@ -83,7 +83,8 @@ class device_ring final : public device_state {
     std::uint32_t* const polynomial = polynomials_.get() + power * polynomial_words;
     const std::uint64_t distance = std::uint64_t{1} << power;
     if ((known_powers_ & distance) == 0) {
-      check_stream_status(traits::jump_polynomial(distance, polynomial), "generate", "no jump polynomial");
+      check_stream_status(traits::jump_polynomial(recurrence_, distance, polynomial), "generate",
+                          "no jump polynomial");
       known_powers_ |= distance;
     }
     return polynomial;

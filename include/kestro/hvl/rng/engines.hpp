@@ -187,6 +187,32 @@ class KESTRO_HVL_API mt19937 : public detail::engine_base<mt19937> {
   void skip_ahead(std::uint64_t num_to_skip);
 };
 
+/// Mersenne Twisters of 2203 bits, period 2^2203 - 1 each (M. Matsumoto and T. Nishimura, "Dynamic creation of
+/// pseudorandom number generators", Monte Carlo and Quasi-Monte Carlo Methods 1998): 6024 members with a recurrence and a
+/// tempering of their own, for as many independent sequences. The parameters are this library's own: found by the
+/// paper's search, they are not those of other tables. Callers cannot skip. On a GPU device the state lives in device memory.
+class KESTRO_HVL_API mt2203 : public detail::engine_base<mt2203> {
+ public:
+  /// How many members there are.
+  static constexpr std::uint32_t members = 6024;
+
+  /// Member 0, or the given one; as the list of the seed's two words, the low one first. Throws `invalid_argument`
+  /// ("engine_idx is out of range [0, 6024)").
+  mt2203(sycl::queue queue, std::uint64_t seed);
+  mt2203(sycl::queue queue, std::uint64_t seed, std::uint32_t engine_idx);
+
+  /// Several members, seeded as one by one, whose values are dealt in turn: with k of them, value j of the sequence is the
+  /// next one of member engine_idx[j % k]. (Where a method makes two values at once, the pairs are dealt.) An index is in
+  /// the list once. Such an engine cannot be saved; on a device as many work-items generate as it has members.
+  mt2203(sycl::queue queue, std::uint64_t seed, const std::vector<std::uint32_t>& engine_idx);
+
+  /// The authors' `init_by_array` for 69 words, with the member's index added to the list.
+  mt2203(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  mt2203(sycl::queue queue, const std::vector<std::uint32_t>& words, std::uint32_t engine_idx);
+  mt2203(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
+  mt2203(sycl::queue queue, std::initializer_list<std::uint32_t> seed, std::uint32_t engine_idx);
+};
+
 /// Generalised feedback shift register of S. Kirkpatrick and E. P. Stoll (Journal of Computational Physics 40, 1981):
 /// x(n) = x(n - 103) xor x(n - 250), period 2^250 - 1. Some libraries compute x(n - 147) instead of x(n - 103), which is
 /// this sequence read backwards. Outputs at the distances 0, 103 and 250 are dependent: it is there to reproduce earlier
@@ -215,6 +241,44 @@ class KESTRO_HVL_API sfmt19937 : public detail::engine_base<sfmt19937> {
   sfmt19937(sycl::queue queue, std::initializer_list<std::uint32_t> seed);
 
   /// As `mt19937::skip_ahead`.
+  void skip_ahead(std::uint64_t num_to_skip);
+};
+
+/// Quasi-random points of I. M. Sobol' (1967) in up to 21201 dimensions, with the direction numbers of S. Joe and F. Y. Kuo
+/// (2008, criterion D6), 32 bits, in the order of the Gray code; after 2^32 points they begin anew. Words are the
+/// coordinates of a point after those of the one before, w for w / 2^32. The first point is the origin: who wants to leave
+/// it out skips as many words as there are dimensions. Distributions whose methods take one word a value (`uniform`, and
+/// all by inverse CDF) keep the evenness of the points; methods that take several words of a point for a value, such as
+/// box_muller, lose it. Not offered as `uniform_bits`.
+class KESTRO_HVL_API sobol : public detail::engine_base<sobol> {
+ public:
+  /// Throws `invalid_argument` ("dimensions is out of range [1, 21201]").
+  sobol(sycl::queue queue, std::uint32_t dimensions);
+
+  /// The number of dimensions and then the caller's own direction numbers, taken as they are: 32 for each dimension, whose
+  /// highest bit counts for 1/2. Without them as above; without any word one dimension. Throws `invalid_argument`
+  /// ("words").
+  sobol(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  sobol(sycl::queue queue, std::initializer_list<std::uint32_t> words);
+
+  /// Advances by `num_to_skip` words. Constant cost.
+  void skip_ahead(std::uint64_t num_to_skip);
+};
+
+/// Quasi-random points of H. Niederreiter (1988) in base 2 and up to 4720 dimensions, as P. Bratley, B. L. Fox and
+/// H. Niederreiter (1992) have them, with the irreducible polynomials in the order of degree and value. All else as for
+/// `sobol`.
+class KESTRO_HVL_API niederreiter : public detail::engine_base<niederreiter> {
+ public:
+  /// Throws `invalid_argument` ("dimensions is out of range [1, 4720]").
+  niederreiter(sycl::queue queue, std::uint32_t dimensions);
+
+  /// The number of dimensions and then an irreducible polynomial over GF(2) for each, all different, the coefficient of x^i
+  /// at bit i. Without them as above; without any word one dimension. Throws `invalid_argument` ("words").
+  niederreiter(sycl::queue queue, const std::vector<std::uint32_t>& words);
+  niederreiter(sycl::queue queue, std::initializer_list<std::uint32_t> words);
+
+  /// As that of `sobol`.
   void skip_ahead(std::uint64_t num_to_skip);
 };
 

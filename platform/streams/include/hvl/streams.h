@@ -32,8 +32,11 @@ enum {
   VQS_ENGINE_MRG32K3A = 3145728,
   VQS_ENGINE_MCG59 = 4194304,
   VQS_ENGINE_R250 = 5242880,
+  VQS_ENGINE_SOBOL = 6291456,
+  VQS_ENGINE_NIEDERREITER = 7340032,
   VQS_ENGINE_MT19937 = 8388608,
   VQS_ENGINE_SFMT19937 = 9437184,
+  VQS_ENGINE_MT2203 = 10485760, /* of the first of 6024 members */
   VQS_ENGINE_PHILOX4X32X10 = 16777216,
   VQS_ENGINE_ARS5 = 33554432
 };
@@ -45,7 +48,7 @@ enum {
   VQS_STATUS_BAD_METHOD = -3,           /* the distribution has no such method */
   VQS_STATUS_UNKNOWN_ENGINE = -4,       /* no engine has this identifier */
   VQS_STATUS_BAD_COUNT = -5,            /* n or a word count is negative, or too large */
-  VQS_STATUS_BAD_PARAMETER = -6,        /* a distribution parameter is out of range or NaN, or stride is 0 */
+  VQS_STATUS_BAD_PARAMETER = -6,        /* a parameter or seed is out of range or NaN, or stride is 0 */
   VQS_STATUS_UNSUPPORTED_PAIR = -7,     /* this engine does not serve this distribution */
   VQS_STATUS_SKIP_UNSUPPORTED = -8,     /* this engine cannot skip ahead */
   VQS_STATUS_LEAPFROG_UNSUPPORTED = -9, /* this engine cannot leapfrog */
@@ -82,7 +85,10 @@ HVL_STREAMS_API int32_t vqsEngineOfStream(vqs_stream stream);
 
 /* Creates a stream from one seed, or from `count` seed words; count 0 (words may then be null) is the
  * engine's state without any word. For mrg32k3a, mcg31m1 and mcg59 the words are the state itself, reduced by the
- * moduli: x0 x1 x2 y0 y1 y2, or the low and the high word of x; one seed is spread over their state by SplitMix64. */
+ * moduli: x0 x1 x2 y0 y1 y2, or the low and the high word of x; one seed is spread over their state by SplitMix64.
+ * Of sobol and niederreiter one seed is the number of dimensions, from 1 to 21201 and 4720; of words it is the first, and
+ * what the caller has of his own may follow: 32 direction numbers for each dimension, or for niederreiter an irreducible
+ * polynomial for each, all different, the coefficient of x^i at bit i. All else is VQS_STATUS_BAD_PARAMETER. */
 HVL_STREAMS_API int vqsNewStream_64(vqs_stream* stream, int32_t engine, uint64_t seed);
 HVL_STREAMS_API int vqsNewStreamEx_64(vqs_stream* stream, int32_t engine, int64_t count,
                                       const uint32_t* words);
@@ -124,8 +130,8 @@ HVL_STREAMS_API int viRngUniform_64(int64_t method, vqs_stream stream, int64_t n
 HVL_STREAMS_API int viRngUniformU_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r, uint32_t a,
                                      uint32_t b);
 
-/* The engine's raw output: the 32-bit word; mcg31m1 and mrg32k3a their value, mcg59 its high 32 of 59 bits.
- * Method 0. */
+/* The engine's raw output: the 32-bit word, of a quasi-random engine a coordinate in units of 2^-32, point after point;
+ * mcg31m1 and mrg32k3a their value, mcg59 its high 32 of 59 bits. Method 0. */
 HVL_STREAMS_API int viRngUniformBits_64(int64_t method, vqs_stream stream, int64_t n, uint32_t* r);
 
 /* Uniformly distributed bits, for the engines that have them: philox4x32x10, ars5, mt19937, sfmt19937 and mcg59. A

@@ -24,6 +24,9 @@ HVL_STREAMS_API int vqsR250JumpPolynomial(uint64_t distance, uint32_t* polynomia
  * and word distance + j is the exclusive or of the words 4 (1 + i) + j. */
 HVL_STREAMS_API int vqsSfmt19937JumpPolynomial(uint64_t distance, uint32_t* polynomial);
 
+/* mt2203: the same for the member with this twist constant, 70 words of coefficients 0 <= i < 2240. */
+HVL_STREAMS_API int vqsMt2203JumpPolynomial(uint32_t matrix, uint64_t distance, uint32_t* polynomial);
+
 /* As vqsSkipAheadStreamEx_64, for streams of every engine that a seed reproduces, whether or not it offers skips. */
 HVL_STREAMS_API int vqsAdvanceStream_64(vqs_stream stream, int64_t count, const uint64_t* words);
 

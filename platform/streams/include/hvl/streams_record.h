@@ -60,6 +60,15 @@ typedef struct {
   uint32_t position; /* 0..624 */
 } vqs_mt19937_record;
 
+/* As above, with 69 words. The header's engine is VQS_ENGINE_MT2203 + the member's index, whose parameters follow. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t words[69];
+  uint32_t position; /* 0..69 */
+  uint32_t matrix;   /* the twist constant */
+  uint32_t tempering_b, tempering_c;
+} vqs_mt2203_record;
+
 /* 156 units of four words, the least first, not all zero. words[position] is the next output; 624 as above. */
 typedef struct {
   vqs_record_header header;
@@ -81,11 +90,25 @@ typedef struct {
   uint32_t words[250];
   uint32_t position; /* 0..249 */
 } vqs_r250_record;
+/* A digital sequence in base 2: 32 direction numbers for each dimension, those of dimension d at byte 256 + 132 d, and behind
+ * them what the host keeps of its own. */
+typedef struct {
+  vqs_record_header header;
+  uint32_t point;      /* number of the point that the next output belongs to */
+  uint32_t coordinate; /* of the next output, below dimensions */
+  uint32_t dimensions;
+  uint32_t own;          /* 1: the direction numbers are the caller's, 0: the engine's */
+  uint32_t reserved[56]; /* of the host */
+} vqs_digital_record;
+typedef vqs_digital_record vqs_sobol_record;
+typedef vqs_digital_record vqs_niederreiter_record;
 
 #ifdef __cplusplus
+static_assert(sizeof(vqs_digital_record) == 256, "the direction numbers lie at byte 256");
 static_assert(sizeof(vqs_record_header) == 16, "fields start at byte 16");
 static_assert(sizeof(vqs_mrg32k3a_record) == 52, "the substreams lie at byte 40");
 static_assert(sizeof(vqs_mt19937_record) == 2516, "the position lies at byte 2512");
+static_assert(sizeof(vqs_mt2203_record) == 308, "the twist constant lies at byte 296");
 #endif
 
 #endif

@@ -8,9 +8,9 @@
 
 namespace hvl::streams {
 
-// What an engine's word is. philox4x32x10 and mt19937: 32 random bits, read as signed. mcg31m1: [1, 2^31 -
-// 1). mrg32k3a: [1, 2^32 - 209]. mcg59: [1, 2^59), in 64 bits.
-enum class word_scale { signed32, mcg31m1, mrg32k3a, mcg59 };
+// What an engine's word is. signed32: 32 random bits, read as signed. unsigned32: a fraction in units of 2^-32. mcg31m1:
+// [1, 2^31 - 1). mrg32k3a: [1, 2^32 - 209]. mcg59: [1, 2^59), in 64 bits.
+enum class word_scale { signed32, mcg31m1, mrg32k3a, mcg59, unsigned32 };
 
 // value = T(word) * scale + shift
 template <class T>
@@ -30,14 +30,16 @@ constexpr coefficients<T> uniform_coefficients(word_scale words, T a, T b) {
     return {(b - a) * static_cast<T>(1.0 / 4294967088.0), a};
   case word_scale::mcg59:
     return {(b - a) * static_cast<T>(1.0 / 576460752303423488.0), a};
+  case word_scale::unsigned32:
+    return {(b - a) * static_cast<T>(1.0 / 4294967296.0), a};
   case word_scale::signed32:
     break;
   }
   return {(b - a) * static_cast<T>(1.0 / 4294967296.0), (b + a) * static_cast<T>(0.5)};
 }
 
-// Word is std::int32_t for word_scale::signed32, std::uint32_t for mcg31m1 and mrg32k3a, std::uint64_t for
-// mcg59. The conversion rounds once, to nearest even.
+// Word is std::int32_t for word_scale::signed32, std::uint64_t for mcg59, std::uint32_t for all others. The conversion
+// rounds once, to nearest even.
 template <class T, class Word>
 constexpr T uniform_value(Word word, coefficients<T> c) {
   const T product = static_cast<T>(word) * c.scale;

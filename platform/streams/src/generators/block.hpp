@@ -54,8 +54,8 @@ inline void multiply(big_count& count, std::uint32_t factor) {
 //   using type = engines::...;
 //   std::uint32_t words;                                      of a block
 //   std::uint64_t blocks_worth_a_jump;                        up to here block after block is faster
-//   void next(std::uint32_t* block);                          the block that follows, in place
-//   void jump(std::uint32_t* block, big_count blocks);        the one so many further; may throw std::bad_alloc
+//   void next(record&);                                       the block that follows, in place
+//   void jump(record&, big_count blocks);                     the one so many further; may throw std::bad_alloc
 template <class Block>
 struct block_generator {
   using type = typename Block::type;
@@ -66,7 +66,7 @@ struct block_generator {
     const auto recurrence = type::recurrence_of(r);
     while (count != 0) {
       if (r.position == n) {
-        Block::next(r.words);
+        Block::next(r);
         r.position = 0;
       }
       const std::size_t here = std::min<std::size_t>(count, n - r.position);
@@ -96,9 +96,9 @@ struct block_generator {
     const std::uint32_t place = divide(blocks, n);
     if (fits_one_word(blocks) && blocks[0] <= Block::blocks_worth_a_jump) {
       for (std::uint64_t i = 0; i < blocks[0]; ++i)
-        Block::next(r.words);
+        Block::next(r);
     } else {
-      Block::jump(r.words, std::move(blocks));
+      Block::jump(r, std::move(blocks));
     }
     r.position = place + 1;
   }

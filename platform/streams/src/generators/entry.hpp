@@ -13,23 +13,35 @@ namespace hvl::streams {
 //   std::uint32_t words_per_thread;
 //   record_field fields[];
 //   int seed(record&, std::uint64_t seed);                        a status
-//   int seed_words(record&, std::span<const std::uint32_t>);
+//   int seed_words(record&, std::span<const std::uint32_t>);      both of a record_pointer& where it has tables
 //   bool in_range(const record&);
 //   void draw(record&, word* out, std::size_t count);
 //   void advance(record&, std::span<const std::uint64_t> count);
 //   void leapfrog(record&, std::uint64_t index, std::uint64_t stride);   where the engine has it
+//   record_tables tables;                                                where the engine has them
 template <class Generator>
 constexpr engine entry() {
   using type = typename Generator::type;
   using record = typename type::record;
+  constexpr bool has_tables = requires {
+    Generator::tables;
+  };
   engine e{
       type::about,
       sizeof(record),
       Generator::words_per_thread,
       Generator::fields,
-      [](void* r, std::uint64_t seed) noexcept { return Generator::seed(*static_cast<record*>(r), seed); },
-      [](void* r, std::span<const std::uint32_t> words) noexcept {
-        return Generator::seed_words(*static_cast<record*>(r), words);
+      [](record_pointer& r, std::uint64_t seed) {
+        if constexpr (has_tables)
+          return Generator::seed(r, seed);
+        else
+          return Generator::seed(*static_cast<record*>(r.get()), seed);
+      },
+      [](record_pointer& r, std::span<const std::uint32_t> words) {
+        if constexpr (has_tables)
+          return Generator::seed_words(r, words);
+        else
+          return Generator::seed_words(*static_cast<record*>(r.get()), words);
       },
       [](const void* r) noexcept { return Generator::in_range(*static_cast<const record*>(r)); },
       [](void* r, void* words, std::size_t count) noexcept {
@@ -39,7 +51,10 @@ constexpr engine entry() {
         Generator::advance(*static_cast<record*>(r), count);
       },
       nullptr,
+      nullptr,
   };
+  if constexpr (has_tables)
+    e.tables = &Generator::tables;
   if constexpr (type::about.has_leapfrog)
     e.leapfrog = [](void* r, std::uint64_t index, std::uint64_t stride) noexcept {
       Generator::leapfrog(*static_cast<record*>(r), index, stride);

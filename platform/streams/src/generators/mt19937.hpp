@@ -8,9 +8,6 @@
 
 namespace hvl::streams {
 
-// The 624 words that follow, in place.
-void mt19937_next_block(std::uint32_t* words) noexcept;
-
 // Replaces 624 consecutive words of the sequence by those `distance` words further, whatever the distance's
 // size. May throw std::bad_alloc, and then has changed nothing.
 void mt19937_jump(std::uint32_t* words, std::span<const std::uint64_t> distance);

@@ -10,7 +10,6 @@
 #include "generators/mt19937_polynomial.hpp"
 #include "generators/polynomial.hpp"
 #include "generators/power_of_x.hpp"
-#include "hvl/core.h"
 #include "hvl/streams_detail.h"
 #include "simd/kernels.hpp"
 #include "stream.hpp"
@@ -92,11 +91,9 @@ void mt19937_jump(std::uint32_t* words, std::span<const std::uint64_t> distance)
   for (std::size_t b = 1; b < blocks; ++b) {
     std::uint32_t* const block = sequence.data() + b * mt19937_words;
     std::copy_n(block - mt19937_words, mt19937_words, block);
-    mt19937_next_block(block);
+    engines::mt19937::recurrence().next_block(block);
   }
-  const kernel_set* kernels = kernels_for(hvl_serv_isa());
-  (kernels != nullptr ? *kernels : scalar::kernels)
-      .xor_windows(words, sequence.data() + 1, 1, power->data(), mt19937_degree);
+  best_kernels().xor_windows(words, sequence.data() + 1, 1, power->data(), mt19937_degree);
 }
 
 } // namespace hvl::streams

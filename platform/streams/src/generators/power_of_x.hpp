@@ -1,9 +1,9 @@
-// Powers of x modulo a polynomial over GF(2). Field has, static:
+// Powers of x modulo a polynomial over GF(2). Field has
 //
-//   std::size_t degree;
+//   static std::size_t degree;
 //   using polynomial = std::array<std::uint64_t, ...>;        of a lower degree, coefficient i at bit i % 64 of word i / 64
-//   polynomial squared(const polynomial&);
-//   void multiply_by_x(polynomial&);
+//   polynomial squared(const polynomial&) const;
+//   void multiply_by_x(polynomial&) const;
 #pragma once
 
 #include <algorithm>
@@ -19,7 +19,7 @@
 namespace hvl::streams {
 
 template <class Field>
-typename Field::polynomial power_of_x(std::span<const std::uint64_t> exponent) {
+typename Field::polynomial power_of_x(const Field& field, std::span<const std::uint64_t> exponent) {
   std::size_t left = 64 * exponent.size();
   const auto next_bit = [&] {
     --left;
@@ -31,9 +31,9 @@ typename Field::polynomial power_of_x(std::span<const std::uint64_t> exponent) {
   typename Field::polynomial p{};
   p[low_power / 64] = std::uint64_t{1} << low_power % 64;
   while (left != 0) {
-    p = Field::squared(p);
+    p = field.squared(p);
     if (next_bit() != 0)
-      Field::multiply_by_x(p);
+      field.multiply_by_x(p);
   }
   return p;
 }
@@ -64,7 +64,7 @@ class power_cache {
           return it->power;
         }
     }
-    auto power = std::make_shared<const typename Field::polynomial>(power_of_x<Field>(exponent));
+    auto power = std::make_shared<const typename Field::polynomial>(power_of_x(Field(), exponent));
     const std::scoped_lock lock(mutex_);
     entries_.push_front({{exponent.begin(), exponent.end()}, power});
     if (entries_.size() > 16)

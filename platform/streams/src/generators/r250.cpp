@@ -142,7 +142,7 @@ void field::multiply_by_x(r250_polynomial& p) {
 } // namespace
 
 r250_polynomial r250_power_of_x(std::span<const std::uint64_t> exponent) noexcept {
-  return power_of_x<field>(exponent);
+  return power_of_x(field(), exponent);
 }
 
 // H. Haramoto, M. Matsumoto, P. L'Ecuyer, "A fast jump ahead algorithm for linear recurrences in a polynomial space",

@@ -5,6 +5,7 @@
 
 #include "generators/block.hpp"
 #include "generators/entry.hpp"
+#include "generators/init_by_array.hpp"
 
 namespace hvl::streams {
 namespace {
@@ -20,9 +21,7 @@ void certify_period(std::uint32_t* x) {
 }
 
 void init_gen_rand(record_type& r, std::uint32_t seed) {
-  r.words[0] = seed;
-  for (std::uint32_t i = 1; i < n; ++i)
-    r.words[i] = 1812433253u * (r.words[i - 1] ^ (r.words[i - 1] >> 30)) + i;
+  init_genrand(r.words, seed);
   r.position = n;
   certify_period(r.words);
 }
@@ -66,10 +65,10 @@ struct block {
   static constexpr std::uint32_t words = n;
   static constexpr std::uint64_t blocks_worth_a_jump = 2048; // a jump whose polynomial is new
 
-  static void next(std::uint32_t* x) { sfmt19937_next_block(x); }
-  static void jump(std::uint32_t* x, big_count blocks) {
+  static void next(record_type& r) { sfmt19937_next_block(r.words); }
+  static void jump(record_type& r, big_count blocks) {
     multiply(blocks, words / type::recurrence::unit);
-    sfmt19937_jump(x, blocks);
+    sfmt19937_jump(r.words, blocks);
   }
 };
 

@@ -31,6 +31,9 @@ void xor_windows(std::uint32_t* sum, const std::uint32_t* sequence, std::size_t 
                  const std::uint64_t* polynomial, std::size_t degree) noexcept;
 void fold_bytes(std::uint64_t* product, const std::uint64_t* rows, std::size_t words) noexcept;
 
+void next_row(std::uint32_t* out, std::uint32_t* row, const std::uint32_t* change,
+              std::size_t words) noexcept;
+
 // Weak: an engine without a source in src/simd has none, and its address is null.
 #define HVL_ENGINE(name) extern const block_kernel name##_blocks __attribute__((weak));
 #include "hvl/engines.def"

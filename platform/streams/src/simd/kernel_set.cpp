@@ -39,6 +39,7 @@ const kernel_set kernels = {block_kernel_of,
                             thresholds_transform,
                             stream_lines,
                             xor_windows,
-                            fold_bytes};
+                            fold_bytes,
+                            next_row};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -97,6 +97,9 @@ struct kernel_set {
   // Reduces a product of 2 `words` words modulo a polynomial of degree 64 `words`, from its top byte down: byte q there is
   // replaced by the exclusive or of rows q % 16 and 16 + q / 16, `words` words each. The lower half is the result.
   void (*fold_bytes)(std::uint64_t* product, const std::uint64_t* rows, std::size_t words) noexcept;
+  // Copies the words of a row to `out`, and changes them by exclusive or.
+  void (*next_row)(std::uint32_t* out, std::uint32_t* row, const std::uint32_t* change,
+                   std::size_t words) noexcept;
 };
 
 namespace scalar {
@@ -111,5 +114,8 @@ extern const kernel_set kernels;
 
 // For a value of hvl_serv_isa(); null when it is none.
 const kernel_set* kernels_for(int isa) noexcept;
+
+// For the instruction set in force, or the scalar ones where none can be.
+const kernel_set& best_kernels() noexcept;
 
 } // namespace hvl::streams

@@ -1,6 +1,7 @@
 // The recurrence in vectors over the block, in place, each new vector tempered while it is in a register.
 #include "hvl/engines/mt19937.hpp"
 #include "simd/state_block.hpp"
+#include "simd/twister.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
@@ -9,33 +10,21 @@ const hn::ScalableTag<std::uint32_t> d;
 using vec = hn::Vec<decltype(d)>;
 constexpr std::size_t lanes = hn::MaxLanes(hn::ScalableTag<std::uint32_t>());
 using recurrence = engines::mt19937::recurrence;
+using twister = twister_vectors<recurrence>;
 constexpr std::size_t n = recurrence::size;
 constexpr std::size_t m = recurrence::middle;
 static_assert(n == state_words && n % lanes == 0);
-
-HWY_INLINE vec tempered(vec y) {
-  y = hn::Xor(y, hn::ShiftRight<11>(y));
-  y = hn::Xor(y, hn::And(hn::ShiftLeft<7>(y), hn::Set(d, recurrence::tempering_b)));
-  y = hn::Xor(y, hn::And(hn::ShiftLeft<15>(y), hn::Set(d, recurrence::tempering_c)));
-  return hn::Xor(y, hn::ShiftRight<18>(y));
-}
-
-HWY_INLINE vec twisted(vec first, vec second, vec middle) {
-  const vec upper = hn::Set(d, recurrence::upper);
-  const vec y = hn::Or(hn::And(first, upper), hn::AndNot(upper, second));
-  const vec odd = hn::Sub(hn::Zero(d), hn::And(second, hn::Set(d, 1u)));
-  return hn::Xor3(middle, hn::ShiftRight<1>(y), hn::And(odd, hn::Set(d, recurrence::matrix)));
-}
 
 // The next block, written over x; tempered to the sink from word `at` on. The first vector is also stored
 // behind the block, where the vector that straddles word 227 and the last one read it: the words before a
 // vector are new by then.
 template <class Sink>
-HWY_INLINE void next_block(std::uint32_t* HWY_RESTRICT x, const Sink& sink, std::size_t at) {
+HWY_INLINE void next_block(const twister& t, std::uint32_t* HWY_RESTRICT x, const Sink& sink,
+                           std::size_t at) {
   const auto step = [&](std::size_t i, std::size_t middle) __attribute__((always_inline)) {
-    const vec y = twisted(hn::Load(d, x + i), hn::LoadU(d, x + i + 1), hn::LoadU(d, x + middle));
+    const vec y = t.twisted(hn::Load(d, x + i), hn::LoadU(d, x + i + 1), hn::LoadU(d, x + middle));
     hn::Store(y, d, x + i);
-    sink(tempered(y), at + i);
+    sink(t.tempered(y), at + i);
     return y;
   };
   constexpr std::size_t straddling = (n - m) / lanes * lanes;
@@ -48,17 +37,18 @@ HWY_INLINE void next_block(std::uint32_t* HWY_RESTRICT x, const Sink& sink, std:
 
 template <class Sink>
 void run_to(const Sink& sink, state_block& w, std::size_t granules) noexcept {
+  const twister t((recurrence()));
   w.granules += granules;
   std::size_t at = 0;
   if (w.block_is_next && granules != 0) {
     for (std::size_t i = 0; i < n; i += lanes)
-      sink(tempered(hn::Load(d, w.words + i)), i);
+      sink(t.tempered(hn::Load(d, w.words + i)), i);
     w.block_is_next = false;
     --granules;
     at = n;
   }
   for (; granules != 0; --granules, at += n)
-    next_block(w.words, sink, at);
+    next_block(t, w.words, sink, at);
 }
 
 } // namespace

@@ -10,5 +10,6 @@
 #include "transforms/lognormal.hpp"
 #include "transforms/negative_binomial.hpp"
 #include "transforms/poisson_rejection.hpp"
+#include "transforms/poisson_v.hpp"
 #include "transforms/thresholds.hpp"
 #include "transforms/words.hpp"

@@ -58,7 +58,8 @@ struct facts {
   bool has_uniform_bits;
   skip_form skip;
   bool has_leapfrog;
-  bool is_reproducible; // a seed gives the same numbers again
+  bool is_reproducible;         // a seed gives the same numbers again
+  bool is_quasi_random = false; // a seed is a number of dimensions
 
   constexpr bool has_member(std::int32_t id) const { return id >= identifier && id - identifier < members; }
 };
