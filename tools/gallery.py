@@ -27,6 +27,9 @@ PICTURES = (
     ("bernoulli", "Bernoulli: whether one trial succeeds", "-d bernoulli --p 0.3"),
     ("poisson", "Poisson: how many of many rare events happen", "-d poisson --lambda 7.5"),
     ("poisson_v", "Poisson numbers of several means, one after the other", "-d poisson_v --lambda 3,25"),
+    ("binomial", "Binomial: how many of a number of trials succeed", "-d binomial --ntrial 30 --p 0.3"),
+    ("hypergeometric", "Hypergeometric: how many of a sample are marked", "-d hypergeometric --l 100 --s 30 --m 40"),
+    ("negative_binomial", "Negative binomial: how many trials fail before the a-th success", "-d negative_binomial --a 3.5 --p 0.3"),
     ("cauchy", "Cauchy; the plot leaves the tails out", "-d cauchy"),
 )
 

@@ -17,6 +17,19 @@ double random_beta(bitgen_t* bits, double a, double b);
 double random_chisquare(bitgen_t* bits, double degrees);
 std::int64_t random_geometric(bitgen_t* bits, double p);
 std::int64_t random_poisson(bitgen_t* bits, double mean);
+std::int64_t random_negative_binomial(bitgen_t* bits, double a, double p);
+std::int64_t random_hypergeometric(bitgen_t* bits, std::int64_t marked, std::int64_t others,
+                                   std::int64_t sample);
+
+struct binomial_t { // what is prepared for the last parameters
+  int has_binomial;
+  double psave;
+  std::int64_t nsave;
+  double r, q, fm;
+  std::int64_t m;
+  double p1, xm, xl, xr, c, laml, lamr, p2, p3, p4;
+};
+std::int64_t random_binomial(bitgen_t* bits, double p, std::int64_t trials, binomial_t* prepared);
 }
 
 namespace bench {

@@ -108,6 +108,12 @@ void register_distributions() {
   add("bernoulli", bound<std::int32_t>(viRngBernoulli_64, 0, 0.3));
   for (const double mean : poisson_means)
     add(poisson_name(mean), bound<std::int32_t>(viRngPoisson_64, 0, mean));
+  for (const trials& t : binomial_trials)
+    add(t.name, bound<std::int32_t>(viRngBinomial_64, 0, t.count, t.p));
+  for (const sample& s : hypergeometric_samples)
+    add(s.name, bound<std::int32_t>(viRngHypergeometric_64, 0, s.lot, s.size, s.marked));
+  for (const successes& s : negative_binomial_successes)
+    add(s.name, bound<std::int32_t>(viRngNegbinomial_64, 0, s.count, s.p));
 }
 
 } // namespace bench

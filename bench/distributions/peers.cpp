@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <boost/random/bernoulli_distribution.hpp>
 #include <boost/random/beta_distribution.hpp>
+#include <boost/random/binomial_distribution.hpp>
 #include <boost/random/cauchy_distribution.hpp>
 #include <boost/random/chi_squared_distribution.hpp>
 #include <boost/random/exponential_distribution.hpp>
@@ -147,6 +148,20 @@ void register_distribution_peers() {
                           [](bitgen_t* bits) { return bits->next_double(bits->state) < 0.3 ? 1 : 0; });
   for (const double mean : poisson_means)
     add_poisson(poisson_name(mean), mean);
+  for (const trials& t : binomial_trials) {
+    add<boost::random::mt19937>(std::string("boost/") + t.name,
+                                boost::random::binomial_distribution<std::int32_t>(t.count, t.p));
+    add_numpy<std::int32_t>(t.name, [t, prepared = binomial_t()](bitgen_t* bits) mutable {
+      return random_binomial(bits, t.p, t.count, &prepared);
+    });
+  }
+  for (const sample& s : hypergeometric_samples)
+    add_numpy<std::int32_t>(s.name, [s](bitgen_t* bits) {
+      return random_hypergeometric(bits, s.marked, s.lot - s.marked, s.size);
+    });
+  for (const successes& s : negative_binomial_successes)
+    add_numpy<std::int32_t>(s.name,
+                            [s](bitgen_t* bits) { return random_negative_binomial(bits, s.count, s.p); });
 }
 
 } // namespace bench

@@ -42,6 +42,28 @@ inline std::string poisson_name(double mean) {
   return "poisson_" + std::to_string(static_cast<int>(mean));
 }
 
+struct trials {
+  const char* name;
+  std::int32_t count;
+  double p;
+};
+inline constexpr trials binomial_trials[] = {
+    {"binomial_20_0.3", 20, 0.3}, {"binomial_1000_0.4", 1000, 0.4}, {"binomial_1e9_0.3", 1000000000, 0.3}};
+
+struct sample {
+  const char* name;
+  std::int32_t lot, size, marked;
+};
+inline constexpr sample hypergeometric_samples[] = {
+    {"hypergeometric_100", 100, 30, 40}, {"hypergeometric_2e9", 2000000000, 1000000000, 700000000}};
+
+struct successes {
+  const char* name;
+  double count, p;
+};
+inline constexpr successes negative_binomial_successes[] = {{"negative_binomial_2.5_0.1", 2.5, 0.1},
+                                                            {"negative_binomial_2.5_0.001", 2.5, 0.001}};
+
 void register_distributions();
 void register_distribution_peers();
 

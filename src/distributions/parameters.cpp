@@ -84,10 +84,32 @@ void check_bernoulli(double p) {
   check("bernoulli", ::hvl::streams::bernoulli_fault, p);
 }
 
+namespace {
+
+template <class Law, class... P>
+std::shared_ptr<threshold_record> law_record(const char* distribution, const char* (*fault)(P...), P... p) {
+  check(distribution, fault, p...);
+  return Law::has_table(p...) ? std::make_shared<threshold_record>(Law{p...}) : nullptr;
+}
+
+} // namespace
+
 std::shared_ptr<threshold_record> poisson_record(double lambda) {
-  check("poisson", ::hvl::streams::poisson_fault, lambda);
-  using law = ::hvl::math::poisson_law;
-  return law::has_table(lambda) ? std::make_shared<threshold_record>(law{lambda}) : nullptr;
+  return law_record<::hvl::math::poisson_law>("poisson", ::hvl::streams::poisson_fault, lambda);
+}
+
+std::shared_ptr<threshold_record> binomial_record(std::int32_t ntrial, double p) {
+  return law_record<::hvl::math::binomial_law>("binomial", ::hvl::streams::binomial_fault, ntrial, p);
+}
+
+std::shared_ptr<threshold_record> hypergeometric_record(std::int32_t l, std::int32_t s, std::int32_t m) {
+  return law_record<::hvl::math::hypergeometric_law>("hypergeometric", ::hvl::streams::hypergeometric_fault,
+                                                     l, s, m);
+}
+
+std::shared_ptr<threshold_record> negative_binomial_record(double a, double p) {
+  return law_record<::hvl::math::negative_binomial_law>("negative_binomial",
+                                                        ::hvl::streams::negative_binomial_fault, a, p);
 }
 
 std::shared_ptr<means_record> poisson_v_record(std::shared_ptr<const std::vector<double>> lambda) {

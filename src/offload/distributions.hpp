@@ -3,6 +3,7 @@
 /// Every distribution that the library can generate.
 #include "distributions/bernoulli.hpp"
 #include "distributions/beta.hpp"
+#include "distributions/binomial.hpp"
 #include "distributions/bits.hpp"
 #include "distributions/gamma.hpp"
 #include "distributions/gaussian.hpp"

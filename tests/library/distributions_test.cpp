@@ -148,6 +148,13 @@ TYPED_TEST(distributions_test, discrete_ones_are_the_same_everywhere_and_take_th
     this->check(poisson<int>(lambda), {2, 1});
   this->check(poisson_v<int>({0.0, 1e-3, 0.5, 9.999, 10.0, 300.0, 1e9}), {2, 1});
   this->check(poisson_v<int>(std::vector<double>(5000, 3.3)), {2, 1});
+  this->check(binomial<int>(20, 0.3), {2, 1});
+  this->check(binomial<int>(2147483647, 0.99), {2, 1});
+  this->check(hypergeometric<int>(100, 40, 90), {2, 1});
+  this->check(hypergeometric<int>(2147483647, 1000000000, 99999999), {2, 1});
+  this->check(negative_binomial<int>(2.5, 0.1), {2, 1});
+  this->check(negative_binomial<int>(0.3, 1e-3), {6, 1});
+  this->check(negative_binomial<int>(1e4, 1e-3), {6, 1});
 }
 
 // Groups of three and of six words do not divide what a kernel makes at a time, nor the parts of a call that is cut.
@@ -206,6 +213,9 @@ TYPED_TEST(distributions_test, discrete_ones_have_the_same_values_in_both_types)
     check(bernoulli<int>(0.2), bernoulli<unsigned>(0.2));
     check(poisson<int>(20), poisson<unsigned>(20));
     check(poisson_v<int>({20, 0.1}), poisson_v<unsigned>({20, 0.1}));
+    check(binomial<int>(2147483647, 1), binomial<unsigned>(2147483647, 1));
+    check(hypergeometric<int>(100, 40, 90), hypergeometric<unsigned>(100, 40, 90));
+    check(negative_binomial<int>(1, 1e-9), negative_binomial<unsigned>(1, 1e-9));
   });
 }
 
@@ -233,6 +243,10 @@ TEST(distributions_in_substreams, are_refused_where_a_row_has_too_few_words) {
     check(bernoulli<int>(), mrg32k3a_mode::optimal{});
     check(poisson<int>(), mrg32k3a_mode::optimal{});
     check(poisson_v<int>(), mrg32k3a_mode::optimal{});
+    check(binomial<int>(), mrg32k3a_mode::optimal{});
+    check(hypergeometric<int>(), mrg32k3a_mode::optimal{});
+    check(negative_binomial<int>(), mrg32k3a_mode::optimal{});
+    check(negative_binomial<int>(1, 1e-3), mrg32k3a_mode::optimal{});
   });
 }
 
@@ -284,6 +298,20 @@ TEST(distributions_of_bad_parameters, are_refused_by_name) {
   }
   EXPECT_EQ(refused<poisson_v<int>>(std::vector<double>()),
             "kestro::hvl::rng::poisson_v: invalid argument: size of lambda < 0");
+  const std::string hypergeometric_text = "kestro::hvl::rng::hypergeometric: invalid argument: ";
+  EXPECT_EQ(refused<hypergeometric<int>>(-1, 0, 0), hypergeometric_text + "l < 0");
+  for (const int bad : {-1, 6}) {
+    EXPECT_EQ(refused<hypergeometric<int>>(5, bad, 0), hypergeometric_text + "s is not in [0, l]");
+    EXPECT_EQ(refused<hypergeometric<int>>(5, 0, bad), hypergeometric_text + "m is not in [0, l]");
+  }
+  const std::string binomial_text = "kestro::hvl::rng::binomial: invalid argument: ";
+  EXPECT_EQ(refused<binomial<int>>(-1, 0.5), binomial_text + "ntrial < 0");
+  const std::string negative_text = "kestro::hvl::rng::negative_binomial: invalid argument: ";
+  for (const double bad : {-1e-300, nan, infinite}) {
+    EXPECT_EQ(refused<binomial<int>>(1, bad), binomial_text + "p is not in [0, 1]");
+    EXPECT_EQ(refused<negative_binomial<int>>(bad, 0.5), negative_text + "a <= 0");
+    EXPECT_EQ(refused<negative_binomial<int>>(1, bad), negative_text + "p is not in (0, 1]");
+  }
   EXPECT_EQ(refused<geometric<int>>(std::nextafter(1.0, 2.0)), p_text);
   EXPECT_EQ(refused<geometric<int>>(1.0), "no exception");
 }

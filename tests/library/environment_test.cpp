@@ -35,6 +35,8 @@ TEST(environment_test, of_the_caller_changes_nothing) {
   check(geometric<int>(1e-7));
   check(bernoulli<int>(0.7));
   check(poisson<int>(3e4));
+  check(hypergeometric<int>(2147483647, 1000000000, 99999999));
+  check(negative_binomial<int>(0.3, 1e-3));
 }
 
 } // namespace

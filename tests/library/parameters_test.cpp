@@ -87,7 +87,9 @@ std::string all_verdicts() {
          verdicts<chi_square<double>, 1, std::int32_t>(vdRngChiSquare_64) +
          verdicts<geometric<int>, 1, double>(viRngGeometric_64) +
          verdicts<bernoulli<int>, 1, double>(viRngBernoulli_64) +
-         verdicts<poisson<int>, 1, double>(viRngPoisson_64);
+         verdicts<poisson<int>, 1, double>(viRngPoisson_64) +
+         verdicts<hypergeometric<int>, 3>(viRngHypergeometric_64) +
+         verdicts<negative_binomial<int>, 2, double>(viRngNegbinomial_64);
 }
 
 TEST(parameters_test, class_and_function_agree_in_every_environment) {

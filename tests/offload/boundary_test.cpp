@@ -91,10 +91,7 @@ const std::vector<entry>& entries() {
 
 /// The distributions that the library does not have, by the name of the entry point behind vs, vd, vi.
 const std::map<std::string_view, std::string_view> missing = {
-    {"Binomial", "binomial"},
-    {"Hypergeometric", "hypergeometric"},
     {"Multinomial", "multinomial"},
-    {"Negbinomial", "negative_binomial"},
 };
 
 class poisoned_output {
@@ -336,6 +333,12 @@ TEST_F(ending, an_invalid_parameter_ends_the_process) {
               "p is not in \\(0, 1\\]");
   EXPECT_EXIT(hvl_vqs_viRngBernoulli_omp_offload_ilp64(0, numbers, 1, values, 1.5, nullptr), ends,
               "p is not in \\[0, 1\\]");
+  EXPECT_EXIT(hvl_vqs_viRngBinomial_omp_offload_ilp64(0, numbers, 1, values, -1, 0.5, nullptr), ends,
+              "ntrial < 0");
+  EXPECT_EXIT(hvl_vqs_viRngHypergeometric_omp_offload_lp64(0, numbers, 1, values, 3, 4, 1, nullptr), ends,
+              "s is not in \\[0, l\\]");
+  EXPECT_EXIT(hvl_vqs_viRngNegbinomial_omp_offload_ilp64(0, numbers, 1, values, 0, 0.5, nullptr), ends,
+              "a <= 0");
   EXPECT_EXIT(hvl_vqs_viRngPoisson_omp_offload_lp64(0, numbers, 1, values, -1, nullptr), ends, "lambda < 0");
 }
 

@@ -14,7 +14,8 @@
 
 static const float fa = -2.5f, fb = 7.25f, fone = 1.5f, ftwo = 0.75f;
 static const double da = -2.5, db = 1e6, done = 1.5, dtwo = 0.75, p = 0.03;
-static const int32_t ia = -100, ib = 1000, degrees = 3, dimension = 3, packed = VQS_MATRIX_PACKED;
+static const int32_t ia = -100, ib = 1000, il = 2147483647, is = 1000000000, im = 99999999, degrees = 3,
+                     dimension = 3, packed = VQS_MATRIX_PACKED;
 static const float fmean[] = {1, 2, 3}, fmatrix[] = {1, 0.5f, 2, -1, 0.25f, 3};
 static const double dmean[] = {1, 2, 3}, dmatrix[] = {1, 0.5, 2, -1, 0.25, 3};
 
@@ -50,6 +51,9 @@ static double means[longest]; /* of poisson_v */
   CASE(vi, Geometric, geometric, int32_t, (, p), (, &p))                                                     \
   CASE(vi, Bernoulli, bernoulli, int32_t, (, p), (, &p))                                                     \
   CASE(vi, Poisson, poisson, int32_t, (, db), (, &db))                                                       \
+  CASE(vi, Binomial, binomial, int32_t, (, ib, p), (, &ib, &p))                                              \
+  CASE(vi, Hypergeometric, hypergeometric, int32_t, (, il, is, im), (, &il, &is, &im))                       \
+  CASE(vi, Negbinomial, negbinomial, int32_t, (, done, p), (, &done, &p))                                    \
   CASE(vi, PoissonV, poissonv, int32_t, (, means), (, means))                                                \
   CASE(vi, Uniform, uniform, int32_t, (, ia, ib), (, &ia, &ib))                                              \
   CASE(vi, UniformBits, uniformbits, uint32_t, (), ())                                                       \
@@ -95,10 +99,11 @@ static const struct {
    {tag##Name##_ilp64, tag##Name##_lp64, tag##Name##_lower, tag##Name##_lower_lp64}},
     CASES(ENTRY)};
 
-static const int32_t engines[] = {
-    VQS_ENGINE_PHILOX4X32X10, VQS_ENGINE_MRG32K3A, VQS_ENGINE_MCG31M1,       VQS_ENGINE_MCG59,
-    VQS_ENGINE_MT19937,       VQS_ENGINE_ARS5,     VQS_ENGINE_WICHMANN_HILL, VQS_ENGINE_WICHMANN_HILL + 272,
-    VQS_ENGINE_SOBOL,         VQS_ENGINE_NIEDERREITER};
+static const int32_t engines[] = {VQS_ENGINE_PHILOX4X32X10, VQS_ENGINE_MRG32K3A,
+                                  VQS_ENGINE_MCG31M1,       VQS_ENGINE_MCG59,
+                                  VQS_ENGINE_MT19937,       VQS_ENGINE_ARS5,
+                                  VQS_ENGINE_WICHMANN_HILL, VQS_ENGINE_WICHMANN_HILL + 272,
+                                  VQS_ENGINE_SOBOL,         VQS_ENGINE_NIEDERREITER};
 
 /* The offloaded piece and, behind it, the one that the host makes; each odd, so that neither ends with a block. */
 static const int64_t lengths[] = {0, 1, 5, 1001, 70001};

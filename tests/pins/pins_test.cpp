@@ -74,6 +74,18 @@ template <class T>
 poisson_v<T> pinned(poisson_v<T>) { // one mean, so that splits change nothing
   return poisson_v<T>({37.7});
 }
+template <class T>
+binomial<T> pinned(binomial<T>) {
+  return {71, 0.37};
+}
+template <class T>
+hypergeometric<T> pinned(hypergeometric<T>) {
+  return {171, 37, 91};
+}
+template <class T>
+negative_binomial<T> pinned(negative_binomial<T>) {
+  return {2.3, 0.17};
+}
 template <template <class, class> class Distribution, class T, class M>
 Distribution<T, M> pinned(Distribution<T, M>) { // the families of location and scale
   return {T(-3.1), T(1.9)};
@@ -168,6 +180,9 @@ void add_pins(std::vector<pin>& pins, const std::string& name, Engine (*make)(co
   add("beta<double> of small shapes", beta<double>(0.3, 0.4, -3.1, 1.9), some);
   add("beta<double> of large shapes", beta<double>(3e7, 4e7, -3.1, 1.9), some);
   add("poisson<int> by rejection", poisson<int>(3e6), some);
+  add("binomial<int> by rejection", binomial<int>(2147483647, 0.37), some);
+  add("hypergeometric<int> by rejection", hypergeometric<int>(2147483647, 1000000000, 99999999), some);
+  add("negative_binomial<int> by a mixture", negative_binomial<int>(0.3, 1e-3), some);
   add("poisson_v<int> of a small mean", poisson_v<int>({3.3}), some);
   add("gaussian<double, gaussian_method::box_muller2>",
       pinned(gaussian<double, gaussian_method::box_muller2>()), threads);

@@ -148,4 +148,25 @@ struct distribution_traits<rng::poisson_v<T, M>> : method_traits<rng::poisson_v<
   static constexpr std::tuple parameters{parameter{"lambda", &rng::poisson_v<T, M>::lambda}};
 };
 
+template <class T, class M>
+struct distribution_traits<rng::binomial<T, M>> : method_traits<rng::binomial<T, M>, rng::binomial<T>> {
+  static constexpr std::tuple parameters{parameter{"ntrial", &rng::binomial<T, M>::ntrial},
+                                         parameter{"p", &rng::binomial<T, M>::p}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::hypergeometric<T, M>>
+    : method_traits<rng::hypergeometric<T, M>, rng::hypergeometric<T>> {
+  static constexpr std::tuple parameters{parameter{"l", &rng::hypergeometric<T, M>::l},
+                                         parameter{"s", &rng::hypergeometric<T, M>::s},
+                                         parameter{"m", &rng::hypergeometric<T, M>::m}};
+};
+
+template <class T, class M>
+struct distribution_traits<rng::negative_binomial<T, M>>
+    : method_traits<rng::negative_binomial<T, M>, rng::negative_binomial<T>> {
+  static constexpr std::tuple parameters{parameter{"a", &rng::negative_binomial<T, M>::a},
+                                         parameter{"p", &rng::negative_binomial<T, M>::p}};
+};
+
 } // namespace hvl_rng

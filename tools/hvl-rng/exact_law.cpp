@@ -2,6 +2,7 @@
 
 #include "listed_types.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -207,6 +208,41 @@ exact_law law_of(const rng::poisson_v<T, M>& of) {
             for (const double lambda : means)
               sum += poisson_probability(lambda, k);
             return sum / static_cast<double>(means.size());
+          },
+          0, std::numeric_limits<std::int32_t>::max(), true};
+}
+
+// ln of how many ways there are to choose k of n.
+double log_choose(double n, double k) {
+  return k < 0 || k > n ? -INFINITY : std::lgamma(n + 1) - std::lgamma(k + 1) - std::lgamma(n - k + 1);
+}
+
+// x ln y, also where both are 0.
+double times_log(double x, double y) {
+  return x == 0 ? 0 : x * std::log(y);
+}
+
+template <class T, class M>
+exact_law law_of(const rng::binomial<T, M>& of) {
+  const double n = of.ntrial(), p = of.p();
+  return {[=](double k) { return std::exp(log_choose(n, k) + times_log(k, p) + times_log(n - k, 1 - p)); }, 0,
+          n, true};
+}
+
+template <class T, class M>
+exact_law law_of(const rng::hypergeometric<T, M>& of) {
+  const double l = of.l(), s = of.s(), m = of.m();
+  return {[=](double k) { return std::exp(log_choose(m, k) + log_choose(l - m, s - k) - log_choose(l, s)); },
+          std::max(0.0, s + m - l), std::min(s, m), true};
+}
+
+template <class T, class M>
+exact_law law_of(const rng::negative_binomial<T, M>& of) {
+  const double a = of.a(), p = of.p();
+  return {[=](double k) {
+            return k < 0 ? 0
+                         : std::exp(std::lgamma(a + k) - std::lgamma(a) - std::lgamma(k + 1) +
+                                    a * std::log(p) + times_log(k, 1 - p));
           },
           0, std::numeric_limits<std::int32_t>::max(), true};
 }

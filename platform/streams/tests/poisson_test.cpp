@@ -7,8 +7,7 @@
 
 #include <boost/math/distributions/poisson.hpp>
 
-#include "discrete.hpp"
-#include "fit.hpp"
+#include "law_fit.hpp"
 
 namespace hvl::streams::test {
 namespace {
@@ -24,40 +23,13 @@ generator poisson_v(double mean) {
   };
 }
 
-// Cells of at least 20 expected values.
 void check_poisson(std::int32_t engine, std::size_t n, double mean, const generator& generate) {
   SCOPED_TRACE(testing::Message() << "mean " << mean);
-  const auto values = generated(owned_stream(engine), n, generate);
-  const auto count = static_cast<double>(n);
-  const auto cells = [&](double of_mean, const std::vector<double>& last) {
-    std::vector<double> expected;
-    double below = 0;
-    for (const double k : last) {
-      const double up_to = cdf(boost::math::poisson_distribution<>(of_mean), k);
-      expected.push_back((up_to - below) * count);
-      below = up_to;
-    }
-    expected.push_back((1 - below) * count);
-    return expected;
-  };
   const double deviation = std::sqrt(mean);
-  std::vector<double> last; // of each cell but the last
-  const double step = std::max(1.0, std::floor(deviation / 8));
-  double below = 0;
-  for (double k = std::max(0.0, std::floor(mean - 6 * deviation)); k < mean + 6 * deviation + 3; k += step) {
-    const double up_to = cdf(boost::math::poisson_distribution<>(mean), k);
-    if ((up_to - below) * count >= 20 && (1 - up_to) * count >= 20) {
-      last.push_back(k);
-      below = up_to;
-    }
-  }
-  ASSERT_FALSE(last.empty());
-  std::vector<std::uint64_t> counts(last.size() + 1);
-  for (const std::int32_t value : values)
-    ++counts[static_cast<std::size_t>(std::lower_bound(last.begin(), last.end(), value) - last.begin())];
-  expect_fit(chi_square(counts, cells(mean, last)), counts.size());
-  EXPECT_GT(chi_square(counts, cells(mean + 0.05 * deviation, last)), critical_chi_square(counts.size()))
-      << "a wrong mean passes";
+  const auto law = [](double of_mean) {
+    return [=](double k) { return cdf(boost::math::poisson_distribution<>(of_mean), k); };
+  };
+  check_law(engine, n, mean, deviation, law(mean), law(mean + 0.05 * deviation), generate);
 }
 
 class poisson_numbers : public each_engine {};

@@ -218,6 +218,22 @@ HVL_STREAMS_API int viRngPoisson_64(int64_t method, vqs_stream stream, int64_t n
 HVL_STREAMS_API int viRngPoissonV_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r,
                                      const double* lambda);
 
+/* Successes of ntrial trials, each with probability p in [0, 1]. By inversion up to a variance of 2^20, beyond by
+ * Hoermann's rejection BTRS. */
+HVL_STREAMS_API int viRngBinomial_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, int32_t ntrial,
+                                     double p);
+
+/* Marked ones in a sample of s from a lot of l that holds m marked, s and m in [0, l]. By inversion up to a variance of
+ * 2^20, beyond by rejection. */
+HVL_STREAMS_API int viRngHypergeometric_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r,
+                                           int32_t l, int32_t s, int32_t m);
+
+/* Failures before success number a, a positive real number, each trial a success with probability p in (0, 1]. By inversion
+ * where p is at least 2^-8 and the variance at most 2^20, beyond as Poisson with a gamma distributed mean, of six words a
+ * value. */
+HVL_STREAMS_API int viRngNegbinomial_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, double a,
+                                        double p);
+
 /* a + beta sqrt(-ln u). Accurate method: no value below a. */
 HVL_STREAMS_API int vsRngRayleigh_64(int64_t method, vqs_stream stream, int64_t n, float* r, float a,
                                      float beta);

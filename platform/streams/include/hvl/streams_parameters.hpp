@@ -110,6 +110,21 @@ inline const char* poisson_fault(double lambda) {
   return !(lambda >= 0 && std::isfinite(lambda)) ? "lambda < 0" : nullptr;
 }
 
+inline const char* binomial_fault(std::int32_t ntrial, double p) {
+  return ntrial < 0 ? "ntrial < 0" : bernoulli_fault(p);
+}
+
+inline const char* hypergeometric_fault(std::int32_t l, std::int32_t s, std::int32_t m) {
+  return l < 0            ? "l < 0"
+         : s < 0 || s > l ? "s is not in [0, l]"
+         : m < 0 || m > l ? "m is not in [0, l]"
+                          : nullptr;
+}
+
+inline const char* negative_binomial_fault(double a, double p) {
+  return !(a > 0 && std::isfinite(a)) ? "a <= 0" : geometric_fault(p);
+}
+
 inline const char* poisson_v_fault(const double* lambda, std::int64_t count) {
   for (std::int64_t i = 0; i < count; ++i)
     if (const char* const fault = poisson_fault(lambda[i]))

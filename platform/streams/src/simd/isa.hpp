@@ -25,6 +25,7 @@ transform_function gamma_transform(word_kind kind, bool below_one, precision p) 
 vector_function gaussian_mv_function(precision p) noexcept;
 transform_function beta_transform(word_kind kind, precision p) noexcept;
 transform_function geometric_transform(word_kind kind) noexcept;
+transform_function negative_binomial_transform(word_kind kind) noexcept;
 transform_function rejection_transform(word_kind kind) noexcept;
 transform_function thresholds_transform(word_kind kind) noexcept;
 void stream_lines(void* out, const void* in, std::size_t bytes) noexcept;

@@ -27,9 +27,21 @@ const block_kernel* block_kernel_of(const engine& e) noexcept {
   return narrower.block(e);
 }
 
-const kernel_set kernels = {
-    block_kernel_of,      uniform_transform, gaussian_transform,  lognormal_transform, inverse_cdf_transform,
-    gamma_transform,      beta_transform,    geometric_transform, rejection_transform, thresholds_transform,
-    gaussian_mv_function, stream_lines,      xor_windows,         fold_bytes,          next_row};
+const kernel_set kernels = {block_kernel_of,
+                            uniform_transform,
+                            gaussian_transform,
+                            lognormal_transform,
+                            inverse_cdf_transform,
+                            gamma_transform,
+                            beta_transform,
+                            geometric_transform,
+                            negative_binomial_transform,
+                            rejection_transform,
+                            thresholds_transform,
+                            gaussian_mv_function,
+                            stream_lines,
+                            xor_windows,
+                            fold_bytes,
+                            next_row};
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -88,6 +88,8 @@ struct kernel_set {
   transform_function (*beta)(word_kind kind, precision p) noexcept;
   // Parameters are geometric_parameters.
   transform_function (*geometric)(word_kind kind) noexcept;
+  // Parameters are negative_binomial_parameters.
+  transform_function (*negative_binomial)(word_kind kind) noexcept;
   // Parameters are rejection_parameters.
   transform_function (*rejection)(word_kind kind) noexcept;
   // Parameters are threshold_parameters.

@@ -114,17 +114,21 @@ class rejection_chunk {
   // Sets the value of every open place, whether it is accepted or not.
   HWY_INLINE void further_attempt(std::uint32_t attempt) {
     const vector_tag<double> d;
-    alignas(vector_alignment) double u[width] = {}, v[width] = {};
+    alignas(vector_alignment) double u[width], v[width];
+    alignas(vector_alignment) std::uint32_t own[group_words][width] = {};
     alignas(vector_alignment) std::int32_t made[width];
     open_.decide(
         [&](std::size_t k, std::size_t place) HVL_STREAMS_INLINE_LAMBDA {
-          std::uint32_t own[group_words];
-          own_words_at(place, own);
-          const math::rejection_uniforms r = math::rejection_attempt_uniforms(own, attempt);
-          u[k] = r.u;
-          v[k] = r.v;
+          for (std::size_t w = 0; w < group_words; ++w)
+            own[w][k] = raw(words_[place * group_words + w]);
         },
         [&](const std::uint32_t* places, std::size_t lanes) HVL_STREAMS_INLINE_LAMBDA {
+          for (std::size_t k = 0; k < width; ++k) { // of all lanes, so that they are hashed in vectors
+            const std::uint32_t words[group_words] = {own[0][k], own[1][k]};
+            const math::rejection_uniforms r = math::rejection_attempt_uniforms(words, attempt);
+            u[k] = r.u;
+            v[k] = r.v;
+          }
           const auto second = hn::Load(d, v);
           const auto proposal = math::rejection_proposed<O>(hn::Load(d, u), second, p_.law);
           hn::Store(result(proposal.k), integers(), made);

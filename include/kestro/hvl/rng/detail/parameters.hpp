@@ -43,6 +43,10 @@ KESTRO_HVL_API void check_centred(const char* distribution, T a, T b);
 
 /// Checks the parameters and makes the record that goes with them; null where they need none.
 KESTRO_HVL_API std::shared_ptr<threshold_record> poisson_record(double lambda);
+KESTRO_HVL_API std::shared_ptr<threshold_record> binomial_record(std::int32_t ntrial, double p);
+KESTRO_HVL_API std::shared_ptr<threshold_record> hypergeometric_record(std::int32_t l, std::int32_t s,
+                                                                       std::int32_t m);
+KESTRO_HVL_API std::shared_ptr<threshold_record> negative_binomial_record(double a, double p);
 KESTRO_HVL_API std::shared_ptr<means_record>
 poisson_v_record(std::shared_ptr<const std::vector<double>> lambda);
 
