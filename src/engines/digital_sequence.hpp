@@ -4,8 +4,8 @@
 #include <string>
 
 #include "engines/digital_state.hpp"
-#include "framework/generation.hpp"
 #include "framework/device_state.hpp"
+#include "framework/generation.hpp"
 
 /// Digital sequences: their words follow from a position and from tables, which on a GPU device live in its memory.
 namespace kestro::hvl::rng::detail {
@@ -16,7 +16,7 @@ struct digital_tables final : device_state {
 };
 
 template <class Engine>
-struct digital_extension {
+struct digital_extension : no_extension {
   /// Throws `device_bad_alloc`.
   void attach(const sycl::queue& queue, const stream_handle& stream) {
     std::unique_ptr<digital_tables, retire> made(new digital_tables);
@@ -25,7 +25,6 @@ struct digital_extension {
       throw device_bad_alloc("rng", about<Engine>.name, queue.get_device());
     tables = std::move(made);
   }
-  void store(const stream_handle&) const {}
 
   std::unique_ptr<digital_tables, retire> tables;
 };

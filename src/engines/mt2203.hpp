@@ -41,7 +41,9 @@ struct engine_generation<mt2203> : generation_on_ring<mt2203> {
                                            const DistributionImpl& distribution, std::int64_t n,
                                            const Target& target) {
     return distribution.with_transform(queue, [&](const auto& transform) {
-      return impl.extension().several->submit(queue, transform, n, target);
+      return in_steps(queue, transform, n, target, [&](const auto& step) {
+        return impl.extension().several->submit(queue, step, n, target);
+      });
     });
   }
 };

@@ -8,8 +8,8 @@
 
 #include <sycl/sycl.hpp>
 
-#include "framework/kernel_frame.hpp"
 #include "framework/device_state.hpp"
+#include "framework/kernel_frame.hpp"
 #include "framework/stream.hpp"
 
 /// Several states of mt2203 whose values are dealt in turn.

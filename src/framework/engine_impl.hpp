@@ -62,13 +62,15 @@ class engine_state {
 ///   store: brings it back into the stream
 ///   copy: takes over, from a settled engine, what its stream does not hold
 ///   check_saved: throws where that cannot be saved
-template <class Engine>
-struct engine_extension {
+struct no_extension {
   void attach(const sycl::queue&, const stream_handle&) {}
   void store(const stream_handle&) const {}
-  void copy(const engine_extension&) {}
+  void copy(const no_extension&) {}
   void check_saved() const {}
 };
+
+template <class Engine>
+struct engine_extension : no_extension {};
 
 /// The implementation behind an engine object.
 template <class Engine>

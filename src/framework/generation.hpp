@@ -97,6 +97,23 @@ struct generation_at_position {
 template <class Engine>
 struct engine_generation : generation_at_position<Engine> {};
 
+/// Submits a transform by `submit`; of one in two steps the first, and behind it the second, which does not know the engine.
+template <class Transform, class Target, class Submit>
+sycl::event in_steps(sycl::queue& queue, const Transform& transform, std::int64_t n, const Target& target,
+                     const Submit& submit) {
+  if constexpr (requires { transform.first_step(); }) {
+    sycl::event first = submit(transform.first_step());
+    try {
+      return transform.second_step(queue, first, n, target);
+    } catch (...) {
+      first.wait(); // it writes to the caller's memory
+      throw;
+    }
+  } else {
+    return submit(transform);
+  }
+}
+
 template <class Engine, device_type Device>
 template <class DistributionImpl, class Target>
 sycl::event engine_base_impl_backend<Engine, Device>::generate(sycl::queue& queue,
@@ -113,17 +130,9 @@ sycl::event engine_base_impl_backend<Engine, Device>::generate(sycl::queue& queu
   else
     return distribution.with_transform(queue, [&](const auto& transform) {
       const std::uint64_t words = words_of(transform.words, n);
-      if constexpr (requires { transform.first_step(); }) {
-        sycl::event first = generation::submit(*this, queue, transform.first_step(), words, n, target);
-        try {
-          return transform.second_step(queue, first, n, target);
-        } catch (...) {
-          first.wait(); // it writes to the caller's memory
-          throw;
-        }
-      } else {
-        return generation::submit(*this, queue, transform, words, n, target);
-      }
+      return in_steps(queue, transform, n, target, [&](const auto& step) {
+        return generation::submit(*this, queue, step, words, n, target);
+      });
     });
 }
 

@@ -15,7 +15,7 @@ namespace kestro::hvl::rng::detail {
 
 /// The GPU backend's ring, which stands for the stream; the stream is brought up to date when asked for.
 template <class Engine>
-struct ring_extension {
+struct ring_extension : no_extension {
   void attach(const sycl::queue& queue, const stream_handle& stream) {
     ring.reset(new device_ring<Engine>(queue, stream));
   }
@@ -24,9 +24,6 @@ struct ring_extension {
     if (ring)
       ring->store(stream);
   }
-
-  void copy(const ring_extension&) {}
-  void check_saved() const {}
 
   std::unique_ptr<device_ring<Engine>, retire> ring;
 };

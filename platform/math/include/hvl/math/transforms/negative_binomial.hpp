@@ -9,7 +9,7 @@ namespace hvl::math {
 
 // `successes` is a shape, positive; p lies in (0, 1].
 HVL_MATH_INLINE gamma_constants<double> negative_binomial_means(double successes, double p) {
-  return gamma_constants_of(successes, 0.0, (1 - p) / p);
+  return gamma_constants_of<double>(successes, 0.0, (1 - p) / p);
 }
 
 // One value, for a policy of one number. Of the six words two make the mean's normal number, one its acceptance, one its
