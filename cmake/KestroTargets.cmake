@@ -72,7 +72,7 @@ endfunction()
 
 # kestro_test(<name> SOURCES ... [LIBRARIES ...] [LABELS ...]): a GoogleTest program, one ctest entry. The target
 # <label>_suites builds the programs of a label: `memory` for what goes wrong in memory, which the address sanitizer
-# sees, `threads` for what goes wrong between threads.
+# sees, `threads` for what goes wrong between threads, `bits` for what another compiler must give the same bits of.
 function(kestro_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;LABELS")
   find_package(GTest REQUIRED)

@@ -22,6 +22,19 @@ void check(const char* distribution, const char* (*rule)(Parameters...), Paramet
     throw invalid_argument("rng", distribution, fault);
 }
 
+template <class T>
+const char* matrix_fault(const std::vector<T>* mean, const std::vector<T>* matrix, std::int32_t code) {
+  constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
+  const auto dimen = static_cast<std::int32_t>(mean->size() < most ? mean->size() : most);
+  const char* const fault = ::hvl::streams::gaussian_mv_fault(dimen, code);
+  if (fault != nullptr)
+    return fault;
+  const auto storage = static_cast<::hvl::math::matrix_storage>(code);
+  if (mean->size() > most || matrix->size() != ::hvl::math::matrix_elements(storage, mean->size()))
+    return "size of t";
+  return ::hvl::streams::gaussian_mv_fault(dimen, code, mean->data(), matrix->data());
+}
+
 } // namespace
 
 template <class T>
@@ -57,18 +70,7 @@ void check_beta(T p, T q, T a, T beta) {
 template <class T>
 std::shared_ptr<matrix_record> gaussian_mv_record(const std::vector<T>& a, const std::vector<T>& t,
                                                   std::int32_t mstorage) {
-  const auto rule = [](const std::vector<T>* mean, const std::vector<T>* matrix, std::int32_t code) {
-    constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
-    const auto dimen = static_cast<std::int32_t>(mean->size() < most ? mean->size() : most);
-    const char* const fault = ::hvl::streams::gaussian_mv_fault(dimen, code);
-    if (fault != nullptr)
-      return fault;
-    const auto storage = static_cast<::hvl::math::matrix_storage>(code);
-    if (mean->size() > most || matrix->size() != ::hvl::math::matrix_elements(storage, mean->size()))
-      return "size of t";
-    return ::hvl::streams::gaussian_mv_fault(dimen, code, mean->data(), matrix->data());
-  };
-  check("gaussian_mv", +rule, &a, &t, mstorage);
+  check("gaussian_mv", matrix_fault<T>, &a, &t, mstorage);
   return std::make_shared<matrix_record>(a, t, static_cast<::hvl::math::matrix_storage>(mstorage));
 }
 

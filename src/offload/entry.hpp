@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <vector>
 
 #include <hvl/streams_parameters.hpp>
@@ -70,7 +71,11 @@ std::int32_t offload(std::int64_t method, void* stream, std::int64_t n, typename
                      void* interop, const Parameters&... parameters) noexcept {
   if (method != 0 || !entry<Distribution>::accepts(parameters...))
     return KESTRO_HVL_OFFLOAD_BAD_ARGUMENT;
-  return omp_driver(entry<Distribution>::make(n, parameters...), stream, n, r, interop);
+  try {
+    return omp_driver(entry<Distribution>::make(n, parameters...), stream, n, r, interop);
+  } catch (...) {
+    std::terminate(); // which says what was thrown, as the exception is still there
+  }
 }
 
 } // namespace kestro::hvl::rng::detail::openmp

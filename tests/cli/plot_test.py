@@ -44,6 +44,8 @@ def zero_below(end, cdf):
 
 def erlang_cdf(shape, z):
     """Of the sum of so many exponential variables."""
+    if z == 0:
+        return 0.0
     return 1 - math.fsum(math.exp(k * math.log(z) - z - math.lgamma(k + 1)) for k in range(shape))
 
 

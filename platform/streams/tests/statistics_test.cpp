@@ -33,6 +33,7 @@ struct exact_distribution {
   };
   std::optional<moments> finite_moments;
   double location, scale;
+  bool has_far_tails = true; // false where they end within the rounding of the location
 };
 
 template <class D>
@@ -52,6 +53,9 @@ const std::map<std::string, exact_distribution>& exact_distributions() {
     exact_distribution gumbel = with_moments(greatest, third, half);
     gumbel.quantile = [=](double p) { return -bm::quantile(bm::complement(greatest, p)); };
     gumbel.finite_moments->mean = -bm::mean(greatest);
+    exact_distribution beta_small = with_moments(
+        bm::beta_distribution<double>(static_cast<double>(0.3f), static_cast<double>(0.4f)), third, half);
+    beta_small.has_far_tails = false;
     return std::map<std::string, exact_distribution>{
         {"gaussian_box_muller", normal},
         {"gaussian_box_muller2", normal},
@@ -66,9 +70,8 @@ const std::map<std::string, exact_distribution>& exact_distributions() {
         {"beta", with_moments(bm::beta_distribution<double>(2.5, 1.5), third, half)},
         {"beta_one_below_one",
          with_moments(bm::beta_distribution<double>(static_cast<double>(0.7f), 3), third, half)},
-        {"beta_small",
-         with_moments(bm::beta_distribution<double>(static_cast<double>(0.3f), static_cast<double>(0.4f)),
-                      third, half)},
+        {"beta_small", beta_small},
+        {"beta_large", with_moments(bm::beta_distribution<double>(3e6, 2e6), third, half)},
         {"gamma", with_moments(bm::gamma_distribution<double>(1.7), third, half)},
         {"gamma_below_one", with_moments(bm::gamma_distribution<double>(0.9), third, half)},
         {"gamma_large", with_moments(bm::gamma_distribution<double>(100), third, half)},
@@ -150,6 +153,8 @@ void check_fit(std::int32_t engine, const member<T>& m, std::size_t n) {
   if (e.finite_moments)
     check_moments(x, *e.finite_moments);
   for (const double p : {1e-4, 1e-5}) {
+    if (!e.has_far_tails)
+      break;
     const double low = e.quantile(p), high = e.quantile(1 - p);
     expect_tail(
         static_cast<std::uint64_t>(std::count_if(x.begin(), x.end(), [=](double v) { return v < low; })),
