@@ -12,7 +12,7 @@
 namespace hvl::streams::test {
 
 inline constexpr double alarm = 1e-8;
-inline constexpr double all_alarms = 3e-5;
+inline constexpr double all_alarms = 4e-5;
 
 class comparisons : public ::testing::Environment {
  public:

@@ -34,6 +34,7 @@ struct exact_distribution {
   std::optional<moments> finite_moments;
   double location, scale;
   bool has_far_tails = true; // false where they end within the rounding of the location
+  bool fits_float = true;    // false where a bin has not many floats
 };
 
 template <class D>
@@ -56,6 +57,8 @@ const std::map<std::string, exact_distribution>& exact_distributions() {
     exact_distribution beta_small = with_moments(
         bm::beta_distribution<double>(static_cast<double>(0.3f), static_cast<double>(0.4f)), third, half);
     beta_small.has_far_tails = false;
+    exact_distribution beta_large = with_moments(bm::beta_distribution<double>(3e6, 2e6), third, half);
+    beta_large.fits_float = false;
     return std::map<std::string, exact_distribution>{
         {"gaussian_box_muller", normal},
         {"gaussian_box_muller2", normal},
@@ -71,7 +74,7 @@ const std::map<std::string, exact_distribution>& exact_distributions() {
         {"beta_one_below_one",
          with_moments(bm::beta_distribution<double>(static_cast<double>(0.7f), 3), third, half)},
         {"beta_small", beta_small},
-        {"beta_large", with_moments(bm::beta_distribution<double>(3e6, 2e6), third, half)},
+        {"beta_large", beta_large},
         {"gamma", with_moments(bm::gamma_distribution<double>(1.7), third, half)},
         {"gamma_below_one", with_moments(bm::gamma_distribution<double>(0.9), third, half)},
         {"gamma_large", with_moments(bm::gamma_distribution<double>(100), third, half)},
@@ -147,6 +150,8 @@ template <class T>
 void check_fit(std::int32_t engine, const member<T>& m, std::size_t n) {
   SCOPED_TRACE(m.name);
   const exact_distribution& e = exact(m.name);
+  if (sizeof(T) == 4 && !e.fits_float)
+    return;
   const equal_bins bins(e.quantile, 128);
   const std::vector<double> x = standardised(engine, m, n);
   expect_fit(fit(x, bins, 1), bins.count());
