@@ -91,10 +91,10 @@ def run_all(jobs, parallel):
         try:
             for number, done in enumerate(concurrent.futures.as_completed(running), 1):
                 done.result()
-                print(f"\r{number} of {len(running)}", end="", file=sys.stderr)
+                if sys.stderr.isatty():
+                    print(f"{number} of {len(running)}", end="\r", file=sys.stderr)
         finally:
             pool.shutdown(cancel_futures=True)
-            print(file=sys.stderr)
     return [outcome for done in running for outcome in done.result()]
 
 
@@ -181,7 +181,7 @@ def page(arguments, outcomes, expectations, measures, batteries, faults):
     yield "N words. `gaps_N`: between words in the lowest Nth of the range. `runs`: ascending ones. `birthdays_N`: equal spacings of"
     yield "points in N dimensions. `rank_bit`, `rank_word`: of matrices filled with first bits, or with all bits. `complexity`,"
     yield "`complexity_512`: linear complexity of the first bits, of a long sequence and over blocks. `hamming_pairs`, `hamming_lags`,"
-    yield "`hamming_triples`: numbers of set bits of neighbours, of words at any two distances, at any three."
+    yield "`hamming_triples`: numbers of set bits of neighbours, of words at any distance, and of three words at any two."
 
 
 def main():
