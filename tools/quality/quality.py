@@ -120,10 +120,6 @@ def judge(outcomes, expectations, size):
     return faults
 
 
-def shown(p):
-    return "below 1e-300" if p < 1e-300 else f"{p:.2g}"
-
-
 def table(outcomes, expectations):
     expected = cells_of(expectations)
     rows = collections.defaultdict(list)
@@ -135,7 +131,7 @@ def table(outcomes, expectations):
         failed = [o for o in of_row if o.p < ALARM]
         others = [o.p for o in of_row if o.p >= ALARM]
         names = ", ".join(o.test if o[:3] in expected or o.test == "practrand" else f"**{o.test}**" for o in failed)
-        least = shown(min(others)) if others else ""
+        least = f"{min(others):.2g}" if others else ""
         yield f"| `{engine}` | {view} | {len(of_row)} | {names or '-'} | {least} |"
 
 
@@ -146,9 +142,9 @@ def page(arguments, outcomes, expectations, measures, batteries, faults):
     yield f"Made by `./dev quality` at size {arguments.size}, where most tests read about 2^{arguments.size} words, from the seed {arguments.seed}."
     yield f"Batteries: {', '.join(batteries)}."
     yield ""
-    yield f"{count} p-values, two-sided; one below {ALARM:g} is a failure, so perfect engines would raise a false alarm in one of"
-    yield f"{1 / (count * ALARM):.0e} runs. Failures in bold are faults: the others are expected, for the reasons below the table."
-    yield "An expected failure that does not appear is a fault as well."
+    yield f"{count} p-values, two-sided; one below {ALARM:g} is a failure. Perfect engines would raise a false alarm with"
+    yield f"probability {count * ALARM:.1g}. Failures in bold are faults: the others are expected, for the reasons below the table, and"
+    yield "one of those that does not appear is a fault as well."
     for fault in faults:
         yield f"- **{fault}**"
     yield ""
