@@ -19,7 +19,7 @@ case $1 in
 esac
 """
 TESTU01 = """#!/bin/sh
-printf 'smallcrush_Gap\\t%s\\n' "$([ "$1" = weak ] && echo 0 || echo 0.5)"
+printf 'smallcrush_Gap\\t%s\\n' "$([ "$1" = {0} ] && echo 0 || echo 0.5)"
 """
 RNG_TEST = """#!/bin/sh
 [ "$*" = "stdin32 -tlmax 256MB" ] || exit 3
@@ -78,17 +78,19 @@ class Quality(unittest.TestCase):
         self.write("measures", "net\tnan\t1\n")
         self.assertEqual(self.judged()[0], 1)
 
-    def test_other_batteries_are_judged_where_they_are(self):
-        self.write("testu01", TESTU01)
-        self.write("expected", EXPECTED + "weak words smallcrush_Gap : likewise\n")
+    def test_other_batteries_fault_engines_without_known_weakness(self):
+        self.write("testu01", TESTU01.replace("{0}", "weak"))
         self.assertEqual(self.judged(), (0, "no fault"))
         self.assertIn("not TestU01", self.page)
         self.assertEqual(self.judged("--testu01", self.folder / "testu01"), (0, "no fault"))
         self.assertIn("| `weak` | words | 3 | rank, smallcrush_Gap |", self.page)
-        self.write("expected", EXPECTED)
-        self.assertEqual(self.judged("--testu01", self.folder / "testu01"), (1, "unexpected: weak words smallcrush_Gap, p = 0"))
+        self.write("testu01", TESTU01.replace("{0}", "strong"))
+        self.write("expected", EXPECTED + "strong uniforms runs : a matter of roundings\n")
+        self.write("strong.uniforms", "runs\t0\nrank\t0.5\n")
+        self.assertEqual(self.judged("--testu01", self.folder / "testu01"), (1, "unexpected: strong words smallcrush_Gap, p = 0"))
+        self.assertIn("| `strong` | words | 3 | **smallcrush_Gap** |", self.page)
 
-    def test_practrand_reads_the_words_and_faults_engines_without_known_weakness(self):
+    def test_practrand_reads_the_words(self):
         self.write("RNG_test", RNG_TEST.replace("{0}", "weak"))
         self.assertEqual(self.judged(), (0, "no fault"))
         self.assertIn("| `weak` | words | 3 | rank, practrand | 0.12 |", self.page)
