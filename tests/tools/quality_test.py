@@ -58,7 +58,7 @@ class Quality(unittest.TestCase):
         self.assertIn("| `strong` | uniforms | 2 | - | 0.25 |", self.page)
         self.assertIn("| `points` | net | 1 | 1 |", self.page)
         self.assertIn("6 p-values", self.page)
-        self.assertIn("- `weak` as words: it is linear.", self.page)
+        self.assertIn("- `weak` as words, in rank: it is linear.", self.page)
 
     def test_an_unexpected_failure_is_a_fault(self):
         self.write("strong.uniforms", "runs\t9e-11\nrank\t1.1e-10\n")

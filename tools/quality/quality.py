@@ -159,7 +159,7 @@ def page(arguments, outcomes, expectations, measures, batteries, faults):
     yield "## Expected failures"
     yield ""
     for e in expectations:
-        yield f"- {', '.join(f'`{name}`' for name in e.engines)} as {', '.join(e.views)}: {e.why}."
+        yield f"- {', '.join(f'`{name}`' for name in e.engines)} as {', '.join(e.views)}, in {', '.join(e.tests)}: {e.why}."
     yield ""
     yield "## Quasi-random engines"
     yield ""
