@@ -158,6 +158,9 @@ def page(arguments, outcomes, expectations, measures, batteries, faults):
     yield ""
     yield "## Expected failures"
     yield ""
+    yield "Of the project's own tests; what other batteries find counts as expected in the engines that are listed for more than"
+    yield "their `uniforms` and `doubles`."
+    yield ""
     for e in expectations:
         yield f"- {', '.join(f'`{name}`' for name in e.engines)} as {', '.join(e.views)}, in {', '.join(e.tests)}: {e.why}."
     yield ""
