@@ -43,7 +43,8 @@ def declaration(root, page):
     for pattern in patterns:
         for header in sorted((root / "include/kestro/hvl/rng").glob(pattern)):
             if found := shape.search(header.read_text()):
-                return f"#include <kestro/hvl/rng.hpp>\n\n{found[0]}\n"
+                public = re.sub(r"\n+ private:\n.*(?=\n};$)", "", found[0], flags=re.DOTALL)
+                return f"#include <kestro/hvl/rng.hpp>\n\n{public}\n"
     return ""
 
 
