@@ -25,14 +25,16 @@ def value(text):
 
 
 def tables(text):
-    """The title's lines, and of each device its name and its rows: a call, a second, GB/s, memory GB/s, per cent, bar."""
+    """The title's lines, and of each device its name, its rows (a call, a second, GB/s, memory GB/s, per cent, bar) and whether
+    sizes were left out."""
     title, *devices = text.split("\n\n")
     read = []
     for device in devices:
         name, head, *rows = device.splitlines()
         assert re.sub(" +", " ", head) == " a call a second GB/s memory GB/s part", head
+        is_cut = rows[-1] == "       ...  larger calls want more --seconds"
         read.append((name, [(value(row[1]), value(row[2]), float(row[3]), float(row[4]), int(row[5]), len(row[6]))
-                            for row in map(ROW.match, rows)]))
+                            for row in map(ROW.match, rows[:-1] if is_cut else rows)], is_cut))
     return title.splitlines(), read
 
 
@@ -49,11 +51,12 @@ class Figures(unittest.TestCase):
         title, devices = tables(bench(*SHORT))
         self.assertEqual(title, ["uniform  a=0  b=1", "numbers (float, standard) of philox4x32x10, seed 1"])
         listed = [line.split() for line in run("devices").stdout.decode().splitlines()[1:]]
-        self.assertEqual([name.split(":")[0].split() for name, _ in devices],
+        self.assertEqual([name.split(":")[0].split() for name, *_ in devices],
                          [line[:2] for line in listed if line[1] in ("cpu", "gpu")])
-        for _, rows in devices:
+        for _, rows, is_cut in devices:
             sizes = [row[0] for row in rows]
             self.assertEqual(sizes, [1e3, 1e5, 1e6, 5e7][:len(sizes)])
+            self.assertEqual(is_cut, len(sizes) < 4)
             self.assert_consistent(rows, 4)
 
     def test_options_say_what_is_measured(self):
@@ -65,7 +68,8 @@ class Figures(unittest.TestCase):
                      "9", "--skip", "10")):
                 title, devices = tables(bench("--device", device, "-n", "5k", *SHORT, *arguments))
                 self.assertEqual(title[1], f"numbers {of}")
-                ((name, rows),) = devices
+                ((name, rows, is_cut),) = devices
+                self.assertFalse(is_cut)
                 self.assertIn(f" {device}: ", name)
                 self.assertEqual([row[0] for row in rows], [1e4 if "gaussian_mv" in arguments else 5e3])  # vectors of two
                 self.assert_consistent(rows, value_bytes)

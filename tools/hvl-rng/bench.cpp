@@ -8,7 +8,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
+#include <chrono>
 #include <iterator>
 #include <limits>
 
@@ -28,12 +28,16 @@ struct speed {
   double numbers_a_second() const { return static_cast<double>(numbers) / seconds; }
   double bytes_a_second() const { return static_cast<double>(bytes) / seconds; }
   double filled_a_second() const { return static_cast<double>(bytes) / fill_seconds; }
+  double scale_from(const speed& smaller) const {
+    return static_cast<double>(numbers) / static_cast<double>(smaller.numbers);
+  }
   double part() const { return fill_seconds / seconds; }
 };
 
 struct device_speeds {
   std::string name;
   std::vector<speed> sizes;
+  bool is_cut; // for want of time
 };
 
 class stand {
@@ -41,71 +45,61 @@ class stand {
   stand(const sycl::device& device, const source_options& options, const distribution_entry& distribution)
       : queue_(make_queue(device)), source_(make_source(queue_, find_engine(options.engine), options.start,
                                                         distribution, options.parameters)),
-        count_(options.count), values_in_one_(source_->values_in_one()),
-        bytes_in_one_(distribution.value_bytes * values_in_one_) {
-    if (count_ > most_bytes / bytes_in_one_)
-      throw failure(exit_status::usage, fmt::format("--count {}: at most {} are measured in a call", count_,
-                                                    most_bytes / bytes_in_one_));
+        values_in_one_(source_->values_in_one()), bytes_in_one_(distribution.value_bytes * values_in_one_) {
+    const std::uint64_t most = most_bytes / bytes_in_one_;
+    if (options.count > most)
+      throw failure(exit_status::usage,
+                    fmt::format("--count {}: at most {} are measured in a call", options.count, most));
+    if (options.count != 0)
+      wanted_ = {size_of(options.count)};
+    else
+      for (const std::uint64_t numbers : usual_counts)
+        wanted_.push_back(size_of(std::max(numbers / values_in_one_, std::uint64_t{1})));
   }
 
   // Sizes whose single call would take a fourth of the time are left out, but for the smallest.
-  std::vector<speed> measure(double seconds) {
+  device_speeds measure(double seconds) {
     const double slowest_call = std::max(seconds / 4, 0.05);
-    const std::uint64_t most = count_ != 0 ? count_ : std::end(usual_counts)[-1] / values_in_one_;
-    const usm_memory memory(most * bytes_in_one_, queue_);
+    const usm_memory memory(wanted_.back().bytes, queue_);
     std::vector<speed> sizes;
-    double spent = 0;
-    if (count_ != 0) {
-      sizes.push_back(size_of(count_));
-      spent += warm_up(sizes.back(), memory);
-    } else {
-      for (const std::uint64_t numbers : usual_counts) {
-        const speed next = size_of(std::max(numbers / values_in_one_, std::uint64_t{1}));
-        const auto expected = [&] {
-          return spent_last_ / double(sizes.back().numbers) * double(next.numbers);
-        };
-        if (!sizes.empty() && expected() > slowest_call)
-          break;
-        sizes.push_back(next);
-        spent += warm_up(sizes.back(), memory);
-      }
+    double last_call = 0;
+    const auto end = clock::now() + std::chrono::duration<double>(seconds);
+    for (const speed& next : wanted_) {
+      if (!sizes.empty() && last_call * next.scale_from(sizes.back()) > slowest_call)
+        break;
+      sizes.push_back(next);
+      // New pages, tables and kernels cost time once.
+      fill_memory(queue_, memory.get(), next.bytes);
+      generate(next, memory);
+      last_call = generate(next, memory);
     }
-    do {
-      spent += seconds_of([&] {
-        for (speed& one : sizes)
-          measure_once(one, memory);
-      });
-    } while (spent < seconds);
-    return sizes;
+    do
+      for (speed& one : sizes) {
+        // The two meet the same minute of the machine.
+        one.seconds = std::min(one.seconds, generate(one, memory));
+        one.fill_seconds = std::min(one.fill_seconds, fill_memory(queue_, memory.get(), one.bytes));
+      }
+    while (clock::now() < end);
+    return {"", sizes, sizes.size() < wanted_.size()};
   }
 
  private:
+  using clock = std::chrono::steady_clock;
+
   speed size_of(std::uint64_t count) const { return {count * values_in_one_, count * bytes_in_one_}; }
 
-  void generate(const speed& size, const usm_memory& memory) {
-    source_->fill(memory.get(), static_cast<std::int64_t>(size.numbers / values_in_one_)).wait();
-    queue_.throw_asynchronous();
-  }
-
-  // New pages, tables and kernels cost time once.
-  double warm_up(const speed& size, const usm_memory& memory) {
-    return seconds_of([&] {
-      fill_memory(queue_, memory.get(), size.bytes);
-      generate(size, memory);
-      spent_last_ = seconds_of([&] { generate(size, memory); });
+  double generate(const speed& size, const usm_memory& memory) {
+    const double seconds = seconds_of([&] {
+      source_->fill(memory.get(), static_cast<std::int64_t>(size.numbers / values_in_one_)).wait();
     });
-  }
-
-  // The numbers and the fill meet the same minute of the machine.
-  void measure_once(speed& size, const usm_memory& memory) {
-    size.seconds = std::min(size.seconds, seconds_of([&] { generate(size, memory); }));
-    size.fill_seconds = std::min(size.fill_seconds, fill_memory(queue_, memory.get(), size.bytes));
+    queue_.throw_asynchronous();
+    return seconds;
   }
 
   sycl::queue queue_;
   std::unique_ptr<source> source_;
-  std::uint64_t count_, values_in_one_, bytes_in_one_;
-  double spent_last_ = 0; // on the last call for warming up
+  std::uint64_t values_in_one_, bytes_in_one_;
+  std::vector<speed> wanted_; // in ascending order
 };
 
 // With the numbers of `list_devices`.
@@ -143,6 +137,8 @@ std::string table_of(const std::string& title, const std::vector<device_speeds>&
           to, row, with_prefix(static_cast<double>(one.numbers)), with_prefix(one.numbers_a_second()),
           one.bytes_a_second() / 1e9, one.filled_a_second() / 1e9, 100 * one.part(),
           std::string(static_cast<std::size_t>(std::min(columns * one.part(), most_columns)) + 1, '#'));
+    if (device.is_cut)
+      text += "       ...  larger calls want more --seconds\n";
   }
   return text;
 }
@@ -185,16 +181,18 @@ void measure_speed(const bench_options& options) {
   // Before anything that prints: the figures and traces never share a stream.
   destination to(options.output);
   std::vector<device_speeds> speeds;
-  for (const auto& [number, device] : chosen)
-    speeds.push_back(
-        {fmt::format("{} {}: {}", number, kind_of(device), device.get_info<sycl::info::device::name>()),
-         stand(device, options, distribution)
-             .measure(static_cast<double>(options.seconds) / static_cast<double>(chosen.size()))});
+  const double seconds = static_cast<double>(options.seconds) / static_cast<double>(chosen.size());
+  for (const auto& [number, device] : chosen) {
+    speeds.push_back(stand(device, options, distribution).measure(seconds));
+    speeds.back().name =
+        fmt::format("{} {}: {}", number, kind_of(device), device.get_info<sycl::info::device::name>());
+  }
   const std::string title = spell_distribution(options, distribution),
                     of = spell_numbers(options, distribution);
   const std::string shown =
-      is_picture ? run_gnuplot(script_of(terminal, fmt::format(R"({}\n{}, by numbers a call)", title, of), speeds))
-                 : table_of(title + "\n" + of, speeds);
+      is_picture
+          ? run_gnuplot(script_of(terminal, fmt::format(R"({}\n{}, by numbers a call)", title, of), speeds))
+          : table_of(title + "\n" + of, speeds);
   try {
     to.write(shown.data(), shown.size());
     to.close();
