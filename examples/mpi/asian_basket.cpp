@@ -8,7 +8,6 @@
 #include "saved_run.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <memory>
 

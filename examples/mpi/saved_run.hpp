@@ -5,6 +5,7 @@
 
 #include "job.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -59,12 +60,12 @@ class saved_run {
     const std::string bytes((std::istreambuf_iterator<char>(from)), std::istreambuf_iterator<char>());
     if (bytes.compare(0, run_.size(), run_) != 0)
       throw std::runtime_error(file_ + " was saved by another run: " + bytes.substr(0, bytes.find('\n')));
-    std::uint64_t sizes[3]; // batches done, tallies, bytes of the engine's state
+    std::uint64_t sizes[3]{}; // batches done, tallies, bytes of the engine's state
     const char* at = bytes.data() + run_.size();
     const std::size_t rest = bytes.size() - run_.size();
     if (rest >= sizeof sizes)
       std::memcpy(sizes, at, sizeof sizes);
-    if (rest < sizeof sizes || sizes[1] > rest || rest != sizeof sizes + sizes[1] * sizeof(Tally) + sizes[2])
+    if (std::max(sizes[1], sizes[2]) > rest || rest != sizeof sizes + sizes[1] * sizeof(Tally) + sizes[2])
       throw std::runtime_error(file_ + " is damaged");
     at += sizeof sizes;
     done = sizes[0];

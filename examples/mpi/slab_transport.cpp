@@ -8,7 +8,6 @@
 #include "slab.hpp"
 
 #include <algorithm>
-#include <array>
 #include <memory>
 
 namespace rng = kestro::hvl::rng;
