@@ -45,7 +45,7 @@ class Figures(unittest.TestCase):
                 self.assertTrue(0 < figure < math.inf)
             self.assertAlmostEqual(numbers * value_bytes / 1e9 / gigabytes, 1, delta=0.011)  # of three digits
             self.assertAlmostEqual(gigabytes / memory * 100, part, delta=0.5 + 0.011 * part)
-            self.assertAlmostEqual(min(0.3 * part, 40) + 1, bar, delta=1)
+            self.assertAlmostEqual(min(0.3 * part, 40) + 0.5, bar, delta=0.7)
 
     def test_every_device_is_measured_in_calls_of_several_sizes(self):
         title, devices = tables(bench(*SHORT))
