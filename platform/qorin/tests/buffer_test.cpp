@@ -357,7 +357,7 @@ TEST_F(buffers, that_share_a_mutex_are_used_under_it) {
     });
     q_.wait();
     EXPECT_TRUE(free_inside);
-    b.set_final_data(looking_iterator{look});
+    b.set_final_data(looking_iterator<decltype(look)>{look});
   }
   EXPECT_FALSE(free_inside) << "the write-back";
   EXPECT_EQ(a_data, 5);
