@@ -3,6 +3,7 @@
 
 #include "catalogue.hpp"
 #include "command_numbers.hpp"
+#include "engine_traits.hpp"
 #include "failure.hpp"
 
 #include <kestro/hvl/rng.hpp>
@@ -19,19 +20,6 @@
 namespace hvl_rng {
 
 constexpr std::uint64_t largest_word = std::numeric_limits<std::uint32_t>::max();
-
-// Braces refuse narrowing, so this tells engines seeded by 64 bits from those seeded by 32.
-template <class Engine>
-constexpr bool takes_64_bits = requires(sycl::queue queue, std::uint64_t seed) {
-  Engine{queue, seed};
-};
-
-template <class Engine>
-constexpr bool takes_member = std::is_constructible_v<Engine, sycl::queue, std::uint64_t, std::uint32_t>;
-
-template <class Engine>
-constexpr bool takes_mode =
-    std::is_constructible_v<Engine, sycl::queue, std::uint32_t, kestro::hvl::rng::mrg32k3a_mode::optimal>;
 
 // `form` is what an engine's constructor takes after the seed.
 template <class Engine, class... Form>
