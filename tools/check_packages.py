@@ -87,7 +87,7 @@ def check_installed(root, scratch):
         sys.exit(f"the headers include those of {strangers}, on which no package depends")
 
     run("cmake", "-S", CONSUMER, "-B", scratch / "consumer", f"-DCMAKE_PREFIX_PATH={usr}", "-DCMAKE_BUILD_TYPE=Release")
-    if str(usr) not in (scratch / "consumer/CMakeCache.txt").read_text():
+    if f"kestro_hvl_rng_DIR:PATH={usr}" not in (scratch / "consumer/CMakeCache.txt").read_text():
         sys.exit("CMake found another installation")
     run("cmake", "--build", scratch / "consumer")
     run(scratch / "consumer/consumer")
@@ -116,7 +116,8 @@ def main():
         root = Root(scratch)
         for one, package in zip(names, packages):
             # Alone, only what needs no other goes in.
-            goes = root.dpkg("--dry-run", "--install", package, check=False) == 0
+            goes = root.dpkg("--install", package, check=False) == 0
+            root.dpkg("--purge", one)
             if goes != (one == runtime or one.endswith("-doc")):
                 sys.exit(f"{one} {'installs' if goes else 'does not install'} alone")
         root.dpkg("--install", *packages)

@@ -9,9 +9,12 @@ _TYPES = {"float": "float32", "double": "float64"}
 
 
 def _read_laws():
-    """{(distribution, dtype's name): {method: index in the library's list}}; None is the default method."""
+    """{(distribution, dtype's name): {method: index in the library's list}}; None is the default method. What is called
+    uniform there makes integers too."""
     laws = {}
     for index, (name, value, method, is_default) in enumerate(_native.distributions()):
+        if name == "uniform" and value not in _TYPES:
+            name = "integers"
         methods = laws.setdefault((name, _TYPES.get(value, value)), {})
         methods[method] = index
         if is_default:
@@ -178,7 +181,7 @@ class Engine:
 
     def random(self, size=None, dtype=np.float64, out=None):
         """On [0, 1), below 1 in either type; 32 bits a number, of which float32 holds 24."""
-        below_one = np.nextafter(np.dtype(dtype).type(1), 0, dtype=dtype) if np.dtype(dtype).kind == "f" else 1
+        below_one = 1 - 2.0**-24 if np.dtype(dtype) == np.float32 else 1 - 2.0**-53
         return self._draw("uniform", {"a": 0, "b": below_one}, size, dtype, out, "accurate")
 
     def uniform(self, low=0.0, high=1.0, size=None, *, dtype=np.float64, out=None, method=None):
@@ -188,7 +191,7 @@ class Engine:
     def integers(self, low, high=None, size=None, dtype=np.int32, endpoint=False, *, out=None, method=None):
         """From low to high - 1, or to high where `endpoint` is true; from 0 where only one bound is given."""
         low, high = (0, low) if high is None else (low, high)
-        return self._draw("uniform", {"a": low, "b": high + 1 if endpoint else high}, size, dtype, out, method)
+        return self._draw("integers", {"a": low, "b": high + 1 if endpoint else high}, size, dtype, out, method)
 
     def standard_normal(self, size=None, dtype=np.float64, out=None, *, method=None):
         return self._draw("gaussian", {}, size, dtype, out, method)
@@ -247,7 +250,7 @@ class Engine:
         return self._draw("gamma", {"alpha": shape, "beta": scale}, size, dtype, out, method)
 
     def chisquare(self, df, size=None, *, dtype=np.float64, out=None):
-        if df == int(df):
+        if float(df).is_integer():
             return self._draw("chi_square", {"v": int(df)}, size, dtype, out)
         return self._draw("gamma", {"alpha": df / 2, "beta": 2}, size, dtype, out)
 

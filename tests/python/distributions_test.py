@@ -128,7 +128,9 @@ class Distributions(unittest.TestCase):
                 ("mean is not a number", lambda: engine.normal([1, 2], 1)), ("alpha", lambda: engine.gamma(np.nan)),
                 ("b is not an integer", lambda: engine.integers(2**31)), ("p is not in", lambda: engine.geometric(0)),
                 ("ntrial is not an integer", lambda: engine.binomial(1.5, 0.5)),
-                ("one of cov and factor", lambda: engine.multivariate_normal([0, 0]))):
+                ("dtype int32 is not one of float32, float64", lambda: engine.random(3, dtype=np.int32)),
+                ("dtype float64 is not one of int32, uint32", lambda: engine.integers(3, dtype=float)),
+                ("alpha", lambda: engine.chisquare(np.inf)), ("one of cov and factor", lambda: engine.multivariate_normal([0, 0]))):
             with self.subTest(text), self.assertRaisesRegex(ValueError, text):
                 refused()
         np.testing.assert_array_equal(engine.bits(9), kestro_hvl_rng.philox4x32x10(1).bits(9))
