@@ -52,7 +52,8 @@ class Root:
 
     def cached(self):
         listed = run("/sbin/ldconfig", "-p", "-C", self.cache) if self.cache.exists() else ""
-        return set(re.findall(r"^\s+(lib\S+)", listed, re.MULTILINE))
+        return {name for name, path in re.findall(r"^\s+(lib\S+) .* => (\S+)$", listed, re.MULTILINE)
+                if path.startswith(str(self.path))}  # the system's folders are in it too
 
     def files(self):
         return sorted(path for path in self.path.rglob("*") if not path.is_dir())
@@ -80,7 +81,7 @@ def check_installed(root, scratch):
     usr = root.path / "usr"
     libraries = {path.name for path in (usr / "lib").glob("*.so.?")}
     if not libraries or not libraries <= root.cached():
-        sys.exit(f"of {libraries} the loader's cache has {root.cached()}")
+        sys.exit(f"of the libraries {libraries} the loader's cache has {root.cached()}")
     strangers = headers_of_others(root, scratch) - {"libc6-dev", "linux-libc-dev"}
     strangers = {name for name in strangers if not re.fullmatch(r"lib(stdc\+\+|gcc)-\d+-dev", name)}
     if strangers:
