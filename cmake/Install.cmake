@@ -28,5 +28,5 @@ endif()
 configure_file(cmake/kestro_hvl_rng.pc.in kestro_hvl_rng.pc @ONLY)
 install(FILES "${CMAKE_BINARY_DIR}/kestro_hvl_rng.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
-install(FILES README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")
-install(DIRECTORY docs examples DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(FILES README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documents)
+install(DIRECTORY docs examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documents)

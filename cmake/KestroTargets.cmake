@@ -24,8 +24,13 @@ endif()
 option(KESTRO_BUILD_TESTS "Build the tests" ON)
 option(KESTRO_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 set(KESTRO_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, 'address;undefined' or 'thread'")
+# What is installed goes into the package for developers, unless it says otherwise.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 string(COMPARE EQUAL "${CMAKE_CXX_COMPILER_ID}" GNU kestro_gnu)
 option(KESTRO_WERROR "Treat warnings as errors; off where a compiler may have warnings of its own" ${kestro_gnu})
+
+include("${CMAKE_CURRENT_LIST_DIR}/Version.cmake")
+configure_file("${CMAKE_CURRENT_LIST_DIR}/exports.map.in" "${CMAKE_BINARY_DIR}/exports.map" @ONLY)
 
 # kestro_target(<target>): warnings, no floating-point contraction, the x86-64-v2 baseline, sanitizers;
 # a shared library exports nothing of the C++ libraries that it uses.
@@ -39,8 +44,8 @@ function(kestro_target target)
     $<$<CONFIG:Release>:-O3>)
   get_target_property(type ${target} TYPE)
   if(type STREQUAL "SHARED_LIBRARY")
-    target_link_options(${target} PRIVATE "-Wl,--version-script=${KESTRO_ROOT}/cmake/exports.map")
-    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${KESTRO_ROOT}/cmake/exports.map")
+    target_link_options(${target} PRIVATE "-Wl,--version-script=${CMAKE_BINARY_DIR}/exports.map")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${CMAKE_BINARY_DIR}/exports.map")
   endif()
   if(KESTRO_SANITIZE)
     list(JOIN KESTRO_SANITIZE "," sanitizers)
@@ -54,6 +59,12 @@ function(kestro_target target)
       target_compile_options(${target} PRIVATE -fno-sanitize-recover=undefined)
     endif()
   endif()
+endfunction()
+
+# kestro_install_library(<target>): versions and installs a shared library.
+function(kestro_install_library target)
+  set_target_properties(${target} PROPERTIES VERSION ${KESTRO_VERSION} SOVERSION ${KESTRO_SOVERSION})
+  install(TARGETS ${target} EXPORT kestro_hvl_rng_targets LIBRARY COMPONENT runtime NAMELINK_COMPONENT development)
 endfunction()
 
 # kestro_uses_regex(<source>...): under the sanitizers GCC finds std::regex's own moves uninitialised.

@@ -20,7 +20,7 @@ def exports_of(libraries):
     """(names exported for C, names exported for C++ only) of the functions outside every namespace."""
     names = {True: set(), False: set()}
     for library in libraries:
-        listed = subprocess.run(["nm", "-D", "-C", "--defined-only", library], capture_output=True, text=True, check=True)
+        listed = subprocess.run(["nm", "-D", "-C", "--defined-only", "--without-symbol-versions", library], capture_output=True, text=True, check=True)
         for line in listed.stdout.splitlines():
             plain = PLAIN.fullmatch(line.split(maxsplit=2)[2])
             if plain:

@@ -2,7 +2,8 @@
 """Checks what shared libraries export against a list of rules.
 
 A rule is a line `LIBRARY REGEX`: a demangled symbol that LIBRARY exports must match one of its rules whole, and every
-rule must match a symbol, so that neither an accidental export nor a lost one goes unseen.
+rule must match a symbol, so that neither an accidental export nor a lost one goes unseen. Every symbol must have the
+version KESTRO_n, where the library's soname ends in .so.n.
 """
 import argparse
 import pathlib
@@ -18,13 +19,22 @@ def exports_of(library):
     return sorted(entry[2] for entry in entries if entry[1] != "A")
 
 
+def version_of(library):
+    """What the symbols of a library with this soname have behind their names."""
+    header = subprocess.run(["objdump", "-p", library], capture_output=True, text=True, check=True).stdout
+    return "@@KESTRO_" + re.search(r"SONAME\s+\S+\.so\.(\d+)$", header, re.MULTILINE).group(1)
+
+
 def rules_for(name, text):
     lines = (line.split(maxsplit=1) for line in text.splitlines() if line.strip() and not line.startswith("#"))
     return [rule for library, rule in lines if library == name]
 
 
 def faults_of(library, rules):
-    exports = exports_of(library)
+    version = version_of(library)
+    versioned = exports_of(library)
+    yield from (f"{library.name} exports {symbol} without {version}" for symbol in versioned if not symbol.endswith(version))
+    exports = [symbol.removesuffix(version) for symbol in versioned]
     patterns = [re.compile(rule) for rule in rules]
     for symbol in exports:
         if not any(pattern.fullmatch(symbol) for pattern in patterns):

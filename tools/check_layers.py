@@ -15,7 +15,7 @@ SOURCES = {".c", ".h", ".cpp", ".hpp", ".inc", ".def"}
 THIRD_PARTY = {  # first path element or whole name of a header, and the library that it belongs to
     "hwy": "Highway", "tbb": "oneTBB", "oneapi": "oneTBB", "boost": "Boost", "CL": "OpenCL", "zlib.h": "zlib",
     "CLI": "CLI11", "fmt": "{fmt}", "gtest": "GoogleTest", "gmock": "GoogleTest", "benchmark": "Google Benchmark",
-    "mpfr.h": "MPFR", "gmp.h": "MPFR", "gsl": "GSL", "Random123": "Random123", "dSFMT.h": "dSFMT",
+    "pybind11": "pybind11", "mpfr.h": "MPFR", "gmp.h": "MPFR", "gsl": "GSL", "Random123": "Random123", "dSFMT.h": "dSFMT",
     "mpi.h": "MPI",
     "testu01": "TestU01",
 }

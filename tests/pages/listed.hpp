@@ -1,7 +1,7 @@
 // The library's engines and distributions as the pages name them.
 #pragma once
 
-#include "listed_types.hpp"
+#include "make_distribution.hpp"
 
 #include <hvl/engines.hpp>
 #include <kestro/hvl/rng.hpp>

@@ -1,3 +1,4 @@
+#include "device_names.hpp"
 #include "failure.hpp"
 #include "gnuplot.hpp"
 #include "memory_fill.hpp"

@@ -1,102 +1,16 @@
 #include "catalogue.hpp"
 
-#include "listed_types.hpp"
+#include "make_distribution.hpp"
 #include "start_engine.hpp"
 
 #include <fmt/ranges.h>
-#include <hvl/engines.hpp>
 
 #include <algorithm>
 #include <array>
-#include <type_traits>
 #include <utility>
 
 namespace hvl_rng {
 namespace {
-
-// clang-format off
-#define KESTRO_HVL_ENGINE(name) ::hvl::engines::name::about,
-constexpr ::hvl::engines::facts engine_facts[] = {
-#include <kestro/hvl/rng/detail/engines.def>
-};
-#undef KESTRO_HVL_ENGINE
-
-#define KESTRO_HVL_DISTRIBUTION(family, ...) #__VA_ARGS__,
-constexpr std::string_view distribution_spellings[] = {
-#include <kestro/hvl/rng/detail/distributions.def>
-};
-#undef KESTRO_HVL_DISTRIBUTION
-// clang-format on
-
-template <class Engine>
-engine_entry describe_engine(std::size_t index) {
-  const ::hvl::engines::facts& about = engine_facts[index];
-  return {about.name,    about.has_uniform_bits, about.has_leapfrog,
-          about.members, takes_mode<Engine>,     about.is_quasi_random,
-          index};
-}
-
-// ---- Distributions
-
-template <class T>
-constexpr value_type type_of = std::is_same_v<T, float>           ? value_type::float32
-                               : std::is_same_v<T, double>        ? value_type::float64
-                               : std::is_same_v<T, std::int32_t>  ? value_type::int32
-                               : std::is_same_v<T, std::uint32_t> ? value_type::uint32
-                                                                  : value_type::uint64;
-
-constexpr const char* type_names[] = {"float", "double", "int32", "uint32", "uint64"};
-
-template <class Distribution>
-distribution_entry describe(std::string_view spelling, std::size_t index) {
-  using traits = distribution_traits<Distribution>;
-  using value = typename Distribution::result_type;
-  const std::size_t method = spelling.find("_method::");
-  std::vector<parameter_entry> parameters;
-  std::apply(
-      [&](const auto&... parameter) {
-        [[maybe_unused]] const auto add = [&](const auto& one) {
-          const auto by_default = (Distribution().*one.accessor)();
-          using text = parameter_text<std::remove_const_t<decltype(by_default)>>;
-          parameters.push_back({one.name, text::of(by_default)});
-        };
-        (add(parameter), ...);
-      },
-      traits::parameters);
-  return {std::string(spelling.substr(0, spelling.find('<'))),
-          type_names[static_cast<int>(type_of<value>)],
-          method == spelling.npos ? ""
-                                  : std::string(spelling.substr(method + 9, spelling.size() - method - 10)),
-          traits::is_default_method,
-          type_of<value>,
-          sizeof(value),
-          std::move(parameters),
-          index};
-}
-
-// ---- Engines joined to distributions
-
-template <class Engine, class Distribution>
-class joined_source final : public source {
- public:
-  joined_source(Engine engine, Distribution distribution)
-      : engine_(std::move(engine)), distribution_(std::move(distribution)) {}
-
-  sycl::event fill(void* memory, std::int64_t count) override {
-    return generate(distribution_, engine_, count, static_cast<typename Distribution::result_type*>(memory));
-  }
-
-  std::uint64_t values_in_one() const override {
-    if constexpr (requires { distribution_.dimen(); })
-      return static_cast<std::uint64_t>(distribution_.dimen());
-    else
-      return 1;
-  }
-
- private:
-  Engine engine_;
-  Distribution distribution_;
-};
 
 struct source_order {
   const sycl::queue& queue;
@@ -106,41 +20,27 @@ struct source_order {
   const parameter_values& parameters;
 };
 
-template <class Engine, class Distribution>
-std::unique_ptr<source> join(const source_order& order) {
-  // The parameters first: they cost nothing to refuse.
-  auto distribution = make_distribution<Distribution>(order.distribution.name, order.parameters);
+template <class Engine>
+std::unique_ptr<any_engine> start(const source_order& order) {
   auto engine = make_engine<Engine>(order.queue, order.engine.name.c_str(), order.start);
   if (order.start.skip != 0)
     skip(engine, order.engine.name, order.start.skip);
-  return std::make_unique<joined_source<Engine, Distribution>>(std::move(engine), std::move(distribution));
-}
-
-using join_function = std::unique_ptr<source> (*)(const source_order&);
-
-template <class Engine, class... Distributions>
-constexpr auto joins_of(type_list<Distributions...>) {
-  return std::array<join_function, sizeof...(Distributions)>{&join<Engine, Distributions>...};
+  return make_any(std::move(engine));
 }
 
 template <class... Engines>
-constexpr auto all_joins(type_list<Engines...>) {
-  return std::array{joins_of<Engines>(distribution_list())...};
+constexpr auto engine_starts(type_list<Engines...>) {
+  return std::array{&start<Engines>...};
 }
 
-template <class... Engines>
-std::vector<engine_entry> describe_engines(type_list<Engines...>) {
-  std::vector<engine_entry> entries;
-  (entries.push_back(describe_engine<Engines>(entries.size())), ...);
-  return entries;
+template <class Distribution>
+any_distribution read(const source_order& order) {
+  return any_distribution(make_distribution<Distribution>(order.distribution.name, order.parameters));
 }
 
 template <class... Distributions>
-std::vector<distribution_entry> describe_distributions(type_list<Distributions...>) {
-  std::size_t index = 0;
-  std::vector<distribution_entry> entries;
-  ((entries.push_back(describe<Distributions>(distribution_spellings[index], index)), ++index), ...);
-  return entries;
+constexpr auto distribution_reads(type_list<Distributions...>) {
+  return std::array{&read<Distributions>...};
 }
 
 // The names that an option may take, each once, in the order of the list.
@@ -181,16 +81,6 @@ void require_known(const distribution_entry& distribution, const parameter_value
     }
 }
 
-const std::vector<engine_entry>& engines() {
-  static const std::vector<engine_entry> entries = describe_engines(engine_list());
-  return entries;
-}
-
-const std::vector<distribution_entry>& distributions() {
-  static const std::vector<distribution_entry> entries = describe_distributions(distribution_list());
-  return entries;
-}
-
 const engine_entry& find_engine(const std::string& name) {
   for (const engine_entry& entry : engines())
     if (entry.name == name)
@@ -217,9 +107,13 @@ const distribution_entry& find_distribution(const std::string& name, const std::
 std::unique_ptr<source> make_source(const sycl::queue& queue, const engine_entry& engine,
                                     const engine_start& start, const distribution_entry& distribution,
                                     const parameter_values& parameters) {
-  static constexpr auto joins = all_joins(engine_list());
+  static constexpr auto starts = engine_starts(engine_list());
+  static constexpr auto reads = distribution_reads(distribution_list());
   require_known(distribution, parameters);
-  return joins[engine.index][distribution.index]({queue, engine, start, distribution, parameters});
+  const source_order order{queue, engine, start, distribution, parameters};
+  // The parameters first: they cost nothing to refuse.
+  any_distribution numbers = reads[distribution.index](order);
+  return std::make_unique<source>(starts[engine.index](order), std::move(numbers));
 }
 
 } // namespace hvl_rng

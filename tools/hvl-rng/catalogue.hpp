@@ -1,6 +1,8 @@
 // The engines and distributions that the library lists, by name.
 #pragma once
 
+#include "any_engine.hpp"
+
 #include <sycl/sycl.hpp>
 
 #include <cstddef>
@@ -9,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace hvl_rng {
@@ -53,13 +56,20 @@ struct engine_start {
 // Where numbers come from: an engine joined to a distribution.
 class source {
  public:
-  virtual ~source() = default;
+  source(std::unique_ptr<any_engine> engine, any_distribution distribution)
+      : engine_(std::move(engine)), distribution_(std::move(distribution)) {}
 
   // Submits the generation of `count` values into USM memory of the source's queue.
-  virtual sycl::event fill(void* memory, std::int64_t count) = 0;
+  sycl::event fill(void* memory, std::int64_t count) {
+    return engine_->generate(distribution_, count, memory);
+  }
 
   // Numbers in one of the count: of vectors their elements.
-  virtual std::uint64_t values_in_one() const = 0;
+  std::uint64_t values_in_one() const { return distribution_.values_in_one(); }
+
+ private:
+  std::unique_ptr<any_engine> engine_;
+  any_distribution distribution_;
 };
 
 using parameter_values = std::map<std::string, std::string>;

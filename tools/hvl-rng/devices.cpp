@@ -1,27 +1,14 @@
+#include "device_names.hpp"
 #include "failure.hpp"
 #include "verbs.hpp"
 
 #include <fmt/format.h>
 
-#include <charconv>
-
 namespace hvl_rng {
-const char* kind_of(const sycl::device& device) {
-  return device.is_cpu()           ? "cpu"
-         : device.is_gpu()         ? "gpu"
-         : device.is_accelerator() ? "accelerator"
-                                   : "other";
-}
 
 sycl::device find_device(const std::string& name) {
-  const std::vector<sycl::device> devices = sycl::device::get_devices();
-  std::size_t number = devices.size();
-  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
-  if (error == std::errc() && end == name.data() + name.size() && number < devices.size())
-    return devices[number];
-  for (const sycl::device& device : devices)
-    if (name == kind_of(device) && (device.is_cpu() || device.is_gpu()))
-      return device;
+  if (const auto device = device_named(name))
+    return *device;
   throw failure(exit_status::device, fmt::format("--device {}: no such device (see hvl-rng devices)", name));
 }
 

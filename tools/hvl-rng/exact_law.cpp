@@ -1,6 +1,6 @@
 #include "exact_law.hpp"
 
-#include "listed_types.hpp"
+#include "make_distribution.hpp"
 
 #include <algorithm>
 #include <array>

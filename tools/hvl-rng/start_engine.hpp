@@ -3,6 +3,7 @@
 
 #include "catalogue.hpp"
 #include "command_numbers.hpp"
+#include "engine_traits.hpp"
 #include "failure.hpp"
 
 #include <kestro/hvl/rng.hpp>
@@ -19,19 +20,6 @@
 namespace hvl_rng {
 
 constexpr std::uint64_t largest_word = std::numeric_limits<std::uint32_t>::max();
-
-// Braces refuse narrowing, so this tells engines seeded by 64 bits from those seeded by 32.
-template <class Engine>
-constexpr bool takes_64_bits = requires(sycl::queue queue, std::uint64_t seed) {
-  Engine{queue, seed};
-};
-
-template <class Engine>
-constexpr bool takes_member = std::is_constructible_v<Engine, sycl::queue, std::uint64_t, std::uint32_t>;
-
-template <class Engine>
-constexpr bool takes_mode =
-    std::is_constructible_v<Engine, sycl::queue, std::uint32_t, kestro::hvl::rng::mrg32k3a_mode::optimal>;
 
 // `form` is what an engine's constructor takes after the seed.
 template <class Engine, class... Form>
@@ -63,9 +51,9 @@ void skip(Engine& engine, const std::string& name, std::uint64_t words) {
     throw failure(exit_status::usage, fmt::format("--skip {}: {} cannot skip", words, name));
 }
 
-// Throws `failure` naming the option that the engine does not have or refuses. Compiled once for all distributions.
+// Throws `failure` naming the option that the engine does not have or refuses.
 template <class Engine>
-[[gnu::noinline]] Engine make_engine(const sycl::queue& queue, const char* name, const engine_start& start) {
+Engine make_engine(const sycl::queue& queue, const char* name, const engine_start& start) {
   if (start.member && !takes_member<Engine>)
     throw failure(exit_status::usage, fmt::format("--member {}: {} has no members", *start.member, name));
   if (!start.mode.empty() && !takes_mode<Engine>)

@@ -48,7 +48,6 @@ void measure_speed(const bench_options& options);
 // "cpu", "gpu", or the number of a device as `list_devices` prints it.
 sycl::device find_device(const std::string& name);
 sycl::queue make_queue(const sycl::device& device);
-const char* kind_of(const sycl::device& device);
 void list_devices();
 
 void list_catalogue();

@@ -1,10 +1,10 @@
-// The library's engine and distribution classes as lists of types, and the making of a distribution from the
-// program's options.
+// The making of a distribution from the program's options.
 #pragma once
 
 #include "catalogue.hpp"
 #include "distribution_traits.hpp"
 #include "failure.hpp"
+#include "type_lists.hpp"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -16,39 +16,6 @@
 #include <vector>
 
 namespace hvl_rng {
-
-template <class... Types>
-struct type_list {
-  static constexpr std::size_t size = sizeof...(Types);
-};
-
-// The lists begin every element with a comma, hence the type that stands before the first.
-template <class, class... Types>
-using list_after = type_list<Types...>;
-
-namespace listed {
-
-using namespace kestro::hvl::rng; // the lists name their classes unqualified
-using kestro::hvl::rng::gamma;    // <math.h> of the C library has another one
-
-// clang-format off
-#define KESTRO_HVL_ENGINE(name) , name
-using engine_list = list_after<void
-#include <kestro/hvl/rng/detail/engines.def>
->;
-#undef KESTRO_HVL_ENGINE
-
-#define KESTRO_HVL_DISTRIBUTION(family, ...) , __VA_ARGS__
-using distribution_list = list_after<void
-#include <kestro/hvl/rng/detail/distributions.def>
->;
-#undef KESTRO_HVL_DISTRIBUTION
-// clang-format on
-
-} // namespace listed
-
-using listed::distribution_list;
-using listed::engine_list;
 
 template <class T>
 T parse_value(const std::string& name, const std::string& text) {
@@ -88,9 +55,9 @@ inline std::string spell(const parameter_values& given) {
   return text;
 }
 
-// Throws `failure` naming the option that is no number or that the class refuses. Compiled once for all engines.
+// Throws `failure` naming the option that is no number or that the class refuses.
 template <class Distribution>
-[[gnu::noinline]] Distribution make_distribution(const std::string& name, const parameter_values& given) {
+Distribution make_distribution(const std::string& name, const parameter_values& given) {
   const Distribution defaults;
   const auto value_of = [&](const auto& parameter) {
     const auto found = given.find(parameter.name);
