@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <exception>
 #include <utility>
 
 #include <sycl/sycl.hpp>
@@ -20,11 +22,52 @@
 /// What differs between SYCL implementations, in one place. Everything else is standard SYCL 2020.
 namespace kestro::hvl::portability {
 
-/// Has `task` run on the host when the command group's dependencies are met.
+/// Where a host task finds the elements of a buffer that it writes.
+#ifdef KESTRO_HVL_ON_ADAPTIVECPP
+// An accessor that a custom operation holds is never told where its elements are; what knows is the buffer's data, once the
+// requirement that the accessor stands for is met. Its device is the CPU, which has the host's memory.
+template <class T>
+class task_output {
+ public:
+  task_output(sycl::buffer<T, 1>& buffer, sycl::handler& handler, const sycl::property_list& properties)
+      : data_(sycl::detail::extract_buffer_data_region(buffer)) {
+    const sycl::accessor<T, 1, sycl::access_mode::write, sycl::target::device> requirement(buffer, handler,
+                                                                                           properties);
+  }
+  T& operator[](std::size_t i) const {
+    return static_cast<T*>(data_->get_memory(sycl::detail::get_host_device()))[i];
+  }
+
+ private:
+  decltype(sycl::detail::extract_buffer_data_region(std::declval<sycl::buffer<T, 1>&>())) data_;
+};
+#else
+template <class T>
+using task_output = sycl::accessor<T, 1, sycl::access_mode::write, sycl::target::host_task>;
+#endif
+
+/// What the exception of a host task has become when it is handled.
+#ifdef KESTRO_HVL_ON_ADAPTIVECPP
+template <class Exception>
+using task_error = sycl::exception;
+#else
+template <class Exception>
+using task_error = Exception;
+#endif
+
+/// Has `task` run on the host when the command group's dependencies are met; what it throws reaches the asynchronous
+/// handler, as a `task_error`. On a GPU device of AdaptiveCpp it runs when it is submitted, before them: there it may
+/// neither read what other work writes nor end what other work uses.
 template <class Task>
 void host_task(sycl::handler& handler, Task&& task) {
 #ifdef KESTRO_HVL_ON_ADAPTIVECPP
-  handler.AdaptiveCpp_enqueue_custom_operation([task = std::forward<Task>(task)](auto&) { task(); });
+  handler.AdaptiveCpp_enqueue_custom_operation([task = std::forward<Task>(task)](auto&) {
+    try {
+      task();
+    } catch (const std::exception& e) { // beyond here it would end the process
+      hipsycl::rt::register_error(__acpp_here(), hipsycl::rt::error_info{e.what()});
+    }
+  });
 #else
   handler.host_task(std::forward<Task>(task));
 #endif
