@@ -23,9 +23,14 @@ endif()
 
 option(KESTRO_BUILD_TESTS "Build the tests" ON)
 option(KESTRO_BUILD_BENCHMARKS "Build the benchmarks" OFF)
+option(KESTRO_TEST_KERNELS "Run the library's tests a second time with kernels on CPU devices, for machines without a GPU" OFF)
 set(KESTRO_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, 'address;undefined' or 'thread'")
-string(COMPARE EQUAL "${CMAKE_CXX_COMPILER_ID}" GNU kestro_gnu)
-option(KESTRO_WERROR "Treat warnings as errors; off where a compiler may have warnings of its own" ${kestro_gnu})
+# A compiler of a version not tried, or the headers of another SYCL implementation, may have warnings of their own.
+set(kestro_werror OFF)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND (NOT DEFINED KESTRO_SYCL OR KESTRO_SYCL STREQUAL "qorin"))
+  set(kestro_werror ON)
+endif()
+option(KESTRO_WERROR "Treat warnings as errors" ${kestro_werror})
 
 # kestro_target(<target>): warnings, no floating-point contraction, the x86-64-v2 baseline, sanitizers;
 # a shared library exports nothing of the C++ libraries that it uses.
