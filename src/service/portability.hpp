@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <utility>
 
@@ -17,6 +18,14 @@
 #endif
 #if defined(__ACPP__) || defined(__ADAPTIVECPP__) || defined(__HIPSYCL__)
 #define KESTRO_HVL_ON_ADAPTIVECPP
+#endif
+
+// Before a loop of few rounds over an array. A GPU keeps an array in registers only where every index is a constant; the
+// embedded runtime's kernels are compiled for a CPU, which gains nothing.
+#if defined(__clang__) && !defined(KESTRO_HVL_HAS_ZERLIN)
+#define KESTRO_HVL_UNROLL _Pragma("unroll")
+#else
+#define KESTRO_HVL_UNROLL
 #endif
 
 /// What differs between SYCL implementations, in one place. Everything else is standard SYCL 2020.
@@ -71,6 +80,32 @@ void host_task(sycl::handler& handler, Task&& task) {
 #else
   handler.host_task(std::forward<Task>(task));
 #endif
+}
+
+/// Stores value(0), ..., value(Count - 1). On a GPU 16 bytes at a time where they fill such and `to` is aligned for it, which
+/// is the same for all work-items when `Count` values are a multiple of 16 bytes.
+template <int Count, class T, class Value>
+void store_values(T* to, const Value& value) {
+#ifndef KESTRO_HVL_HAS_ZERLIN
+  constexpr int lanes = 16 / sizeof(T);
+  if constexpr (Count % lanes == 0) {
+    if (reinterpret_cast<std::uintptr_t>(to) % 16 == 0) {
+      typedef T vector __attribute__((vector_size(16), may_alias));
+      KESTRO_HVL_UNROLL
+      for (int k = 0; k < Count; k += lanes) {
+        vector v;
+        KESTRO_HVL_UNROLL
+        for (int j = 0; j < lanes; ++j)
+          v[j] = value(k + j);
+        *reinterpret_cast<vector*>(to + k) = v;
+      }
+      return;
+    }
+  }
+#endif
+  KESTRO_HVL_UNROLL
+  for (int k = 0; k < Count; ++k)
+    to[k] = value(k);
 }
 
 /// What the backends that the library interoperates with are called; the standard promises neither.

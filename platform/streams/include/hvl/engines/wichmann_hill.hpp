@@ -85,10 +85,11 @@ struct wichmann_hill {
   struct cursor {
     state s;
     constexpr void next(word (&words)[4]) {
-      for (auto& w : words) {
-        w = s.output();
+      fill_block(words, [this] {
+        const word w = s.output();
         s.step();
-      }
+        return w;
+      });
     }
   };
 
