@@ -98,7 +98,7 @@ TEST(in_flight_errors_test, reach_the_asynchronous_handler) {
   });
   sycl::buffer<float, 1> buffer{sycl::range<1>(10)};
   queue.submit([&](sycl::handler& handler) {
-    const portability::task_output<float> output(buffer, handler, {});
+    const portability::task_output<float> output(buffer, handler, sycl::property_list{});
     portability::host_task(handler, [=] {
       static_cast<void>(output);
       throw computation_error("rng", "generate", "simulated");
