@@ -11,6 +11,7 @@ and of single values, and operations that are not correctly rounded.
 Exits with 1 if a kernel of an engine at a position keeps arrays in local memory, or any kernel has an inexact operation.
 """
 import argparse
+import os
 import pathlib
 import re
 import shutil
@@ -55,8 +56,9 @@ def readable(names):
 
 def compiled(prefix, unit, arch, folder):
     """The PTX of a unit's kernels."""
+    shutil.copy(unit, folder)  # the kernels' code is written beside the source
     done = subprocess.run([prefix / "bin/acpp", "-std=c++20", "-O1", "-ffp-contract=off", "-fPIC", "-w",
-                           *(f"-I{ROOT / path}" for path in INCLUDES), "-mllvm", "-acpp-sscp-emit-hcf", "-c", unit,
+                           *(f"-I{ROOT / path}" for path in INCLUDES), "-mllvm", "-acpp-sscp-emit-hcf", "-c", unit.name,
                            "-o", folder / "unit.o"], cwd=folder, capture_output=True, text=True)
     if done.returncode != 0:
         sys.exit(f"{unit}: {done.stderr}")
@@ -68,7 +70,8 @@ def compiled(prefix, unit, arch, folder):
     ptx = folder / "unit.ptx"
     ptx.unlink(missing_ok=True)
     done = subprocess.run([tools / "llvm-to-ptx-tool", "--build-opt", f"ptx-target-device={arch}",
-                           folder / f"{unit.name}.hcf", ptx, "llvm-ir.global"], capture_output=True, text=True)
+                           folder / f"{unit.name}.hcf", ptx, "llvm-ir.global"],
+                          env={**os.environ, "LD_LIBRARY_PATH": str(prefix / "lib")}, capture_output=True, text=True)
     if not ptx.exists():
         sys.exit(f"{unit}: {done.stdout}{done.stderr}")
     return ptx
