@@ -23,11 +23,16 @@ endif()
 
 option(KESTRO_BUILD_TESTS "Build the tests" ON)
 option(KESTRO_BUILD_BENCHMARKS "Build the benchmarks" OFF)
+option(KESTRO_TEST_KERNELS "Run the library's tests a second time with kernels on CPU devices, for machines without a GPU" OFF)
 set(KESTRO_SANITIZE "" CACHE STRING "Sanitizers to build with: empty, 'address;undefined' or 'thread'")
 # What is installed goes into the package for developers, unless it says otherwise.
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
-string(COMPARE EQUAL "${CMAKE_CXX_COMPILER_ID}" GNU kestro_gnu)
-option(KESTRO_WERROR "Treat warnings as errors; off where a compiler may have warnings of its own" ${kestro_gnu})
+# A compiler of a version not tried, or the headers of another SYCL implementation, may have warnings of their own.
+set(kestro_werror OFF)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND (NOT DEFINED KESTRO_SYCL OR KESTRO_SYCL STREQUAL "qorin"))
+  set(kestro_werror ON)
+endif()
+option(KESTRO_WERROR "Treat warnings as errors" ${kestro_werror})
 
 include("${CMAKE_CURRENT_LIST_DIR}/Version.cmake")
 configure_file("${CMAKE_CURRENT_LIST_DIR}/exports.map.in" "${CMAKE_BINARY_DIR}/exports.map" @ONLY)

@@ -3,32 +3,36 @@ add_library(kestro_sycl INTERFACE)
 add_library(kestro::sycl ALIAS kestro_sycl)
 set_target_properties(kestro_sycl PROPERTIES EXPORT_NAME sycl_provider)
 if(KESTRO_SYCL STREQUAL "qorin")
-  if(TARGET qorin::sycl)
-    target_link_libraries(kestro_sycl INTERFACE qorin::sycl)
-  endif()
+  target_link_libraries(kestro_sycl INTERFACE qorin::sycl)
 elseif(KESTRO_SYCL STREQUAL "AdaptiveCpp")
   find_package(AdaptiveCpp REQUIRED)
   target_link_libraries(kestro_sycl INTERFACE AdaptiveCpp::acpp-rt)
 elseif(KESTRO_SYCL STREQUAL "compiler")
   set(KESTRO_SYCL_FLAGS -fsycl CACHE STRING "What switches SYCL on in the C++ compiler, for compiling and linking")
+  set(KESTRO_SYCL_LIBRARIES "" CACHE STRING "What a SYCL program links besides, as paths or -l options")
   list(JOIN KESTRO_SYCL_FLAGS " " flags)
   include(CheckCXXSourceCompiles)
   set(CMAKE_REQUIRED_FLAGS ${flags})
-  unset(compiler_has_sycl CACHE) # the flags may have changed
+  set(CMAKE_REQUIRED_LIBRARIES ${KESTRO_SYCL_LIBRARIES})
+  unset(compiler_has_sycl CACHE) # either may have changed
   check_cxx_source_compiles("#include <sycl/sycl.hpp>\nint main() { sycl::queue().wait(); }" compiler_has_sycl)
   unset(CMAKE_REQUIRED_FLAGS)
+  unset(CMAKE_REQUIRED_LIBRARIES)
   if(NOT compiler_has_sycl)
-    message(FATAL_ERROR "KESTRO_SYCL is 'compiler', but '${CMAKE_CXX_COMPILER} ${flags}' does not make a program of "
-                        "<sycl/sycl.hpp>; set CMAKE_CXX_COMPILER or KESTRO_SYCL_FLAGS")
+    message(FATAL_ERROR "KESTRO_SYCL is 'compiler', but '${CMAKE_CXX_COMPILER} ${flags}' with the libraries "
+                        "'${KESTRO_SYCL_LIBRARIES}' does not make a program of <sycl/sycl.hpp>; set CMAKE_CXX_COMPILER, "
+                        "KESTRO_SYCL_FLAGS or KESTRO_SYCL_LIBRARIES")
   endif()
   target_compile_options(kestro_sycl INTERFACE $<$<COMPILE_LANGUAGE:CXX>:${KESTRO_SYCL_FLAGS}>)
   target_link_options(kestro_sycl INTERFACE ${KESTRO_SYCL_FLAGS})
+  target_link_libraries(kestro_sycl INTERFACE ${KESTRO_SYCL_LIBRARIES})
 else()
   message(FATAL_ERROR "KESTRO_SYCL is '${KESTRO_SYCL}'; it must be qorin, AdaptiveCpp or compiler")
 endif()
 install(TARGETS kestro_sycl EXPORT kestro_hvl_rng_targets)
 
-# kestro_kernels(<target>): the target's sources hold kernels, which some implementations compile by a step of their own.
+# kestro_kernels(<target>): the target's sources, all named before, include <sycl/sycl.hpp>, which some implementations
+# compile by a compiler of their own.
 function(kestro_kernels target)
   if(COMMAND add_sycl_to_target)
     add_sycl_to_target(TARGET ${target})

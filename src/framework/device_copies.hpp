@@ -55,18 +55,18 @@ class device_copies {
   std::vector<copy> copies_;
 };
 
-/// Holds device memory until the work that reads it is done.
+/// Holds memory until the work that reads it is done.
 class memory_in_use final : public device_state {
  public:
-  explicit memory_in_use(device_numbers memory) : memory_(std::move(memory)) {}
+  explicit memory_in_use(std::shared_ptr<const void> memory) : memory_(std::move(memory)) {}
 
  private:
-  device_numbers memory_;
+  std::shared_ptr<const void> memory_;
 };
 
 /// submit(), which returns the event of work that reads `memory`; nobody need wait for it.
 template <class Submit>
-sycl::event while_in_use(const device_numbers& memory, const Submit& submit) {
+sycl::event while_in_use(const std::shared_ptr<const void>& memory, const Submit& submit) {
   if (!memory)
     return submit();
   // built before anything is in flight; its end puts it aside

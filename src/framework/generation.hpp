@@ -39,21 +39,18 @@ sycl::event generate_and_copy(engine_state& state, sycl::queue& queue, const Dis
   if (n == 0)
     return queue.submit([&](sycl::handler& handler) { target.on_host(handler, n); });
   const auto values = std::make_shared<T[]>(static_cast<std::size_t>(n));
-  const sycl::event made = queue.submit([&](sycl::handler& handler) {
-    portability::host_task(handler, [stream = state.stream(), distribution, n, values] {
-      const int status = distribution.generate(stream.get(), n, values.get());
-      check_stream_status(status, "generate", vqsStatusText(status));
+  return while_in_use(values, [&] {
+    const sycl::event made = queue.submit([&](sycl::handler& handler) {
+      portability::host_task(handler, [stream = state.stream(), distribution, n, values] {
+        const int status = distribution.generate(stream.get(), n, values.get());
+        check_stream_status(status, "generate", vqsStatusText(status));
+      });
+    });
+    return queue.submit([&](sycl::handler& handler) {
+      handler.depends_on(made);
+      target.copy_from(handler, values, n);
     });
   });
-  const sycl::event copied = queue.submit([&](sycl::handler& handler) {
-    handler.depends_on(made);
-    target.copy_from(handler, values, n);
-  });
-  queue.submit([&](sycl::handler& handler) { // whose end lets go of the values
-    handler.depends_on(copied);
-    portability::host_task(handler, [values] {});
-  });
-  return copied;
 }
 
 /// The kernel of an engine whose words follow from a position, behind another event where there is one.

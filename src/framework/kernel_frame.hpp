@@ -10,6 +10,7 @@
 
 #include "framework/engine_definition.hpp"
 #include "framework/transform.hpp"
+#include "service/portability.hpp"
 
 /// The one frame from words to values. Kernels differ in where their words come from; `value_writer` does the rest.
 namespace kestro::hvl::rng::detail::gpu {
@@ -59,8 +60,10 @@ class value_writer {
     static_assert(Words % group_words == 0);
     constexpr int groups = static_cast<int>(Words) / group_words;
     typename Transform::result_type values[groups][group_values];
+    KESTRO_HVL_UNROLL
     for (int g = 0; g < groups; ++g) {
       word_group<uniform_type, group_words> group;
+      KESTRO_HVL_UNROLL
       for (int k = 0; k < group_words; ++k) {
         const word_type word = words[g * group_words + k];
         group.raw[k] = definition::raw(word);
@@ -78,13 +81,14 @@ class value_writer {
       transform_(group, values[g]);
     }
     constexpr int count = groups * group_values;
+    const auto value = [&](int k) { return values[k / group_values][k % group_values]; };
     if (first + count <= n_) {
-      for (int k = 0; k < count; ++k)
-        output_[static_cast<std::size_t>(first + k)] = values[k / group_values][k % group_values];
+      portability::store_values<count>(&output_[static_cast<std::size_t>(first)], value);
     } else {
+      KESTRO_HVL_UNROLL
       for (int k = 0; k < count; ++k)
         if (first + k < n_)
-          output_[static_cast<std::size_t>(first + k)] = values[k / group_values][k % group_values];
+          output_[static_cast<std::size_t>(first + k)] = value(k);
     }
   }
 
@@ -120,9 +124,11 @@ class engine_func {
     auto cursor = definition::at(state_, id[0] * (units_per_item * unit_blocks));
     for (int unit = 0; unit < units_per_item; ++unit) {
       typename definition::word words[writer::unit_words];
+      KESTRO_HVL_UNROLL
       for (int block = 0; block < unit_blocks; ++block) {
         typename definition::word next[4];
         cursor.next(next);
+        KESTRO_HVL_UNROLL
         for (int k = 0; k < 4; ++k)
           words[4 * block + k] = next[k];
       }

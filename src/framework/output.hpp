@@ -9,6 +9,8 @@
 #include <kestro/hvl/exceptions.hpp>
 #include <sycl/sycl.hpp>
 
+#include "service/portability.hpp"
+
 /// Where a generation writes, in its two forms. `on_device`, `in_place` and `on_host` are called inside the command
 /// group: they declare its dependencies and return what kernels and host tasks index. A kernel may write elements of
 /// another type of the same size, as one kernel makes `int` and `unsigned int`.
@@ -68,7 +70,7 @@ struct buffer_output {
     return sycl::accessor<T, 1, sycl::access_mode::read_write, sycl::target::device>(r, handler);
   }
   auto on_host(sycl::handler& handler, std::int64_t n) const {
-    return sycl::accessor<T, 1, sycl::access_mode::write, sycl::target::host_task>(r, handler, properties(n));
+    return portability::task_output<T>(r, handler, properties(n));
   }
   void copy_from(sycl::handler& handler, const std::shared_ptr<T[]>& values, std::int64_t n) const {
     using accessor = sycl::accessor<T, 1, sycl::access_mode::write, sycl::target::device>;

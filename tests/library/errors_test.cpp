@@ -31,6 +31,8 @@ TYPED_TEST(errors_test, bad_arguments_leave_the_engine_where_it_was) {
 }
 
 TYPED_TEST(errors_test, a_device_that_is_neither_cpu_nor_gpu_is_refused) {
+  if (sycl::device::get_devices(sycl::info::device_type::accelerator).empty())
+    GTEST_SKIP() << "no such device";
   const sycl::device accelerator(sycl::accelerator_selector_v);
   const sycl::queue queue(accelerator);
   EXPECT_EQ(refusal<unsupported_device>([&] { TypeParam engine = seeded<TypeParam>(queue, 1); }),
@@ -39,7 +41,7 @@ TYPED_TEST(errors_test, a_device_that_is_neither_cpu_nor_gpu_is_refused) {
 }
 
 TYPED_TEST(errors_test, a_moved_from_engine_holds_nothing) {
-  auto queue = devices()[0].queue;
+  auto queue = devices().front().queue;
   TypeParam source = seeded<TypeParam>(queue, 1);
   const TypeParam target = std::move(source);
   float value;

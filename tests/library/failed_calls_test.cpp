@@ -66,6 +66,29 @@ class scarce_memory {
 
 constexpr std::int64_t many_words = (std::int64_t{1} << 23) + 5; // in several segments
 
+// Its values are made on the host and copied: memory of a call that has thrown is the caller's again.
+TEST(failed_calls_of_nondeterministic, leave_the_memory_alone) {
+  on_every_device([](sycl::queue& queue) {
+    constexpr std::size_t n = 100;
+    std::uint32_t* const r = sycl::malloc_shared<std::uint32_t>(n, queue);
+    int failures = 0;
+    for (bool has_failed = true; has_failed; ++failures) {
+      nondeterministic engine(queue);
+      std::fill_n(r, n, 0u);
+      try {
+        const failing_new scarce(failures);
+        generate(bits<>(), engine, n, r);
+        has_failed = false;
+      } catch (const std::bad_alloc&) {
+      }
+      queue.wait();
+      EXPECT_EQ(std::all_of(r, r + n, [](std::uint32_t word) { return word == 0; }), has_failed) << failures;
+    }
+    EXPECT_GT(failures, 1);
+    sycl::free(r, queue);
+  });
+}
+
 TEST(failed_calls_in_segments, lose_nothing) {
   sycl::queue queue = devices()[1].queue;
   mt19937 engine(queue, 5), untouched = engine;

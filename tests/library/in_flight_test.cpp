@@ -93,12 +93,16 @@ TEST(in_flight_errors_test, reach_the_asynchronous_handler) {
   std::vector<std::string> texts;
   sycl::queue queue(sycl::cpu_selector_v, [&](sycl::exception_list list) {
     for (const auto& pointer : list)
-      texts.push_back(refusal<computation_error>([&] { std::rethrow_exception(pointer); }));
+      texts.push_back(
+          refusal<portability::task_error<computation_error>>([&] { std::rethrow_exception(pointer); }));
   });
   sycl::buffer<float, 1> buffer{sycl::range<1>(10)};
   queue.submit([&](sycl::handler& handler) {
-    sycl::accessor output(buffer, handler, sycl::write_only_host_task);
-    handler.host_task([=] { throw computation_error("rng", "generate", "simulated"); });
+    const portability::task_output<float> output(buffer, handler, sycl::property_list{});
+    portability::host_task(handler, [=] {
+      static_cast<void>(output);
+      throw computation_error("rng", "generate", "simulated");
+    });
   });
   philox4x32x10 engine(queue, 1);
   generate(uniform<float>(), engine, 10, buffer); // runs behind the failed work

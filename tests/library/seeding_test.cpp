@@ -17,7 +17,7 @@ class seeding_test : public ::testing::Test {};
 TYPED_TEST_SUITE(seeding_test, all_engines, engine_names);
 
 TYPED_TEST(seeding_test, words_of_a_vector_give_the_same_engine_on_every_device) {
-  auto cpu = devices()[0].queue, gpu = devices()[1].queue;
+  auto cpu = devices().front().queue, gpu = devices().back().queue;
   for (const words& seed : {words{}, words{7}, words{7, 9}, words{1, 2, 3, 4, 5, 6, 7, 8, 9}}) {
     if (facts_of<TypeParam>().is_quasi_random && seed.size() > 1)
       continue; // no such tables
@@ -70,9 +70,11 @@ TEST(seeding_test, quasi_random_engines_refuse_what_has_no_points) {
 TEST(seeding_test, a_cpu_device_takes_half_the_words_of_a_philox_list) {
   using list = std::initializer_list<std::uint64_t>;
   const list seed{0x200000001, 0x400000003};
-  auto cpu = devices()[0].queue, gpu = devices()[1].queue;
-  expect_same(first_words<philox4x32x10>(cpu, seed), first_words<philox4x32x10>(cpu, words{1, 2}));
-  expect_same(first_words<philox4x32x10>(gpu, seed), first_words<philox4x32x10>(cpu, words{1, 2, 3, 4}));
+  for (device_case& device : devices()) {
+    const words read = std::strcmp(device.name, "CPU") == 0 ? words{1, 2} : words{1, 2, 3, 4};
+    expect_same(first_words<philox4x32x10>(device.queue, seed),
+                first_words<philox4x32x10>(device.queue, read));
+  }
 }
 
 TEST(seeding_test, lists_of_congruential_engines_are_their_state) {

@@ -51,7 +51,7 @@ TYPED_TEST(state_files_test, file_and_memory_hold_the_same_bytes) {
 
 TYPED_TEST(state_files_test, damaged_and_foreign_states_are_refused) {
   const folder temporary;
-  auto queue = devices()[0].queue;
+  auto queue = devices().front().queue;
   TypeParam engine = seeded<TypeParam>(queue, 15);
   const std::string name = temporary.file("state");
   save_state(engine, name);
@@ -95,7 +95,7 @@ TYPED_TEST(state_files_test, damaged_and_foreign_states_are_refused) {
 }
 
 TYPED_TEST(state_files_test, a_failed_save_says_so) {
-  auto queue = devices()[0].queue;
+  auto queue = devices().front().queue;
   TypeParam engine = seeded<TypeParam>(queue, 15);
   EXPECT_EQ(refusal<computation_error>([&] { save_state(engine, "/nonexistent/folder/state"); }),
             "kestro::hvl::rng::save_state: computation error: failed to save state to the file: "

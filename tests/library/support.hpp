@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -15,16 +16,34 @@
 #include <hvl/engines.hpp>
 #include <kestro/hvl/rng.hpp>
 
+#include "service/portability.hpp"
+
 namespace kestro::hvl::rng::test {
 
-/// The devices that generate, by name.
+/// A device that generates, by host tasks ("CPU") or by kernels ("GPU").
 struct device_case {
   const char* name;
   sycl::queue queue;
 };
 
+/// One of each kind of those that are there; with the embedded runtime both are. Where a test build has kernels run on CPU
+/// devices (KESTRO_TEST_KERNELS), HVL_TEST_KERNELS in the environment makes one the only device, of the second kind.
 inline std::vector<device_case> devices() {
-  return {{"CPU", sycl::queue(sycl::cpu_selector_v)}, {"GPU", sycl::queue(sycl::gpu_selector_v)}};
+  if (std::getenv("HVL_TEST_KERNELS") != nullptr)
+    return {{"GPU", sycl::queue(sycl::cpu_selector_v)}};
+  std::vector<device_case> found;
+#ifdef KESTRO_HVL_HAS_ZERLIN
+  const bool is_cpu_needed = true, is_gpu_needed = true;
+#else
+  const auto is_there = [](sycl::info::device_type type) { return !sycl::device::get_devices(type).empty(); };
+  const bool is_cpu_needed = is_there(sycl::info::device_type::cpu),
+             is_gpu_needed = is_there(sycl::info::device_type::gpu);
+#endif
+  if (is_cpu_needed)
+    found.push_back({"CPU", sycl::queue(sycl::cpu_selector_v)});
+  if (is_gpu_needed)
+    found.push_back({"GPU", sycl::queue(sycl::gpu_selector_v)});
+  return found;
 }
 
 /// Calls `body` on every device, with its name traced.
@@ -185,7 +204,7 @@ class gate {
  public:
   explicit gate(sycl::queue queue) {
     event_ = queue.submit([&](sycl::handler& handler) {
-      handler.host_task([open = open_] {
+      portability::host_task(handler, [open = open_] {
         while (!open->load())
           std::this_thread::yield();
       });

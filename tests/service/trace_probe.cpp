@@ -1,6 +1,8 @@
 // A small program that a test traces from outside. Numbers and caught exceptions go to standard error.
 #include <kestro/hvl/rng.hpp>
 
+#include "traced_device.hpp"
+
 #include <clocale>
 #include <cstdio>
 #include <locale>
@@ -19,9 +21,9 @@ constexpr int calls_per_thread = 50;
 
 sycl::queue make_queue(std::string_view device) {
   if (device == "gpu")
-    return sycl::queue(sycl::gpu_selector_v, {sycl::property::queue::enable_profiling()});
+    return sycl::queue(traced_device(), {sycl::property::queue::enable_profiling()});
   if (device == "untimed-gpu")
-    return sycl::queue(sycl::gpu_selector_v);
+    return sycl::queue(traced_device());
   return sycl::queue(sycl::cpu_selector_v, {sycl::property::queue::enable_profiling()});
 }
 

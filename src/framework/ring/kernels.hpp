@@ -202,6 +202,7 @@ struct emit_values {
     const std::int64_t first = static_cast<std::int64_t>(position) / unit_words;
     for (int u = lane; u < count / unit_words; u += lanes) {
       std::uint32_t outputs[unit_words];
+      KESTRO_HVL_UNROLL
       for (int k = 0; k < unit_words; ++k)
         outputs[k] = recurrence.output(words[u * unit_words + k]);
       writer.write(outputs, (first + u) * Writer::unit_values);

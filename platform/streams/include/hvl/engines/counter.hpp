@@ -65,8 +65,14 @@ struct counter_engine {
       word first[4] = {}, second[4] = {};
       block(s, next - 1, first);
       block(s, next, second);
-      for (std::uint32_t k = 0; k < 4; ++k)
-        words[k] = k < remaining ? first[4 - remaining + k] : second[k - remaining];
+      // Indices are constants, as a GPU keeps no array in registers that is indexed otherwise.
+      const auto pick = [remaining](word of_three, word of_two, word of_one) {
+        return remaining == 3 ? of_three : remaining == 2 ? of_two : of_one;
+      };
+      words[0] = pick(first[1], first[2], first[3]);
+      words[1] = pick(first[2], first[3], second[0]);
+      words[2] = pick(first[3], second[0], second[1]);
+      words[3] = pick(second[0], second[1], second[2]);
     }
   }
 

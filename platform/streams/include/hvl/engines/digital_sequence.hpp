@@ -55,10 +55,11 @@ struct digital_sequence {
   struct cursor {
     state s;
     constexpr void next(word (&words)[4]) {
-      for (auto& w : words) {
-        w = s.value();
+      fill_block(words, [this] {
+        const word w = s.value();
         s.step();
-      }
+        return w;
+      });
     }
   };
 

@@ -64,6 +64,15 @@ struct facts {
   constexpr bool has_member(std::int32_t id) const { return id >= identifier && id - identifier < members; }
 };
 
+// The next four words. Written out, as a GPU keeps no array in registers whose indices are not constants.
+template <class Word, class Next>
+[[gnu::always_inline]] constexpr void fill_block(Word (&words)[4], const Next& next) {
+  words[0] = next();
+  words[1] = next();
+  words[2] = next();
+  words[3] = next();
+}
+
 // Which member of its engine a record is of: 0 ... members - 1.
 template <class Engine>
 [[gnu::always_inline]] constexpr std::int32_t member_of(const typename Engine::record& r) {

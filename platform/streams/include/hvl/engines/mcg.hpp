@@ -28,10 +28,11 @@ struct congruential : Modulus {
   struct cursor {
     word x, a;
     constexpr void next(word (&words)[4]) {
-      for (auto& w : words) {
-        w = x;
+      fill_block(words, [this] {
+        const word w = x;
         x = product(x, a);
-      }
+        return w;
+      });
     }
   };
 

@@ -21,15 +21,14 @@ struct modulus_2_32_minus {
 
   // v becomes matrix v; the matrix is stored row by row.
   static constexpr void multiply(const std::uint32_t* matrix, std::uint32_t (&v)[3]) {
-    std::uint32_t product[3] = {};
-    for (int row = 0; row < 3; ++row) {
-      std::uint64_t sum = 0;
-      for (int column = 0; column < 3; ++column)
-        sum += reduce(std::uint64_t{matrix[3 * row + column]} * v[column]);
-      product[row] = reduce(sum);
-    }
-    for (int row = 0; row < 3; ++row)
-      v[row] = product[row];
+    const auto product = [&](const std::uint32_t* row) {
+      return reduce(std::uint64_t{reduce(std::uint64_t{row[0]} * v[0])} +
+                    reduce(std::uint64_t{row[1]} * v[1]) + reduce(std::uint64_t{row[2]} * v[2]));
+    };
+    const std::uint32_t x = product(matrix), y = product(matrix + 3), z = product(matrix + 6);
+    v[0] = x;
+    v[1] = y;
+    v[2] = z;
   }
 };
 
@@ -107,8 +106,7 @@ struct mrg32k3a {
   struct cursor {
     state s;
     constexpr void next(word (&words)[4]) {
-      for (auto& w : words)
-        w = step(s);
+      fill_block(words, [this] { return step(s); });
     }
   };
 

@@ -49,6 +49,15 @@ struct wichmann_hill {
     return {streams::wichmann_hill_moduli[member_of<wichmann_hill>(r)][component]};
   }
 
+  // Written out, as fill_block is.
+  template <class F>
+  [[gnu::always_inline]] static constexpr void for_components(const F& f) {
+    f(0);
+    f(1);
+    f(2);
+    f(3);
+  }
+
   struct state {
     std::uint32_t x[4], a[4];
     modulus m[4];
@@ -58,13 +67,11 @@ struct wichmann_hill {
     // 4 2^24 / 2^64, as each scale lacks less than 1.
     constexpr word output() const {
       std::uint64_t sum = 0;
-      for (int i = 0; i < 4; ++i)
-        sum += x[i] * scale[i];
+      for_components([&](int i) { sum += x[i] * scale[i]; });
       return static_cast<word>(sum >> 32);
     }
     constexpr void step() {
-      for (int i = 0; i < 4; ++i)
-        x[i] = m[i].product(x[i], a[i]);
+      for_components([this](int i) { x[i] = m[i].product(x[i], a[i]); });
     }
   };
 
@@ -85,17 +92,19 @@ struct wichmann_hill {
   struct cursor {
     state s;
     constexpr void next(word (&words)[4]) {
-      for (auto& w : words) {
-        w = s.output();
+      fill_block(words, [this] {
+        const word w = s.output();
         s.step();
-      }
+        return w;
+      });
     }
   };
 
   static constexpr cursor at(const state& from, std::uint64_t block) {
     cursor result{from};
-    for (int i = 0; i < 4; ++i)
+    for_components([&](int i) {
       result.s.x[i] = from.m[i].product(from.x[i], from.m[i].power_of(from.a[i], 4 * block));
+    });
     return result;
   }
 };
