@@ -27,6 +27,7 @@ void multinomial(const void* parameters, void* values, std::size_t vectors) noex
 transform_function beta_transform(word_kind kind, precision p) noexcept;
 transform_function geometric_transform(word_kind kind) noexcept;
 transform_function negative_binomial_transform(word_kind kind) noexcept;
+transform_function poisson_v_transform(word_kind kind) noexcept;
 transform_function rejection_transform(word_kind kind) noexcept;
 transform_function thresholds_transform(word_kind kind) noexcept;
 void stream_lines(void* out, const void* in, std::size_t bytes) noexcept;

@@ -89,6 +89,8 @@ struct kernel_set {
   transform_function (*geometric)(word_kind kind) noexcept;
   // Parameters are negative_binomial_parameters.
   transform_function (*negative_binomial)(word_kind kind) noexcept;
+  // Parameters are poisson_v_parameters.
+  transform_function (*poisson_v)(word_kind kind) noexcept;
   // Parameters are rejection_parameters.
   transform_function (*rejection)(word_kind kind) noexcept;
   // Parameters are threshold_parameters.

@@ -18,13 +18,6 @@ HVL_MATH_INLINE void set_binomial_hat(rejection_law_of<typename O::value>& law, 
   law.log_scale = log<O>(alpha) + O::fma(log<O>(at_mode.product), O::set(0.5), at_mode.rest);
 }
 
-// Of a number that is not negative and far below 2^50.
-template <class O>
-HVL_MATH_INLINE typename O::value rounded_down(typename O::value x) {
-  const auto nearest = round_product<O>(x, 1.0).value;
-  return nearest - O::select(O::lt(x, nearest), O::set(1.0), O::set(0.0));
-}
-
 } // namespace detail
 
 // At least 10 successes and 10 failures are to be expected of the trials, each a success with probability p = 1 - q.

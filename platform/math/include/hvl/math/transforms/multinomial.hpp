@@ -7,7 +7,7 @@
 
 #include <cstddef>
 
-#include "../exp.hpp"
+#include "added_up.hpp"
 #include "binomial_rejection.hpp"
 #include "words.hpp"
 
@@ -56,27 +56,13 @@ inline constexpr double multinomial_least_rejected = 16;
 // How many of the trials, by adding up probabilities from 0 on. u lies in [0, 1]; trials * rare is below the least mean of
 // rejection. What has less than 2^-53 of the probability is not reached.
 template <class O>
-struct binomial_added_up {
-  typename O::value k;
-  typename O::value sum; // the probability of at most k
-};
-
-template <class O>
-HVL_MATH_INLINE binomial_added_up<O> binomial_of_sum(typename O::value trials, typename O::value u,
-                                                     const multinomial_outcome& outcome) {
-  const auto zero = O::set(0.0), one = O::set(1.0), least = O::set(0x1p-60);
-  auto p = exp<O>(trials * O::set(outcome.log_other));
-  auto sum = p, k = zero;
-  for (double next = 1;; ++next) {
-    const auto following =
-        p * ((trials - k) * O::set(outcome.odds / next)); // while p is not 0, k is next - 1
-    p = O::select(O::lt(u, sum), zero, O::select(O::lt(least, following), following, zero));
-    const auto goes_on = O::lt(zero, p);
-    if (!O::any(goes_on))
-      return {k, sum};
-    k = k + O::select(goes_on, one, zero);
-    sum = sum + p;
-  }
+HVL_MATH_INLINE detail::added_up_number<O> binomial_added_up(typename O::value trials, typename O::value u,
+                                                             const multinomial_outcome& outcome) {
+  return detail::added_up<O>(
+      exp<O>(trials * O::set(outcome.log_other)),
+      u, [&](typename O::value k, double next) __attribute__((always_inline)) {
+        return (trials - k) * O::set(outcome.odds / next);
+      });
 }
 
 // A value's word as `own` has it, as a uniform on [0, 1] in steps of 2^-32.
@@ -103,10 +89,10 @@ HVL_MATH_INLINE double multinomial_rarer(double trials, const multinomial_outcom
                                          const multinomial_own_words& own) {
   if (trials * outcome.rare < multinomial_least_rejected) {
     const double coarse = static_cast<double>(own[0]) * multinomial_cell;
-    const binomial_added_up<O> found = binomial_of_sum<O>(trials, coarse, outcome);
+    const auto found = binomial_added_up<O>(trials, coarse, outcome);
     if (!(found.sum < coarse + multinomial_cell))
       return found.k;
-    return binomial_of_sum<O>(trials, multinomial_uniforms_of(own).u, outcome).k;
+    return binomial_added_up<O>(trials, multinomial_uniforms_of(own).u, outcome).k;
   }
   const rejection_law law = binomial_rejection_of<O>(trials, outcome.rare, 1 - outcome.rare);
   const multinomial_uniforms r = multinomial_uniforms_of(own);

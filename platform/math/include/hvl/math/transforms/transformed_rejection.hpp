@@ -51,6 +51,13 @@ HVL_MATH_INLINE typename O::value of_lanes(V v) {
     return O::set(v);
 }
 
+// Of a number that is not negative and far below 2^50.
+template <class O>
+HVL_MATH_INLINE typename O::value rounded_down(typename O::value x) {
+  const auto nearest = round_product<O>(x, 1.0).value;
+  return nearest - O::select(O::lt(x, nearest), O::set(1.0), O::set(0.0));
+}
+
 } // namespace detail
 
 template <class O>
