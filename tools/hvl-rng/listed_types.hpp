@@ -88,9 +88,9 @@ inline std::string spell(const parameter_values& given) {
   return text;
 }
 
-// Throws `failure` naming the option that is no number or that the class refuses.
+// Throws `failure` naming the option that is no number or that the class refuses. Compiled once for all engines.
 template <class Distribution>
-Distribution make_distribution(const std::string& name, const parameter_values& given) {
+[[gnu::noinline]] Distribution make_distribution(const std::string& name, const parameter_values& given) {
   const Distribution defaults;
   const auto value_of = [&](const auto& parameter) {
     const auto found = given.find(parameter.name);

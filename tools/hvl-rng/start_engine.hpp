@@ -63,9 +63,9 @@ void skip(Engine& engine, const std::string& name, std::uint64_t words) {
     throw failure(exit_status::usage, fmt::format("--skip {}: {} cannot skip", words, name));
 }
 
-// Throws `failure` naming the option that the engine does not have or refuses.
+// Throws `failure` naming the option that the engine does not have or refuses. Compiled once for all distributions.
 template <class Engine>
-Engine make_engine(const sycl::queue& queue, const char* name, const engine_start& start) {
+[[gnu::noinline]] Engine make_engine(const sycl::queue& queue, const char* name, const engine_start& start) {
   if (start.member && !takes_member<Engine>)
     throw failure(exit_status::usage, fmt::format("--member {}: {} has no members", *start.member, name));
   if (!start.mode.empty() && !takes_mode<Engine>)

@@ -247,6 +247,7 @@ TYPED_TEST(quasi_random, numbers_of_dimensions_and_words_that_make_no_sense_are_
     vqs_stream stream = nullptr;
     const int status = vqsNewStreamEx_64(&stream, TypeParam::about.identifier,
                                          static_cast<std::int64_t>(words.size()), words.data());
+    const owned_stream accepted = owned_stream::adopt(stream);
     return status == VQS_STATUS_BAD_PARAMETER && stream == nullptr;
   };
   vqs_stream none = nullptr;
