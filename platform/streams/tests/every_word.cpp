@@ -185,7 +185,7 @@ void multinomial_of(const word_range& r, std::uint64_t word, const See& see) {
   for (const std::vector<double>& table : tables)
     for (const std::int32_t trials : {0, 1, 31, 2147483647}) {
       std::int32_t values[] = {static_cast<std::int32_t>(word), static_cast<std::int32_t>(other)};
-      math::multinomial_in_place<O>(trials, 2, table.data(), values);
+      math::multinomial_in_place<O>(trials, 2, table.data(), &values[0]);
       see("multinomial",
           values[0] >= 0 && values[1] >= 0 && values[0] + values[1] == trials ? 0.0 : std::nan(""));
     }
