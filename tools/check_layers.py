@@ -16,6 +16,7 @@ THIRD_PARTY = {  # first path element or whole name of a header, and the library
     "hwy": "Highway", "tbb": "oneTBB", "oneapi": "oneTBB", "boost": "Boost", "CL": "OpenCL", "zlib.h": "zlib",
     "CLI": "CLI11", "fmt": "{fmt}", "gtest": "GoogleTest", "gmock": "GoogleTest", "benchmark": "Google Benchmark",
     "mpfr.h": "MPFR", "gmp.h": "MPFR", "gsl": "GSL", "Random123": "Random123", "dSFMT.h": "dSFMT",
+    "mpi.h": "MPI",
 }
 PUBLIC_ROOTS = {"kestro": "include", "sycl": "platform/qorin", "qorin": "platform/qorin"}
 

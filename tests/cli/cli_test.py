@@ -229,7 +229,7 @@ class Refusals(unittest.TestCase):
             done = run(*arguments)
             self.assertEqual((done.returncode, done.stdout), (USAGE, b""), arguments)
             self.assertIn(b"frobnicate", done.stderr, arguments)
-        self.assertIn(b"generate, plot, devices, list, trace-summary", run("frobnicate").stderr)
+        self.assertIn(b"generate, plot, bench, devices, list, trace-summary", run("frobnicate").stderr)
 
     def test_devices_outputs_and_pairs_have_their_own_status(self):
         self.assert_refused(DEVICE, "--device", "-n", "1", "--device", "fpga")

@@ -113,7 +113,8 @@ class StandardOutput(unittest.TestCase):
                 self.assertEqual(done.stdout, run(*arguments).stdout)
                 self.assertIn(b"HVL_VERBOSE kestro::hvl::rng::generate USM call", done.stderr)
 
-    VERBS = ("list", "devices", "--help", "generate --help", "--version", "generate -n 1", "trace-summary -")
+    VERBS = ("list", "devices", "--help", "generate --help", "--version", "generate -n 1", "bench -n 1 --seconds 0",
+             "trace-summary -")
     CALL = (b"HVL_VERBOSE kestro::hvl::rng::generate USM call with parameters distribution = d, engine = e, n = 1, "
             b"r = 0 host:nan device:nan\n")
 

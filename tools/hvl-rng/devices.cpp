@@ -6,16 +6,12 @@
 #include <charconv>
 
 namespace hvl_rng {
-namespace {
-
 const char* kind_of(const sycl::device& device) {
   return device.is_cpu()           ? "cpu"
          : device.is_gpu()         ? "gpu"
          : device.is_accelerator() ? "accelerator"
                                    : "other";
 }
-
-} // namespace
 
 sycl::device find_device(const std::string& name) {
   const std::vector<sycl::device> devices = sycl::device::get_devices();
@@ -29,8 +25,8 @@ sycl::device find_device(const std::string& name) {
   throw failure(exit_status::device, fmt::format("--device {}: no such device (see hvl-rng devices)", name));
 }
 
-sycl::queue make_queue(const std::string& device) {
-  return sycl::queue(find_device(device), [](sycl::exception_list failures) {
+sycl::queue make_queue(const sycl::device& device) {
+  return sycl::queue(device, [](sycl::exception_list failures) {
     for (const std::exception_ptr& one : failures)
       std::rethrow_exception(one);
   });

@@ -75,7 +75,7 @@ void generate_numbers(const generate_options& options) {
   if (options.forever && to.is_beside())
     throw failure(exit_status::usage, "--forever: no file holds so many; use --count or a pipe");
 
-  sycl::queue queue = make_queue(options.device);
+  sycl::queue queue = make_queue(find_device(options.device));
   const std::unique_ptr<source> numbers =
       make_source(queue, engine, options.start, distribution, options.parameters);
   // A pair that is not offered is refused here, before the first byte of output.

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
+#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -20,7 +21,7 @@ namespace {
 [[noreturn]] void fail(int reason) {
   if (reason == ENOENT)
     throw failure(exit_status::failed,
-                  "gnuplot is missing: plot needs the program (Debian package gnuplot-nox)");
+                  "gnuplot is missing: a picture needs the program (Debian package gnuplot-nox)");
   throw failure(exit_status::failed, fmt::format("gnuplot cannot be run: {}", std::strerror(reason)));
 }
 
@@ -86,6 +87,15 @@ std::string read_all(int from) {
 }
 
 } // namespace
+
+std::string picture_terminal(const std::string& file) {
+  const std::string_view name = file;
+  if (name.ends_with(".svg"))
+    return "svg size 720,440 dynamic noenhanced font 'sans-serif,13' background '#ffffff'";
+  if (name.ends_with(".png"))
+    return "pngcairo size 960,600 noenhanced font 'sans,13'";
+  throw failure(exit_status::usage, fmt::format("--output {}: the suffix is neither .svg nor .png", file));
+}
 
 std::string run_gnuplot(const std::string& script) {
   pipe_pair to, from;

@@ -41,7 +41,7 @@ output_format format_of(const std::string& name) {
 // What the command line says in a form of its own.
 struct raw_options {
   std::string count, seed = "1", skip = "0";
-  std::string format = "text";
+  std::string format = "text", seconds;
 };
 
 void read_source(const raw_options& given, source_options& options) {
@@ -126,6 +126,26 @@ void add_plot(CLI::App& app, plot_options& options, raw_options& given) {
   });
 }
 
+void add_bench(CLI::App& app, bench_options& options, raw_options& given) {
+  CLI::App* verb = app.add_subcommand("bench", "Measure numbers a second, beside what memory takes");
+  given.seconds = "5";
+  options.device = "all";
+  CLI::Option* count_option =
+      add_text(*verb, "-n,--count", given.count, "N", "how many numbers a call; several sizes otherwise");
+  add_text(*verb, "--seconds", given.seconds, "N", "how long to measure, all devices and sizes together");
+  add_source(*verb, options, given);
+  verb->get_option("--device")->description("cpu, gpu, a number of hvl-rng devices, or all");
+  add_output(*verb, options, "a picture, .svg or .png (needs gnuplot); text to standard output otherwise");
+  verb->callback([&options, &given, count_option] {
+    options.count = count_option->empty() ? 0 : read_count("--count", given.count);
+    if (options.count == 0 && !count_option->empty())
+      throw failure(exit_status::usage, "--count 0: a call of no numbers has no speed");
+    options.seconds = read_count("--seconds", given.seconds);
+    read_source(given, options);
+    measure_speed(options);
+  });
+}
+
 // CLI11 would only say that a verb is missing.
 void require_known_verb(const CLI::App& app) {
   const std::vector<std::string> unknown = app.remaining();
@@ -146,10 +166,12 @@ int run(int count, char** words) {
 
   generate_options generated;
   plot_options plotted;
-  raw_options given_to_generate, given_to_plot;
+  bench_options benched;
+  raw_options given_to_generate, given_to_plot, given_to_bench;
   std::string trace;
   add_generate(app, generated, given_to_generate);
   add_plot(app, plotted, given_to_plot);
+  add_bench(app, benched, given_to_bench);
   app.add_subcommand("devices", "List the devices")->callback(list_devices);
   app.add_subcommand("list", "List the engines and distributions")->callback(list_catalogue);
   CLI::App* summary =

@@ -2,6 +2,7 @@
 #include "failure.hpp"
 #include "gnuplot.hpp"
 #include "histogram.hpp"
+#include "spell.hpp"
 #include "usm_memory.hpp"
 #include "verbs.hpp"
 
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -23,16 +23,10 @@ struct number_range {
 };
 constexpr number_range of_histogram{100, 100'000'000}, of_points{2, 1'000'000};
 
-// The gnuplot terminal that draws what the output's suffix promises.
+// Of text, where no file is named.
 std::string terminal_for(const std::string& output) {
-  const std::string_view name = output;
-  if (name.ends_with(".svg"))
-    return "svg size 720,440 dynamic noenhanced font 'sans-serif,13' background '#ffffff'";
-  if (name.ends_with(".png"))
-    return "pngcairo size 960,600 noenhanced font 'sans,13'";
-  if (!name.empty() && name != "-")
-    throw failure(exit_status::usage,
-                  fmt::format("--output {}: the suffix is neither .svg nor .png", output));
+  if (!output.empty() && output != "-")
+    return picture_terminal(output);
   winsize window{};
   const bool is_known =
       ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col >= 40 && window.ws_row >= 12;
@@ -64,7 +58,7 @@ std::vector<double> to_double(value_type type, const void* values, std::uint64_t
 }
 
 std::vector<double> draw_sample(const source_options& options, const distribution_entry& distribution) {
-  sycl::queue queue = make_queue(options.device);
+  sycl::queue queue = make_queue(find_device(options.device));
   const std::unique_ptr<source> numbers =
       make_source(queue, find_engine(options.engine), options.start, distribution, options.parameters);
   const std::uint64_t values = options.count * numbers->values_in_one();
@@ -74,25 +68,9 @@ std::vector<double> draw_sample(const source_options& options, const distributio
   return to_double(distribution.type, memory.get(), values);
 }
 
-std::string seed_of(const source_options& options) {
-  const std::vector<std::uint64_t>& seed = options.start.seed;
-  if (find_engine(options.engine).is_quasi_random)
-    return fmt::format("dimensions {}{}", seed.front(), seed.size() > 1 ? " by words" : "");
-  return fmt::format("seed {}", fmt::join(seed, ","));
-}
-
 std::string title_of(const source_options& options, const distribution_entry& distribution) {
-  std::string title = distribution.name;
-  for (const parameter_entry& parameter : distribution.parameters) {
-    const auto given = options.parameters.find(parameter.name);
-    title += fmt::format("  {}={}", parameter.name,
-                         given == options.parameters.end() ? parameter.default_value : given->second);
-  }
-  const engine_start& start = options.start;
-  return fmt::format(R"({}\n{} numbers ({}{}{}) of {}{}{}, {})", title, options.count, distribution.type_name,
-                     distribution.method.empty() ? "" : ", ", distribution.method, options.engine,
-                     start.member ? fmt::format(", member {}", *start.member) : "",
-                     start.mode.empty() ? "" : ", mode " + start.mode, seed_of(options));
+  return fmt::format(R"({}\n{} {})", spell_distribution(options, distribution), options.count,
+                     spell_numbers(options, distribution));
 }
 
 // Points of the law across the axis, with a step, not a slope, where the support ends.

@@ -27,9 +27,15 @@ std::mutex& memory_mutex() {
 } // namespace
 
 buffer_state::buffer_state(std::size_t bytes, buffer_allocation allocate, void* host,
-                           std::shared_ptr<void> keep)
+                           std::shared_ptr<void> keep, const property_list& properties)
     : bytes_(bytes), allocate_(std::move(allocate)), host_(host), memory_(std::move(keep)),
-      users_(std::make_unique<buffer_users>()) {}
+      users_(std::make_unique<buffer_users>()) {
+  namespace property = property::buffer;
+  if (properties.has_property<property::use_mutex>())
+    mutex_ = properties.get_property<property::use_mutex>().get_mutex_ptr();
+  if (properties.has_property<property::context_bound>())
+    bound_to_ = handle_access::state(properties.get_property<property::context_bound>().get_context());
+}
 
 buffer_state::~buffer_state() = default;
 
@@ -74,8 +80,10 @@ void buffer_state::detach_from_host() {
 
 void buffer_state::finish() {
   wait_for_users(*this);
-  if (final_copy_ && write_back_ && bytes_ > 0)
-    final_copy_(data());
+  if (!final_copy_ || !write_back_ || bytes_ == 0)
+    return;
+  const auto held = mutex_ != nullptr ? std::unique_lock(*mutex_) : std::unique_lock<std::mutex>();
+  final_copy_(data());
 }
 
 std::shared_ptr<void> hold_for_host(buffer_state& memory, access_mode mode) {

@@ -44,7 +44,27 @@ void set_bytes(void* to, int value, std::size_t bytes) {
   });
 }
 
+namespace {
+
+id<3> nth(std::size_t n, const range<3>& box) {
+  return {n / (box[1] * box[2]), n / box[2] % box[1], n % box[2]};
+}
+
+void copy_in_order(const box_copy& what) {
+  for (std::size_t i = 0; i < what.box.size(); ++i)
+    std::memcpy(
+        static_cast<char*>(what.to) + linear(nth(i, what.to_box), what.to_memory) * what.element_bytes,
+        static_cast<const char*>(what.from) + linear(nth(i, what.box), what.from_memory) * what.element_bytes,
+        what.element_bytes);
+}
+
+} // namespace
+
 void copy_box(const box_copy& what) {
+  if (what.to_box.size() > 0 && what.to_box != what.box) {
+    copy_in_order(what);
+    return;
+  }
   const std::size_t row_bytes = what.box[2] * what.element_bytes;
   const bool contiguous =
       what.box[2] == what.to_memory[2] && what.box[2] == what.from_memory[2] &&

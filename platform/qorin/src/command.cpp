@@ -8,6 +8,8 @@
 
 #include <oneapi/tbb/task_arena.h>
 
+#include <algorithm>
+
 namespace sycl::detail {
 
 namespace {
@@ -34,6 +36,7 @@ void command::set_action(std::unique_ptr<work> action) {
 void command::add_dependency(const std::shared_ptr<command>& predecessor) {
   if (!predecessor || predecessor.get() == this)
     return;
+  take_error_sinks(*predecessor);
   {
     const std::lock_guard lock(predecessor->mutex_);
     if (predecessor->complete())
@@ -43,6 +46,26 @@ void command::add_dependency(const std::shared_ptr<command>& predecessor) {
   }
   const std::lock_guard lock(mutex_);
   predecessors_.push_back(predecessor);
+}
+
+void command::take_error_sinks(const command& predecessor) {
+  const auto take = [this](const std::shared_ptr<error_sink>& sink) {
+    if (sink && sink != errors_ &&
+        std::none_of(earlier_errors_.begin(), earlier_errors_.end(),
+                     [&](const auto& e) { return e.lock() == sink; }))
+      earlier_errors_.push_back(sink);
+  };
+  take(predecessor.errors_);
+  for (const auto& earlier : predecessor.earlier_errors_)
+    take(earlier.lock());
+}
+
+void command::deliver_errors() {
+  if (errors_)
+    errors_->deliver();
+  for (const auto& earlier : earlier_errors_)
+    if (const std::shared_ptr<error_sink> sink = earlier.lock())
+      sink->deliver();
 }
 
 void command::release() {

@@ -48,6 +48,8 @@ class command final : public std::enable_shared_from_this<command> {
   /// An external command has no action: it runs from the moment it is ready until `finish` is called.
   void make_external() noexcept { external_ = true; }
   void add_dependency(const std::shared_ptr<command>& predecessor);
+  /// Hands over the errors of the commands of this one's queue, and of those that it depended on, however far back.
+  void deliver_errors();
   void set_native(std::shared_ptr<native_event> native) noexcept { native_ = std::move(native); }
   void keep(std::shared_ptr<const void> resource) { resources_.push_back(std::move(resource)); }
   /// Ends the recording: the command runs once its dependencies are complete.
@@ -83,6 +85,7 @@ class command final : public std::enable_shared_from_this<command> {
   /// Moves ready to running; false when another thread was first.
   bool claim() noexcept;
   void run_action() noexcept;
+  void take_error_sinks(const command& predecessor);
   void dependency_met();
   std::shared_ptr<command> claimable_ancestor();
   bool help();
@@ -107,6 +110,8 @@ class command final : public std::enable_shared_from_this<command> {
   std::shared_ptr<native_event> native_;
   std::shared_ptr<queue_state> queue_;
   const std::shared_ptr<error_sink> errors_;
+  std::vector<std::weak_ptr<error_sink>>
+      earlier_errors_;            // of commands of other queues; fixed by the recording
   std::shared_ptr<command> self_; // keeps an incomplete command alive
 
   const std::uint64_t submit_time_;

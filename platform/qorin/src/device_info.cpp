@@ -104,6 +104,8 @@ ANSWER(atomic_fence_scope_capabilities, std::vector<memory_scope>, all_scopes())
 ANSWER(profiling_timer_resolution, std::size_t, 1)
 ANSWER(is_endian_little, bool, true)
 ANSWER(is_available, bool, true)
+ANSWER(is_compiler_available, bool, has(aspect::online_compiler))
+ANSWER(is_linker_available, bool, has(aspect::online_linker))
 ANSWER(execution_capabilities, std::vector<info::execution_capability>,
        {info::execution_capability::exec_kernel})
 ANSWER(platform, sycl::platform, get_platform())

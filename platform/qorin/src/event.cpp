@@ -16,8 +16,8 @@ void event::wait(const std::vector<event>& events) {
 }
 void event::wait_and_throw() {
   wait();
-  if (state_ && state_->errors())
-    state_->errors()->deliver();
+  if (state_)
+    state_->deliver_errors();
 }
 void event::wait_and_throw(const std::vector<event>& events) {
   wait(events);

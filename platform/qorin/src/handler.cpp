@@ -8,6 +8,9 @@ namespace sycl {
 namespace detail {
 
 void request(handler& commands, buffer_state& memory, access_mode mode) {
+  if (memory.bound_to() && memory.bound_to() != handle_access::state(commands.queue_->ctx))
+    throw exception(commands.queue_->ctx, make_error_code(errc::invalid),
+                    "a buffer that is bound to another context");
   commands.group_->requests.emplace_back(memory.shared_from_this(), mode);
 }
 
@@ -31,13 +34,50 @@ event handler::finish() {
 }
 
 void handler::depends_on(const event& dependency) {
-  if (const auto& command = detail::handle_access::state(dependency); command && !command->complete())
+  if (const auto& command = detail::handle_access::state(dependency))
     group_->dependencies.push_back(command);
 }
 
 void handler::depends_on(const std::vector<event>& dependencies) {
   for (const event& dependency : dependencies)
     depends_on(dependency);
+}
+
+void handler::use_kernel_bundle(const kernel_bundle<bundle_state::executable>& bundle) {
+  if (bundle.get_context() != queue_->ctx)
+    throw exception(queue_->ctx, make_error_code(errc::invalid),
+                    "use_kernel_bundle: a bundle of another context");
+  bundle_ = detail::handle_access::state(bundle);
+}
+
+void handler::check_kernel(const void* tag) const {
+  if (!detail::handle_access::make<detail::executable_bundle>(bundle_).has_kernel({tag, ""}))
+    throw exception(queue_->ctx, make_error_code(errc::kernel_not_supported),
+                    "a kernel that the bundle of its command group has not");
+}
+
+void handler::check_no_local_memory() const {
+  if (group_->local_bytes > 0)
+    throw exception(queue_->ctx, make_error_code(errc::kernel_argument),
+                    "a local accessor, and a kernel without work-groups");
+}
+
+const std::shared_ptr<detail::specialization_values>& handler::constants() {
+  if (!constants_)
+    constants_ = std::make_shared<detail::specialization_values>();
+  return constants_;
+}
+
+void handler::set_constant(const void* id, std::any value) {
+  if (bundle_)
+    throw exception(queue_->ctx, make_error_code(errc::invalid),
+                    "set_specialization_constant: the constants are those of the kernel bundle in use");
+  for (auto& [of, old] : *constants())
+    if (of == id) {
+      old = std::move(value);
+      return;
+    }
+  constants_->emplace_back(id, std::move(value));
 }
 
 void handler::set_work(std::unique_ptr<detail::work> action) {
@@ -62,10 +102,10 @@ void handler::memset(void* to, int value, std::size_t bytes) {
   set_work(detail::make_work([=] { detail::set_bytes(to, value, bytes); }));
 }
 
-void handler::prefetch(void*, std::size_t) {
+void handler::prefetch(const void*, std::size_t) {
   set_work(detail::make_work([] {}));
 }
-void handler::mem_advise(void*, std::size_t, int) {
+void handler::mem_advise(const void*, std::size_t, int) {
   set_work(detail::make_work([] {}));
 }
 

@@ -37,6 +37,7 @@ class device_state : public std::enable_shared_from_this<device_state> {
   std::size_t work_group_size = largest_work_group;
   std::vector<aspect> aspects;
   std::weak_ptr<platform_state> platform;
+  std::shared_ptr<context_state> default_context; // made by the first queue that is given none
   std::shared_ptr<void> native;
 
   backend kind() const { return platform.lock()->kind; }

@@ -2,6 +2,8 @@
 #include "objects.hpp"
 #include "scheduler.hpp"
 
+#include <set>
+
 namespace sycl {
 
 namespace detail {
@@ -15,8 +17,40 @@ queue_state::queue_state(device dev, context c, async_handler handler, property_
   scheduler::instance().warm_up();
 }
 
+namespace {
+
+/// Holds mutexes while the work inside runs.
+class holding_work final : public work {
+ public:
+  holding_work(std::unique_ptr<work> inside, std::set<std::mutex*> mutexes)
+      : inside_(std::move(inside)), mutexes_(std::move(mutexes)) {}
+  void run() override {
+    std::vector<std::unique_lock<std::mutex>> held; // in the order of their addresses, as everyone takes them
+    for (std::mutex* mutex : mutexes_)
+      held.emplace_back(*mutex);
+    inside_->run();
+  }
+
+ private:
+  const std::unique_ptr<work> inside_;
+  const std::set<std::mutex*> mutexes_;
+};
+
+/// Has the action hold the mutexes of the buffers that were made with one.
+void hold_mutexes(recording& group) {
+  std::set<std::mutex*> mutexes;
+  for (const auto& request : group.requests)
+    if (std::mutex* const mutex = request.first->mutex())
+      mutexes.insert(mutex);
+  if (group.action && !mutexes.empty())
+    group.action = std::make_unique<holding_work>(std::move(group.action), std::move(mutexes));
+}
+
+} // namespace
+
 std::shared_ptr<command> queue_state::submit(recording&& group) {
   scheduler::end_with_main_thread();
+  hold_mutexes(group);
   const auto c = std::make_shared<command>(shared_from_this(), errors, profiled);
   c->set_action(std::move(group.action));
   try {
@@ -84,6 +118,19 @@ void queue_state::wait() {
   }
 }
 
+namespace {
+
+/// What the queues of one device share when they are given no context, so that their USM is one.
+context default_context(const device& dev) {
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
+  auto& shared = handle_access::state(dev)->default_context;
+  if (!shared)
+    shared = handle_access::state(context(dev));
+  return handle_access::make<context>(shared);
+}
+
+} // namespace
 } // namespace detail
 
 queue::queue(const property_list& properties) : queue(device(), properties) {}
@@ -91,7 +138,7 @@ queue::queue(const async_handler& handler, const property_list& properties)
     : queue(device(), handler, properties) {}
 queue::queue(const device& dev, const property_list& properties) : queue(dev, async_handler(), properties) {}
 queue::queue(const device& dev, const async_handler& handler, const property_list& properties)
-    : queue(context(dev), dev, handler, properties) {}
+    : queue(detail::default_context(dev), dev, handler, properties) {}
 queue::queue(const context& ctx, const device& dev, const property_list& properties)
     : queue(ctx, dev, async_handler(), properties) {}
 queue::queue(const context& ctx, const device& dev, const async_handler& handler,

@@ -239,7 +239,9 @@ char* local_memory() noexcept {
   return current_local_memory;
 }
 
-void check_groups(const range<3>& global, const range<3>& local) {
+void check_groups(const range<3>& global, const range<3>& local, bool at_origin) {
+  if (!at_origin)
+    throw exception(make_error_code(errc::feature_not_supported), "nd_range: an offset");
   if (local.size() == 0)
     throw exception(make_error_code(errc::nd_range), "nd_range: a work-group of no items");
   if (local.size() > largest_work_group)

@@ -227,6 +227,71 @@ TEST_F(buffers, explicit_copies_follow_boxes) {
             errc::invalid);
 }
 
+TEST_F(buffers, copies_between_accessors_of_other_shapes_go_in_linear_order) {
+  std::vector<int> in(30), line(14, -1), cube(40, -1);
+  std::iota(in.begin(), in.end(), 0);
+  {
+    sycl::buffer<int, 2> from(in.data(), {5, 6});
+    sycl::buffer<int> to_line(line);
+    sycl::buffer<int, 3> to_cube(cube.data(), {2, 4, 5});
+    q_.submit([&](sycl::handler& h) {
+      h.copy(sycl::accessor(from, h, {3, 4}, {1, 2}, sycl::read_only),
+             sycl::accessor(to_line, h, sycl::range<1>(13), sycl::id<1>(1), sycl::write_only));
+    });
+    q_.copy(sycl::accessor(from, {3, 4}, {1, 2}, sycl::read_only),
+            sycl::accessor(to_cube, {2, 3, 2}, {0, 1, 3}, sycl::write_only));
+    EXPECT_EQ(code_of([&] {
+                q_.copy(sycl::accessor(from, sycl::read_only), sycl::accessor(to_line, sycl::write_only));
+              }),
+              errc::invalid);
+  }
+  EXPECT_THAT(line, ElementsAre(-1, 8, 9, 10, 11, 14, 15, 16, 17, 20, 21, 22, 23, -1));
+  std::vector<int> copied;
+  std::copy_if(cube.begin(), cube.end(), std::back_inserter(copied), [](int x) { return x != -1; });
+  EXPECT_EQ(copied, std::vector<int>(line.begin() + 1, line.end() - 1));
+  EXPECT_EQ(cube[8], 8);
+  EXPECT_EQ(cube[13], 10);
+  EXPECT_EQ(cube[39], 23);
+}
+
+TEST_F(buffers, accessors_of_no_dimension_stand_for_the_first_element) {
+  std::vector<int> data{3, 4};
+  sycl::buffer b(data);
+  q_.submit([&](sycl::handler& h) {
+    sycl::accessor<int, 0> a(b, h, sycl::property::no_init());
+    EXPECT_EQ(a.size(), 1u);
+    EXPECT_TRUE(a.has_property<sycl::property::no_init>());
+    h.single_task([=] {
+      a = 10;
+      int& first = a;
+      first += a + 1;
+    });
+  });
+  sycl::host_accessor<const int, 0, sycl::access_mode::read> seen(b);
+  EXPECT_EQ(seen, 21);
+  EXPECT_TRUE((sycl::accessor<int, 0>().empty()));
+  sycl::buffer<int> nothing{sycl::range<1>(0)};
+  EXPECT_EQ((sycl::host_accessor<int, 0>(nothing).size()), 0u);
+  EXPECT_EQ(data[1], 4);
+}
+
+TEST_F(buffers, iterators_reach_every_place_of_a_box_from_both_ends) {
+  sycl::buffer<int, 2> b{{4, 5}};
+  q_.submit([&](sycl::handler& h) {
+    sycl::accessor a(b, h);
+    h.parallel_for(b.get_range(), [=](sycl::item<2> i) { a[i] = static_cast<int>(i.get_linear_id()); });
+  });
+  const sycl::host_accessor box(b, sycl::range<2>(2, 3), sycl::id<2>(1, 2));
+  EXPECT_THAT(std::vector<int>(box.rbegin(), box.rend()), ElementsAre(14, 13, 12, 9, 8, 7));
+  const auto first = box.begin();
+  EXPECT_EQ(first[4], 13);
+  EXPECT_EQ(*(2 + first), 9);
+  EXPECT_EQ(box.end() - first, 6);
+  EXPECT_TRUE(first < first + 1 && box.cend() >= box.cbegin());
+  std::sort(box.begin(), box.end(), std::greater<>());
+  EXPECT_THAT(std::vector<int>(box.cbegin(), box.cend()), ElementsAre(14, 13, 12, 9, 8, 7));
+}
+
 TEST_F(buffers, a_command_may_hold_the_last_handle) {
   std::vector<int> vector(5, 0);
   sycl::event done;
@@ -250,6 +315,87 @@ TEST_F(buffers, placeholders_are_required_later) {
     h.single_task([=] { later[1] = 6; });
   });
   EXPECT_EQ(sycl::host_accessor(b)[1], 6);
+}
+
+/// Looks when it is written to.
+template <class Look>
+struct looking_iterator {
+  Look look;
+  looking_iterator& operator*() { return *this; }
+  looking_iterator& operator++(int) { return *this; }
+  void operator=(int) { look(); }
+};
+
+TEST_F(buffers, that_share_a_mutex_are_used_under_it) {
+  std::mutex mutex;
+  int a_data = 0, b_data = 0;
+  bool free_inside = true;
+  {
+    const sycl::property_list held{sycl::property::buffer::use_mutex(mutex)};
+    sycl::buffer<int> a(&a_data, 1, held), b(&b_data, 1, held), plain(1);
+    EXPECT_EQ(a.get_property<sycl::property::buffer::use_mutex>().get_mutex_ptr(), &mutex);
+    EXPECT_EQ(code_of([&] { a.get_property<sycl::property::buffer::context_bound>(); }), errc::invalid);
+    const auto look = [&] {
+      std::thread([&] {
+        free_inside = mutex.try_lock();
+        if (free_inside)
+          mutex.unlock();
+      }).join();
+    };
+    q_.submit([&](sycl::handler& h) {
+      sycl::accessor x(a, h), y(b, h);
+      h.host_task([&, x, y] {
+        look();
+        x[0] = y[0] = 5;
+      });
+    });
+    q_.wait();
+    EXPECT_FALSE(free_inside);
+    q_.submit([&](sycl::handler& h) {
+      sycl::accessor x(plain, h);
+      h.host_task(look);
+    });
+    q_.wait();
+    EXPECT_TRUE(free_inside);
+    b.set_final_data(looking_iterator<decltype(look)>{look});
+  }
+  EXPECT_FALSE(free_inside) << "the write-back";
+  EXPECT_EQ(a_data, 5);
+}
+
+TEST_F(buffers, bound_to_a_context_are_refused_by_queues_of_others) {
+  const sycl::context ctx(q_.get_device());
+  sycl::queue own(ctx, q_.get_device());
+  std::vector<int> data(2, 1);
+  {
+    sycl::buffer b(data, {sycl::property::buffer::context_bound(ctx)});
+    EXPECT_EQ(b.get_property<sycl::property::buffer::context_bound>().get_context(), ctx);
+    EXPECT_EQ(code_of([&] { increment(b); }), errc::invalid);
+    sycl::accessor<int, 1, sycl::access_mode::read_write, sycl::target::device,
+                   sycl::access::placeholder::true_t>
+        later(b);
+    EXPECT_EQ(code_of([&] { q_.fill(later, 4); }), errc::invalid);
+    own.fill(later, 4);
+  }
+  EXPECT_THAT(data, Each(4));
+}
+
+TEST_F(buffers, are_made_from_what_converts_and_from_nothing_else) {
+  std::vector<int> vector(3, 1);
+  const std::array<int, 2> constant{1, 2};
+  auto many = std::make_unique<int[]>(2);
+  many[1] = 7;
+  sycl::buffer with_allocator(vector, std::allocator<int>());
+  sycl::buffer from_constant(constant);
+  static_assert(std::is_same_v<decltype(with_allocator), sycl::buffer<int, 1, std::allocator<int>>>);
+  static_assert(std::is_same_v<decltype(from_constant), sycl::buffer<int, 1>>);
+  static_assert(!std::is_constructible_v<sycl::buffer<int>, std::unique_ptr<int[]>&>);
+  static_assert(!std::is_constructible_v<sycl::buffer<int>, std::vector<std::string>&>);
+  sycl::buffer<int> kept(std::move(many), sycl::range<1>(2));
+  increment(kept);
+  EXPECT_EQ(kept.get_host_access()[1], 8);
+  static_assert(std::is_same_v<decltype(kept.reinterpret<float>()), sycl::buffer<float, 1>>);
+  EXPECT_EQ((kept.reinterpret<char, 1>().get_range()), sycl::range<1>(8));
 }
 
 } // namespace

@@ -48,6 +48,34 @@ TEST_F(async_errors, reach_the_handler_when_asked_for_and_dependents_still_run) 
   EXPECT_THAT(texts_, testing::ElementsAre("first", "second", "third")) << "each error is reported once";
 }
 
+TEST_F(async_errors, of_all_the_commands_an_event_depended_on_reach_their_queues_handlers) {
+  std::vector<std::string> elsewhere;
+  sycl::queue q(collect_), unheard(collect_);
+  sycl::queue between([&](sycl::exception_list errors) { elsewhere.push_back(text_of(*errors.begin())); });
+  sycl::event unrelated = submit_throwing(unheard, "unrelated");
+  sycl::event first = submit_throwing(q, "first");
+  first.wait(); // complete, and forgotten by the graph, before the others come
+  sycl::event second = between.submit([&](sycl::handler& h) {
+    h.depends_on(first);
+    h.host_task([] { throw std::runtime_error("second"); });
+  });
+  sycl::buffer<int> link(1);
+  sycl::queue last;
+  last.submit([&](sycl::handler& h) {
+    h.depends_on(second);
+    sycl::accessor a(link, h, sycl::write_only);
+    h.single_task([=] { a[0] = 1; });
+  });
+  sycl::event end = sycl::queue().submit([&](sycl::handler& h) {
+    sycl::accessor a(link, h);
+    h.single_task([=] { a[0] += 1; });
+  });
+  unrelated.wait();
+  end.wait_and_throw();
+  EXPECT_THAT(texts_, testing::ElementsAre("first"));
+  EXPECT_THAT(elsewhere, testing::ElementsAre("second"));
+}
+
 TEST_F(async_errors, of_kernels_come_from_any_thread_and_of_the_context_serve_its_queues) {
   sycl::queue q(sycl::context(sycl::device(sycl::gpu_selector_v), collect_), sycl::gpu_selector_v);
   q.parallel_for(1'000'000, [](sycl::id<1> i) {

@@ -177,6 +177,82 @@ TEST_F(nd_range, wrong_shapes_and_divergent_barriers_are_errors) {
   EXPECT_EQ(errors, 2);
 }
 
+TEST_F(nd_range, kernels_without_groups_refuse_local_memory) {
+  sycl::errc code = sycl::errc::success;
+  const auto refuses = [&](const auto& launch) {
+    try {
+      q_.submit([&](sycl::handler& h) {
+        sycl::local_accessor<int> local(2, h);
+        launch(h);
+      });
+    } catch (const sycl::exception& e) {
+      code = static_cast<sycl::errc>(e.code().value());
+    }
+    return std::exchange(code, sycl::errc::success) == sycl::errc::kernel_argument;
+  };
+  EXPECT_TRUE(refuses([](sycl::handler& h) { h.single_task([] {}); }));
+  EXPECT_TRUE(refuses([](sycl::handler& h) { h.parallel_for(sycl::range<1>(2), [](sycl::id<1>) {}); }));
+  EXPECT_FALSE(
+      refuses([](sycl::handler& h) { h.parallel_for(sycl::nd_range<1>(2, 2), [](sycl::nd_item<1>) {}); }));
+}
+
+TEST_F(nd_range, async_copies_go_both_ways_and_are_seen_by_all_items_after_wait_for) {
+  constexpr std::size_t groups = 50, items = 40, stride = 3;
+  auto& source = shared<float>(groups * items * stride, 0.0f);
+  std::iota(source.begin(), source.end(), 0.0f);
+  std::vector<float> target(source.size(), -1.0f);
+  const float* const in = source.data();
+  float* const out = target.data();
+  q_.submit([&](sycl::handler& h) {
+    sycl::local_accessor<float> part(items, h), turned(items, h);
+    h.parallel_for(sycl::nd_range<1>(groups * items, items), [=](sycl::nd_item<1> it) {
+      using sycl::access::decorated;
+      const auto space = sycl::access::address_space::global_space;
+      const std::size_t base = it.get_group(0) * items * stride, me = it.get_local_id(0);
+      sycl::group_barrier(it.get_group()); // after which the last item goes on first
+      const sycl::device_event came =
+          it.async_work_group_copy(part.get_multi_ptr<decorated::yes>(),
+                                   sycl::address_space_cast<space, decorated::yes>(in + base), items, stride);
+      it.wait_for(came);
+      turned[me] = part[items - 1 - me];
+      sycl::group_barrier(it.get_group());
+      it.get_group()
+          .async_work_group_copy(sycl::address_space_cast<space, decorated::yes>(out + base),
+                                 turned.get_multi_ptr<decorated::yes>(), items)
+          .wait();
+    });
+  });
+  q_.wait();
+  for (std::size_t g = 0; g < groups; ++g)
+    for (std::size_t i = 0; i < items * stride; ++i)
+      ASSERT_EQ(target[g * items * stride + i],
+                i < items ? static_cast<float>((g * items + items - 1 - i) * stride) : -1.0f);
+}
+
+TEST_F(nd_range, hierarchical_kernels_run_once_a_group_and_its_items_inside) {
+  const sycl::range<2> groups(3, 2), items(2, 4);
+  auto& seen = shared<int>(groups.size() * items.size(), -1);
+  int* out = seen.data();
+  std::vector<int> runs(groups.size(), 0);
+  int* count = runs.data();
+  q_.submit([&](sycl::handler& h) {
+    sycl::local_accessor<int> sums(4, h);
+    h.parallel_for_work_group(groups, items, [=](sycl::group<2> g) {
+      ++count[g.get_group_linear_id()];
+      g.parallel_for_work_item(sycl::range<2>(1, 4), [&](sycl::h_item<2> i) { sums[i.get_local_id(1)] = 0; });
+      g.parallel_for_work_item([&](sycl::h_item<2> i) { sums[i.get_local_id(1)] += 1; });
+      g.parallel_for_work_item([&](sycl::h_item<2> i) {
+        const bool right = i.get_global_id() == g.get_group_id() * g.get_local_range() + i.get_local_id() &&
+                           i.get_global_range() == groups * items && i.get_physical_local_range() == items;
+        out[i.get_global().get_linear_id()] = right ? sums[i.get_local_id(1)] : -2;
+      });
+    });
+  });
+  q_.wait();
+  EXPECT_EQ(runs, std::vector<int>(groups.size(), 1));
+  EXPECT_EQ(seen, std::vector<int>(groups.size() * items.size(), 2));
+}
+
 TEST_F(nd_range, reductions_combine_ranges_and_groups) {
   double* sum = sycl::malloc_shared<double>(1, q_);
   int* most = sycl::malloc_shared<int>(1, q_);
@@ -212,6 +288,41 @@ TEST_F(nd_range, reductions_combine_ranges_and_groups) {
   EXPECT_EQ(sycl::host_accessor(total)[0], 47 * 48 / 2);
   sycl::free(sum, q_);
   sycl::free(most, q_);
+}
+
+TEST_F(nd_range, reductions_take_bool_and_spans) {
+  constexpr std::size_t count = 5000;
+  auto& held = shared<int>(4, 0);
+  held = {100, 7, 1, 0};
+  int* const sums = held.data();
+  bool all[2] = {true, true}, any = false;
+  bool* const both = all;
+  const auto bins = [&] { return sycl::reduction(sycl::span<int, 3>(sums, 3), sycl::plus<>()); };
+  q_.parallel_for(sycl::range<1>(count), bins(), sycl::reduction(both, sycl::logical_and<bool>()),
+                  sycl::reduction(&any, sycl::logical_or<>()),
+                  [=](sycl::id<1> i, auto& bin, auto& every, auto& some) {
+                    bin[i % 3] += static_cast<int>(i[0]);
+                    every.combine(i < count);
+                    some.combine(i == count - 1);
+                  });
+  q_.parallel_for(sycl::nd_range<1>(60, 20), bins(), sycl::reduction(both + 1, sycl::logical_and<bool>()),
+                  [=](sycl::nd_item<1> i, auto& bin, auto& every) {
+                    ++bin[i.get_local_id(0) % 3];
+                    every.combine(i.get_global_id(0) != 33);
+                  });
+  q_.wait();
+  std::vector<int> expected = {100 + 21, 7 + 21, 1 + 18, 0};
+  for (std::size_t i = 0; i < count; ++i)
+    expected[i % 3] += static_cast<int>(i);
+  EXPECT_EQ(held, expected);
+  EXPECT_TRUE(all[0] && any);
+  EXPECT_FALSE(all[1]);
+  q_.parallel_for(sycl::range<1>(10),
+                  sycl::reduction(sycl::span<int, 4>(held), 1, sycl::multiplies<>(),
+                                  sycl::property::reduction::initialize_to_identity()),
+                  [=](sycl::id<1>, auto& bin) { bin[3] *= 2; })
+      .wait();
+  EXPECT_EQ(held, (std::vector<int>{1, 1, 1, 1024}));
 }
 
 } // namespace

@@ -55,7 +55,8 @@ TEST(contexts, hold_devices_of_one_platform) {
   EXPECT_EQ(code_of([&] { sycl::context({cpu, gpu}); }), errc::invalid);
   EXPECT_EQ(code_of([&] { sycl::context(std::vector<sycl::device>()); }), errc::invalid);
   EXPECT_EQ(code_of([&] { sycl::queue(sycl::context(cpu), gpu); }), errc::invalid);
-  EXPECT_EQ(code_of([&] { sycl::queue(sycl::context(cpu), sycl::gpu_selector_v); }), errc::runtime);
+  EXPECT_EQ(code_of([&] { sycl::queue(sycl::context(cpu), sycl::gpu_selector_v); }), errc::invalid);
+  EXPECT_EQ(code_of([&] { sycl::queue(sycl::context(gpu), sycl::default_selector_v); }), errc::invalid);
   const sycl::context ctx(gpu);
   const sycl::queue q(ctx, sycl::gpu_selector_v);
   EXPECT_EQ(q.get_context(), ctx);
@@ -65,6 +66,17 @@ TEST(contexts, hold_devices_of_one_platform) {
   const sycl::queue same = q;
   EXPECT_EQ(same, q);
   EXPECT_NE(sycl::queue(ctx, gpu), q);
+}
+
+TEST(contexts, are_shared_by_the_queues_of_a_device_that_are_given_none) {
+  sycl::queue a, b(sycl::cpu_selector_v, [](sycl::exception_list) {}), gpu(sycl::gpu_selector_v);
+  EXPECT_EQ(a.get_context(), b.get_context());
+  EXPECT_NE(a.get_context(), gpu.get_context());
+  EXPECT_NE(a.get_context(), sycl::context(a.get_device()));
+  int* memory = sycl::malloc_shared<int>(1, a);
+  EXPECT_EQ(sycl::get_pointer_type(memory, b.get_context()), sycl::usm::alloc::shared);
+  EXPECT_EQ(code_of([&] { sycl::free(memory, gpu); }), errc::invalid);
+  sycl::free(memory, b);
 }
 
 class queues : public testing::TestWithParam<bool> {
@@ -173,6 +185,39 @@ TEST_P(queues, a_command_group_runs_at_once_and_has_one_action) {
                std::runtime_error);
   q_.wait();
   EXPECT_EQ(*value, -1) << "a group that threw was submitted";
+}
+
+TEST_P(queues, shortcuts_take_events_in_braces_before_reductions_and_kernels) {
+  int* values = shared(3);
+  const auto set = [=](int i, int to) { return [=] { values[i] = to; }; };
+  const sycl::event a = q_.single_task(set(0, 3)), b = q_.single_task({a}, set(1, 4));
+  q_.fill(values + 2, 0, 1).wait();
+  const auto sum = [&] { return sycl::reduction(values + 2, sycl::plus<int>()); };
+  const sycl::event once = q_.parallel_for(sycl::range<2>(1, 2), {a, b}, sum(),
+                                           [=](sycl::id<2> i, auto& s) { s += values[i[1]]; });
+  const sycl::event twice =
+      q_.parallel_for(sycl::nd_range<1>(2, 2), {once, b}, sum(),
+                      [=](sycl::nd_item<1> i, auto& s) { s += 10 * values[i.get_local_id(0)]; });
+  q_.parallel_for<class in_braces>(sycl::range<1>(1), {twice}, [=](sycl::id<1>) { values[2] *= 2; }).wait();
+  EXPECT_EQ(values[2], 2 * (7 + 70));
+}
+
+TEST_P(queues, a_group_that_this_queue_cannot_take_goes_to_the_secondary_one) {
+  sycl::queue second(sycl::context(q_.get_device()), q_.get_device());
+  const auto bundle = sycl::get_kernel_bundle<sycl::bundle_state::executable>(second.get_context());
+  int* value = shared(1);
+  int calls = 0;
+  const auto group = [&](sycl::handler& h) {
+    ++calls;
+    h.use_kernel_bundle(bundle);
+    h.single_task([=] { *value = 8; });
+  };
+  q_.submit(group, second).wait();
+  EXPECT_EQ(*value, 8);
+  EXPECT_EQ(calls, 2);
+  second.submit(group, q_).wait();
+  EXPECT_EQ(calls, 3);
+  EXPECT_EQ(code_of([&] { q_.submit(group, q_); }), errc::invalid) << "neither can take it";
 }
 
 INSTANTIATE_TEST_SUITE_P(, queues, testing::Bool(),

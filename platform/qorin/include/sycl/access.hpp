@@ -5,8 +5,23 @@
 
 namespace sycl {
 
-enum class access_mode : int { read = 1024, write, read_write };
-enum class target : int { device = 2014, host_task };
+// Of the deprecated enumerators, constant_buffer stands for device; the others are names that no class takes.
+enum class access_mode : int {
+  read = 1024,
+  write,
+  read_write,
+  discard_write [[deprecated]],
+  discard_read_write [[deprecated]],
+  atomic [[deprecated]]
+};
+enum class target : int {
+  device = 2014,
+  host_task,
+  global_buffer [[deprecated]] = device,
+  constant_buffer [[deprecated]] = host_task + 1,
+  local, // deprecated
+  host_buffer [[deprecated]]
+};
 
 namespace access {
 using mode = access_mode;

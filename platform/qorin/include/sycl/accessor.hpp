@@ -2,8 +2,7 @@
 // pointers with extents, cheap to copy and transparent to the compiler; the command keeps the buffer alive.
 #pragma once
 
-#include <sycl/buffer.hpp>
-#include <sycl/item.hpp>
+#include <sycl/detail/element_access.hpp>
 #include <sycl/multi_ptr.hpp>
 
 namespace sycl {
@@ -12,140 +11,6 @@ namespace detail {
 
 /// Enters the request into the command group that `commands` records.
 QORIN_EXPORT void request(handler& commands, buffer_state& memory, access_mode mode);
-
-/// What is left of a multi-dimensional accessor after some subscripts.
-template <class T, int Dimensions, int Left>
-class partial_subscript {
- public:
-  partial_subscript(T* data, const range<Dimensions>& extent) : data_(data), extent_(extent) {}
-  decltype(auto) operator[](std::size_t i) const {
-    T* const at = data_ + i * stride();
-    if constexpr (Left == 1)
-      return static_cast<T&>(*at);
-    else
-      return partial_subscript<T, Dimensions, Left - 1>(at, extent_);
-  }
-
- private:
-  std::size_t stride() const {
-    std::size_t result = 1;
-    for (int d = Dimensions - Left + 1; d < Dimensions; ++d)
-      result *= extent_[d];
-    return result;
-  }
-  T* data_;
-  range<Dimensions> extent_;
-};
-
-/// Walks the elements of a box within row-major memory.
-template <class T, int Dimensions>
-class box_iterator {
- public:
-  using iterator_category = std::forward_iterator_tag;
-  using value_type = std::remove_const_t<T>;
-  using difference_type = std::ptrdiff_t;
-  using pointer = T*;
-  using reference = T&;
-
-  box_iterator() = default;
-  box_iterator(T* data, const range<Dimensions>& memory, const range<Dimensions>& box, std::size_t position)
-      : data_(data), memory_(memory), box_(box), position_(position) {}
-  T& operator*() const {
-    id<Dimensions> at;
-    std::size_t rest = position_;
-    for (int d = Dimensions - 1; d >= 0; --d) {
-      at[d] = rest % box_[d];
-      rest /= box_[d];
-    }
-    return data_[linear(at, memory_)];
-  }
-  T* operator->() const { return &**this; }
-  box_iterator& operator++() {
-    ++position_;
-    return *this;
-  }
-  box_iterator operator++(int) {
-    const box_iterator before = *this;
-    ++position_;
-    return before;
-  }
-  friend bool operator==(const box_iterator& a, const box_iterator& b) { return a.position_ == b.position_; }
-  friend bool operator!=(const box_iterator& a, const box_iterator& b) { return !(a == b); }
-
- private:
-  T* data_ = nullptr;
-  range<Dimensions> memory_;
-  range<Dimensions> box_;
-  std::size_t position_ = 0;
-};
-
-/// What accessors and host accessors share: the elements and the box of them that may be used.
-template <class T, int Dimensions, access_mode Mode>
-class element_access {
- public:
-  using value_type = std::conditional_t<Mode == access_mode::read, const T, T>;
-  using reference = value_type&;
-  using const_reference = const T&;
-  using size_type = std::size_t;
-  using difference_type = std::ptrdiff_t;
-  using iterator = std::conditional_t<Dimensions == 1, value_type*, box_iterator<value_type, Dimensions>>;
-  using const_iterator = std::conditional_t<Dimensions == 1, const T*, box_iterator<const T, Dimensions>>;
-
-  std::size_t byte_size() const noexcept { return size() * sizeof(T); }
-  std::size_t size() const noexcept { return range_.size(); }
-  std::size_t max_size() const noexcept { return static_cast<std::size_t>(-1) / sizeof(T); }
-  bool empty() const noexcept { return size() == 0; }
-  range<Dimensions> get_range() const { return range_; }
-  id<Dimensions> get_offset() const { return offset_; }
-
-  reference operator[](id<Dimensions> index) const { return data_[detail::linear(index, memory_range_)]; }
-  template <int N = Dimensions, std::enable_if_t<(N > 1), int> = 0>
-  auto operator[](std::size_t index) const {
-    return partial_subscript<value_type, Dimensions, Dimensions>(data_, memory_range_)[index];
-  }
-
-  iterator begin() const noexcept { return iterate<iterator>(0); }
-  iterator end() const noexcept { return iterate<iterator>(size()); }
-  const_iterator cbegin() const noexcept { return iterate<const_iterator>(0); }
-  const_iterator cend() const noexcept { return iterate<const_iterator>(size()); }
-
-  friend bool operator==(const element_access& a, const element_access& b) {
-    return a.memory_ == b.memory_ && a.data_ == b.data_ && a.range_ == b.range_ && a.offset_ == b.offset_;
-  }
-  friend bool operator!=(const element_access& a, const element_access& b) { return !(a == b); }
-
- protected:
-  element_access() = default;
-  element_access(buffer_state& memory, std::size_t first, const range<Dimensions>& memory_range,
-                 const range<Dimensions>& box, const id<Dimensions>& offset)
-      : memory_(&memory), memory_range_(memory_range), range_(box), offset_(offset) {
-    for (int d = 0; d < Dimensions; ++d)
-      if (offset[d] > memory_range[d] || box[d] > memory_range[d] - offset[d])
-        throw exception(make_error_code(errc::invalid), "an accessor reaches beyond its buffer");
-    if (memory_range.size() > 0)
-      data_ = static_cast<value_type*>(memory.data()) + first + detail::linear(offset, memory_range);
-  }
-
-  /// The first element of the buffer, even where the accessor's box starts later.
-  value_type* buffer_data() const {
-    return data_ == nullptr ? nullptr : data_ - detail::linear(offset_, memory_range_);
-  }
-
-  value_type* data_ = nullptr; // first element of the box
-  buffer_state* memory_ = nullptr;
-  range<Dimensions> memory_range_;
-  range<Dimensions> range_;
-  id<Dimensions> offset_;
-
- private:
-  template <class Iterator>
-  Iterator iterate(std::size_t position) const noexcept {
-    if constexpr (Dimensions == 1)
-      return data_ + position;
-    else
-      return Iterator(data_, memory_range_, range_, position);
-  }
-};
 
 template <class T>
 inline constexpr access_mode default_mode = std::is_const_v<T> ? access_mode::read : access_mode::read_write;
@@ -164,6 +29,15 @@ struct tag_traits<mode_target_tag_t<Mode, Target>> {
   static constexpr target where = Target;
 };
 
+/// Whether an argument after the box is the property no_init, or a list that has it.
+template <class Tag>
+bool says_no_init(const Tag& tag) {
+  if constexpr (std::is_same_v<Tag, property_list>)
+    return tag.template has_property<property::no_init>();
+  else
+    return std::is_same_v<Tag, property::no_init>;
+}
+
 /// Whether an argument after the box is a property list, a property, or the tag of this mode and target.
 template <access_mode Mode, target Target, class Tag>
 inline constexpr bool fits = std::is_same_v<Tag, property_list> || is_property_v<Tag>;
@@ -176,9 +50,12 @@ inline constexpr bool fits<Mode, Target, mode_target_tag_t<Mode, Target>> = true
 
 template <class T, int Dimensions = 1, access_mode Mode = detail::default_mode<T>,
           target Target = target::device, access::placeholder IsPlaceholder = access::placeholder::false_t>
-class accessor : public detail::element_access<std::remove_const_t<T>, Dimensions, Mode> {
+class accessor : public detail::element_access<std::remove_const_t<T>, detail::shape<Dimensions>, Mode>,
+                 public detail::lone_element<accessor<T, Dimensions, Mode, Target, IsPlaceholder>, Dimensions,
+                                             std::conditional_t<Mode == access_mode::read, const T, T>> {
   static_assert(!std::is_const_v<T> || Mode == access_mode::read, "constant elements can only be read");
-  using base = detail::element_access<std::remove_const_t<T>, Dimensions, Mode>;
+  static constexpr int shape = detail::shape<Dimensions>;
+  using base = detail::element_access<std::remove_const_t<T>, shape, Mode>;
   using plain = std::remove_const_t<T>;
 
  public:
@@ -190,30 +67,30 @@ class accessor : public detail::element_access<std::remove_const_t<T>, Dimension
 
   template <class U, class A, class... Tags,
             class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
-  accessor(buffer<U, Dimensions, A>& from, handler& commands, const Tags&... tags)
-      : accessor(from, &commands, from.get_range(), id<Dimensions>(), tags...) {}
+  accessor(buffer<U, shape, A>& from, handler& commands, const Tags&... tags)
+      : accessor(from, &commands, detail::whole<Dimensions>(from.get_range()), id<shape>(), tags...) {}
   template <class U, class A, class... Tags,
             class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
-  accessor(buffer<U, Dimensions, A>& from, handler& commands, range<Dimensions> box, const Tags&... tags)
-      : accessor(from, &commands, box, id<Dimensions>(), tags...) {}
+  accessor(buffer<U, shape, A>& from, handler& commands, range<shape> box, const Tags&... tags)
+      : accessor(from, &commands, box, id<shape>(), tags...) {}
   template <class U, class A, class... Tags,
             class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
-  accessor(buffer<U, Dimensions, A>& from, handler& commands, range<Dimensions> box, id<Dimensions> offset,
+  accessor(buffer<U, shape, A>& from, handler& commands, range<shape> box, id<shape> offset,
            const Tags&... tags)
       : accessor(from, &commands, box, offset, tags...) {}
 
   /// Placeholders: the request is made later, with handler::require.
   template <class U, class A, class... Tags,
             class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
-  accessor(buffer<U, Dimensions, A>& from, const Tags&... tags)
-      : accessor(from, no_handler, from.get_range(), id<Dimensions>(), tags...) {}
+  accessor(buffer<U, shape, A>& from, const Tags&... tags)
+      : accessor(from, no_handler, detail::whole<Dimensions>(from.get_range()), id<shape>(), tags...) {}
   template <class U, class A, class... Tags,
             class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
-  accessor(buffer<U, Dimensions, A>& from, range<Dimensions> box, const Tags&... tags)
-      : accessor(from, no_handler, box, id<Dimensions>(), tags...) {}
+  accessor(buffer<U, shape, A>& from, range<shape> box, const Tags&... tags)
+      : accessor(from, no_handler, box, id<shape>(), tags...) {}
   template <class U, class A, class... Tags,
             class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
-  accessor(buffer<U, Dimensions, A>& from, range<Dimensions> box, id<Dimensions> offset, const Tags&... tags)
+  accessor(buffer<U, shape, A>& from, range<shape> box, id<shape> offset, const Tags&... tags)
       : accessor(from, no_handler, box, offset, tags...) {}
 
   /// A reading accessor of the same request.
@@ -225,8 +102,16 @@ class accessor : public detail::element_access<std::remove_const_t<T>, Dimension
     other.memory_range_ = this->memory_range_;
     other.range_ = this->range_;
     other.offset_ = this->offset_;
+    other.no_init_ = this->no_init_;
     other.placeholder_ = placeholder_;
     return other;
+  }
+
+  /// Of 0 dimensions: the one element.
+  template <int N = Dimensions, std::enable_if_t<N == 0, int> = 0>
+  const accessor& operator=(const value_type& value) const {
+    *this->begin() = value;
+    return *this;
   }
 
   bool is_placeholder() const noexcept { return placeholder_; }
@@ -245,9 +130,12 @@ class accessor : public detail::element_access<std::remove_const_t<T>, Dimension
   friend struct std::hash<accessor>;
 
   template <class U, class A, class... Tags>
-  accessor(buffer<U, Dimensions, A>& from, handler* commands, const range<Dimensions>& box,
-           const id<Dimensions>& offset, const Tags&...)
-      : base(from.memory(), from.first_, from.get_range(), box, offset), placeholder_(commands == nullptr) {
+  accessor(buffer<U, shape, A>& from, handler* commands, const range<shape>& box, const id<shape>& offset,
+           const Tags&... tags)
+      : base(from.memory(), from.first_, from.get_range(), box, offset, (detail::says_no_init(tags) || ...)),
+        placeholder_(commands == nullptr) {
+    static_assert(Mode <= access_mode::read_write && Target < target::local,
+                  "a mode or target that was deprecated");
     static_assert((detail::fits<Mode, Target, Tags> && ...),
                   "a tag of another mode or target, or an argument that accessors do not take");
     if (commands != nullptr)
@@ -288,6 +176,12 @@ accessor(buffer<T, D, A>&, handler&, range<D>, id<D>, Tag, const property_list& 
     -> accessor<T, D, detail::tag_traits<Tag>::mode, detail::tag_traits<Tag>::where>;
 template <class T, int D, class A>
 accessor(buffer<T, D, A>&) -> accessor<T, D, detail::default_mode<T>, target::device>;
+template <class T, int D, class A>
+accessor(buffer<T, D, A>&, range<D>, const property_list& = {})
+    -> accessor<T, D, detail::default_mode<T>, target::device>;
+template <class T, int D, class A>
+accessor(buffer<T, D, A>&, range<D>, id<D>, const property_list& = {})
+    -> accessor<T, D, detail::default_mode<T>, target::device>;
 template <class T, int D, class A, class Tag, class = decltype(detail::tag_traits<Tag>::mode)>
 accessor(buffer<T, D, A>&, Tag, const property_list& = {})
     -> accessor<T, D, detail::tag_traits<Tag>::mode, detail::tag_traits<Tag>::where>;

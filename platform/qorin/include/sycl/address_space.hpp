@@ -8,7 +8,7 @@ namespace access {
 
 enum class address_space : int { global_space, local_space, private_space, generic_space };
 
-enum class decorated : int { no, yes };
+enum class decorated : int { no, yes, legacy [[deprecated]] }; // the last is a name only
 
 } // namespace access
 

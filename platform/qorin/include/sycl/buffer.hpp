@@ -8,13 +8,50 @@
 #include <sycl/detail/buffer_state.hpp>
 #include <sycl/detail/handle.hpp>
 #include <sycl/id.hpp>
+#include <sycl/is_device_copyable.hpp>
+
+#include <sycl/context.hpp>
 
 #include <cstring>
 #include <iterator>
+#include <mutex>
 #include <new>
 #include <optional>
 
 namespace sycl {
+
+namespace property::buffer {
+
+/// Commands that use the buffer hold the mutex while they run, and so does the write-back.
+class use_mutex {
+ public:
+  use_mutex(std::mutex& mutex) : mutex_(&mutex) {}
+  std::mutex* get_mutex_ptr() const { return mutex_; }
+
+ private:
+  std::mutex* mutex_;
+};
+
+/// Only queues of this context take commands that use the buffer; others throw errc::invalid.
+class context_bound {
+ public:
+  context_bound(context bound) : context_(std::move(bound)) {}
+  context get_context() const { return context_; }
+
+ private:
+  context context_;
+};
+
+} // namespace property::buffer
+
+template <>
+struct is_property<property::buffer::use_mutex> : std::true_type {};
+template <>
+struct is_property<property::buffer::context_bound> : std::true_type {};
+template <class T, int Dimensions, class AllocatorT>
+struct is_property_of<property::buffer::use_mutex, buffer<T, Dimensions, AllocatorT>> : std::true_type {};
+template <class T, int Dimensions, class AllocatorT>
+struct is_property_of<property::buffer::context_bound, buffer<T, Dimensions, AllocatorT>> : std::true_type {};
 
 class handler;
 template <class T, int Dimensions, access_mode Mode, target Target, access::placeholder IsPlaceholder>
@@ -46,7 +83,7 @@ class buffer_allocator {
 template <class T, int Dimensions = 1, class AllocatorT = buffer_allocator<std::remove_const_t<T>>>
 class buffer : public detail::handle<buffer<T, Dimensions, AllocatorT>, detail::buffer_owner>,
                public property_interface<buffer<T, Dimensions, AllocatorT>> {
-  static_assert(std::is_trivially_copyable_v<T>, "elements must be copyable between host and device");
+  static_assert(is_device_copyable_v<T>, "elements must be copyable between host and device");
   using handle = detail::handle<buffer, detail::buffer_owner>;
   using plain = std::remove_const_t<T>;
 
@@ -157,6 +194,10 @@ class buffer : public detail::handle<buffer<T, Dimensions, AllocatorT>, detail::
   auto get_access(handler& commands, range<Dimensions> extent, id<Dimensions> offset = {});
   template <class... Args>
   auto get_access(handler& commands, Args... args);
+  template <access_mode Mode>
+  [[deprecated("get_host_access")]] auto get_access();
+  template <access_mode Mode>
+  [[deprecated("get_host_access")]] auto get_access(range<Dimensions> extent, id<Dimensions> offset = {});
   template <class... Args>
   auto get_host_access(Args... args);
 
@@ -184,6 +225,18 @@ class buffer : public detail::handle<buffer<T, Dimensions, AllocatorT>, detail::
         this->state_, extent, first_ * sizeof(T) / sizeof(OtherT), is_sub_buffer_, properties_, allocator_);
   }
 
+  /// In one dimension, or in the same shape when the elements are of one size.
+  template <class OtherT, int OtherDimensions = Dimensions>
+  auto reinterpret() const {
+    if constexpr (OtherDimensions == 1) {
+      return reinterpret<OtherT>(range<1>(byte_size() / sizeof(OtherT)));
+    } else {
+      static_assert(OtherDimensions == Dimensions && sizeof(OtherT) == sizeof(T),
+                    "reinterpret: to which shape?");
+      return reinterpret<OtherT>(range_);
+    }
+  }
+
  private:
   template <class, int, class>
   friend class buffer;
@@ -197,7 +250,8 @@ class buffer : public detail::handle<buffer<T, Dimensions, AllocatorT>, detail::
   buffer(plain* host, std::shared_ptr<void> keep, const range<Dimensions>& extent, AllocatorT allocator,
          const property_list& properties)
       : handle(std::make_shared<detail::buffer_owner>(std::make_shared<detail::buffer_state>(
-            extent.size() * sizeof(T), allocation(allocator, extent.size()), host, std::move(keep)))),
+            extent.size() * sizeof(T), allocation(allocator, extent.size()), host, std::move(keep),
+            properties))),
         range_(extent), properties_(properties), allocator_(allocator) {}
   template <class OtherAllocator>
   buffer(std::shared_ptr<detail::buffer_owner> state, const range<Dimensions>& extent, std::size_t first,
@@ -254,6 +308,9 @@ buffer(const T*, const range<Dimensions>&, AllocatorT, const property_list& = {}
     -> buffer<T, Dimensions, AllocatorT>;
 template <class Container>
 buffer(Container&, const property_list& = {}) -> buffer<typename Container::value_type, 1>;
+template <class Container, class AllocatorT>
+buffer(Container&, AllocatorT, const property_list& = {})
+    -> buffer<typename Container::value_type, 1, AllocatorT>;
 
 } // namespace sycl
 

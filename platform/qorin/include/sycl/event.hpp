@@ -21,7 +21,8 @@ class QORIN_EXPORT event : public detail::handle<event, detail::command> {
   /// Returns when the command is complete; runs the command itself when no thread has started it.
   void wait();
   static void wait(const std::vector<event>& events);
-  /// As wait; then hands errors of the command's queue to its handler.
+  /// As wait; then hands the errors of the command's queue to its handler, and those of the queues whose commands it
+  /// depended on to theirs.
   void wait_and_throw();
   static void wait_and_throw(const std::vector<event>& events);
 

@@ -3,6 +3,7 @@
 
 #include <sycl/detail/work_group.hpp>
 #include <sycl/memory_order.hpp>
+#include <sycl/multi_ptr.hpp>
 #include <sycl/nd_range.hpp>
 
 namespace sycl {
@@ -12,6 +13,13 @@ struct group_access;
 }
 template <int Dimensions>
 class nd_item;
+
+/// A copy by async_work_group_copy. The last item to ask for it makes it, and the others wait for that, so it is
+/// complete from the start.
+class device_event {
+ public:
+  void wait() const noexcept {}
+};
 
 template <int Dimensions = 1>
 class group {
@@ -40,6 +48,31 @@ class group {
   std::size_t get_local_linear_range() const { return local_range_.size(); }
   bool leader() const { return get_local_linear_id() == 0; }
 
+  /// Copies `count` elements, `stride` apart in global memory and side by side in local memory. All items of the
+  /// group call it, with equal arguments.
+  template <class To, class From>
+  device_event async_work_group_copy(decorated_local_ptr<To> to, decorated_global_ptr<From> from,
+                                     std::size_t count, std::size_t stride = 1) const {
+    return copy_together(to.get(), 1, from.get(), stride, count);
+  }
+  template <class To, class From>
+  device_event async_work_group_copy(decorated_global_ptr<To> to, decorated_local_ptr<From> from,
+                                     std::size_t count, std::size_t stride = 1) const {
+    return copy_together(to.get(), stride, from.get(), 1, count);
+  }
+  template <class... Events>
+  void wait_for(Events... events) const {
+    (events.wait(), ...);
+  }
+
+  /// In hierarchical kernels: calls `f(h_item)` for the items of the group, or for as many as are given.
+  template <class F>
+  void parallel_for_work_item(const F& f) const {
+    parallel_for_work_item(local_range_, f);
+  }
+  template <class F>
+  void parallel_for_work_item(const range<Dimensions>& items, const F& f) const;
+
   friend bool operator==(const group& a, const group& b) {
     return a.group_id_ == b.group_id_ && a.group_range_ == b.group_range_ && a.local_range_ == b.local_range_;
   }
@@ -51,6 +84,20 @@ class group {
         const id<Dimensions>& local_id, const range<Dimensions>& local_range)
       : members_(&members), group_id_(group_id), group_range_(group_range), local_id_(local_id),
         local_range_(local_range) {}
+
+  template <class To, class From>
+  device_event copy_together(To* to, std::size_t to_stride, const From* from, std::size_t from_stride,
+                             std::size_t count) const {
+    static_assert(std::is_same_v<To, std::remove_const_t<From>>, "elements of one type");
+    const auto copy = [=] {
+      for (std::size_t i = 0; i < count; ++i)
+        to[i * to_stride] = from[i * from_stride];
+    };
+    members_->meet_group(
+        get_local_linear_id(), nullptr,
+        [](void* const*, std::size_t, const void* c) { (*static_cast<decltype(copy)*>(c))(); }, &copy);
+    return {};
+  }
 
   detail::work_group* members_;
   id<Dimensions> group_id_;
@@ -123,6 +170,12 @@ struct group_access {
                                 const range<Dimensions>& group_range, const id<Dimensions>& local_id,
                                 const range<Dimensions>& local_range) {
     return {members, group_id, group_range, local_id, local_range};
+  }
+  /// The group of a hierarchical kernel: one item stands for all of them.
+  template <int Dimensions>
+  static group<Dimensions> with_items(group<Dimensions> g, const range<Dimensions>& items) {
+    g.local_range_ = items;
+    return g;
   }
   template <int Dimensions>
   static nd_item<Dimensions> item_of(const group<Dimensions>& g) {

@@ -5,7 +5,10 @@
 #include <sycl/detail/group_kernel.hpp>
 #include <sycl/detail/work.hpp>
 #include <sycl/event.hpp>
+#include <sycl/h_item.hpp>
 #include <sycl/interop_handle.hpp>
+#include <sycl/kernel_bundle.hpp>
+#include <sycl/kernel_handler.hpp>
 #include <sycl/local_accessor.hpp>
 #include <sycl/reduction.hpp>
 
@@ -33,12 +36,16 @@ struct box_copy {
   range<3> box;
   range<3> to_memory;
   range<3> from_memory;
+  range<3> to_box{}; // where it is of another shape than the source's; may be larger
 };
 QORIN_EXPORT void copy_box(const box_copy& what);
 
-template <class First, class... Rest>
-const First& first_of(const First& first, const Rest&...) {
-  return first;
+template <int Dimensions>
+range<Dimensions> ones() {
+  range<Dimensions> result;
+  for (int d = 0; d < Dimensions; ++d)
+    result[d] = 1;
+  return result;
 }
 
 template <int Dimensions>
@@ -76,19 +83,40 @@ class QORIN_EXPORT handler {
       set_work(detail::make_work([f = std::move(f), interop = interop()]() mutable { f(interop); }));
   }
 
+  /// The kernels of this group come from `bundle`: launching one that it has not, throws errc::kernel_not_supported.
+  /// Kernels without a name are not looked for. Throws errc::invalid for a bundle of another context.
+  void use_kernel_bundle(const kernel_bundle<bundle_state::executable>& bundle);
+  /// Throws errc::invalid after use_kernel_bundle.
+  template <auto& Id>
+  void set_specialization_constant(detail::specialization_type<Id> value) {
+    set_constant(&Id, std::move(value));
+  }
+  template <auto& Id>
+  detail::specialization_type<Id> get_specialization_constant() const {
+    return detail::specialization_access::value(constants_.get(), Id);
+  }
+
   template <class KernelName = detail::unnamed_kernel, class Kernel>
   void single_task(const Kernel& kernel) {
-    set_work(detail::make_work([kernel] { kernel(); }));
+    check_name<KernelName>();
+    check_no_local_memory();
+    if constexpr (std::is_invocable_v<const Kernel&>)
+      set_work(detail::make_work([kernel] { kernel(); }));
+    else
+      set_work(detail::make_work([kernel, constants = kernel_handler(constants())] { kernel(constants); }));
   }
 
   /// `rest` are reductions, if any, and the kernel. The kernel takes an item, an id or, in one dimension, an
-  /// integer, and then the reducers.
+  /// integer, and then the reducers; without reductions, a kernel_handler if it wants one.
   template <class KernelName = detail::unnamed_kernel, int Dimensions, class... Rest>
   void parallel_for(range<Dimensions> extent, const Rest&... rest) {
     static_assert(sizeof...(Rest) > 0, "parallel_for needs a kernel");
+    check_name<KernelName>();
+    check_no_local_memory();
     if constexpr (sizeof...(Rest) == 1)
-      set_work(detail::make_work(
-          [extent, kernel = detail::first_of(rest...)] { detail::run_range(extent, kernel); }));
+      set_work(detail::make_work([extent, kernel = with_constants<item<Dimensions, false>>(rest...)] {
+        detail::run_range(extent, kernel);
+      }));
     else
       set_work(detail::make_work([extent, all = std::make_tuple(rest...)] {
         std::apply([&](const auto&... each) { detail::run_range_reduction(extent, each...); }, all);
@@ -112,11 +140,14 @@ class QORIN_EXPORT handler {
   template <class KernelName = detail::unnamed_kernel, int Dimensions, class... Rest>
   void parallel_for(nd_range<Dimensions> extent, const Rest&... rest) {
     static_assert(sizeof...(Rest) > 0, "parallel_for needs a kernel");
-    detail::check_groups(detail::padded(extent.get_global_range()), detail::padded(extent.get_local_range()));
+    check_name<KernelName>();
+    detail::check_groups(detail::padded(extent.get_global_range()), detail::padded(extent.get_local_range()),
+                         extent.get_offset() == id<Dimensions>());
     if constexpr (sizeof...(Rest) == 1)
-      set_work(detail::make_work([extent, local_bytes = local_bytes(), kernel = detail::first_of(rest...)] {
-        detail::run_nd_range(extent, local_bytes, kernel);
-      }));
+      set_work(detail::make_work(
+          [extent, local_bytes = local_bytes(), kernel = with_constants<nd_item<Dimensions>>(rest...)] {
+            detail::run_nd_range(extent, local_bytes, kernel);
+          }));
     else
       set_work(detail::make_work([extent, local_bytes = local_bytes(), all = std::make_tuple(rest...)] {
         std::apply([&](const auto&... each) { detail::run_nd_range_reduction(extent, local_bytes, each...); },
@@ -124,21 +155,35 @@ class QORIN_EXPORT handler {
       }));
   }
 
+  /// Hierarchical: the kernel takes a group, runs once for each, and calls parallel_for_work_item there.
+  template <class KernelName = detail::unnamed_kernel, int Dimensions, class Kernel>
+  void parallel_for_work_group(range<Dimensions> groups, range<Dimensions> items, const Kernel& kernel) {
+    parallel_for<KernelName>(
+        nd_range<Dimensions>(groups, detail::ones<Dimensions>()),
+        [items, kernel = with_constants<group<Dimensions>>(kernel)](nd_item<Dimensions> item) {
+          kernel(detail::group_access::with_items(item.get_group(), items));
+        });
+  }
+  template <class KernelName = detail::unnamed_kernel, int Dimensions, class Kernel>
+  void parallel_for_work_group(range<Dimensions> groups, const Kernel& kernel) {
+    parallel_for_work_group<KernelName>(groups, detail::ones<Dimensions>(), kernel);
+  }
+
   void memcpy(void* to, const void* from, std::size_t bytes);
   void memset(void* to, int value, std::size_t bytes);
   template <class T>
   void fill(void* to, const T& pattern, std::size_t count) {
-    static_assert(std::is_trivially_copyable_v<T>, "patterns are copied to the device");
+    static_assert(is_device_copyable_v<T>, "patterns are copied to the device");
     parallel_for(range<1>(count), [at = static_cast<T*>(to), pattern](id<1> i) { at[i] = pattern; });
   }
   template <class T>
   void copy(const T* from, T* to, std::size_t count) {
-    static_assert(std::is_trivially_copyable_v<T>, "elements are copied between host and device");
+    static_assert(is_device_copyable_v<T>, "elements are copied between host and device");
     memcpy(to, from, count * sizeof(T));
   }
   /// A hint; all memory is the host's here, so there is nothing to move.
-  void prefetch(void* memory, std::size_t bytes);
-  void mem_advise(void* memory, std::size_t bytes, int advice);
+  void prefetch(const void* memory, std::size_t bytes);
+  void mem_advise(const void* memory, std::size_t bytes, int advice);
 
   template <class T, int Dimensions, access_mode Mode, target Target, access::placeholder P, class U>
   void copy(accessor<T, Dimensions, Mode, Target, P> from, std::shared_ptr<U> to) {
@@ -164,26 +209,23 @@ class QORIN_EXPORT handler {
               detail::padded(to.get_range())},
              nullptr);
   }
-  /// Throws errc::invalid when `to` is smaller than `from` in a dimension.
-  template <class T, class U, int Dimensions, access_mode FromMode, target FromTarget,
+  /// Element by element, in the linear order of the one box and of the other. Throws errc::invalid when `to` has fewer.
+  template <class T, class U, int FromDimensions, int ToDimensions, access_mode FromMode, target FromTarget,
             access::placeholder FromP, access_mode ToMode, target ToTarget, access::placeholder ToP>
-  void copy(accessor<T, Dimensions, FromMode, FromTarget, FromP> from,
-            accessor<U, Dimensions, ToMode, ToTarget, ToP> to) {
+  void copy(accessor<T, FromDimensions, FromMode, FromTarget, FromP> from,
+            accessor<U, ToDimensions, ToMode, ToTarget, ToP> to) {
     static_assert(sizeof(T) == sizeof(U), "elements of equal size");
-    for (int d = 0; d < Dimensions; ++d)
-      if (from.get_range()[d] > to.get_range()[d])
-        throw exception(make_error_code(errc::invalid), "copy: the destination is smaller than the source");
+    if (from.size() > to.size())
+      throw exception(make_error_code(errc::invalid), "copy: the destination is smaller than the source");
     copy_box({to_data(to), from_data(from), sizeof(T), detail::padded(from.get_range()),
-              detail::padded(to.memory_range_), detail::padded(from.memory_range_)},
+              detail::padded(to.memory_range_), detail::padded(from.memory_range_),
+              detail::padded(to.get_range())},
              nullptr);
   }
   template <class T, int Dimensions, access_mode Mode, target Target, access::placeholder P>
   void fill(accessor<T, Dimensions, Mode, Target, P> to, const T& pattern) {
     static_assert(Mode != access_mode::read, "fill writes");
-    if constexpr (Dimensions == 1)
-      parallel_for(to.get_range(), [to, pattern](id<1> i) { to[i] = pattern; });
-    else
-      parallel_for(to.get_range(), [to, pattern](id<Dimensions> i) { to[i] = pattern; });
+    parallel_for(to.get_range(), [to, pattern](id<detail::shape<Dimensions>> i) { to[i] = pattern; });
   }
   /// Host memory given to the buffer is used directly, so this only orders.
   template <class T, int Dimensions, access_mode Mode, target Target, access::placeholder P>
@@ -199,6 +241,26 @@ class QORIN_EXPORT handler {
   explicit handler(const queue& q);
   ~handler();
   event finish();
+
+  template <class KernelName>
+  void check_name() const {
+    if constexpr (!std::is_same_v<KernelName, detail::unnamed_kernel>)
+      if (bundle_)
+        check_kernel(&detail::kernel_tag<KernelName>);
+  }
+  void check_kernel(const void* tag) const;
+  /// Throws errc::kernel_argument when the group has local accessors: the kernel has no work-groups.
+  void check_no_local_memory() const;
+  void set_constant(const void* id, std::any value);
+  const std::shared_ptr<detail::specialization_values>& constants();
+  /// The kernel as one that takes an item alone.
+  template <class Item, class Kernel>
+  auto with_constants(const Kernel& kernel) {
+    if constexpr (std::is_invocable_v<const Kernel&, Item, kernel_handler>)
+      return [kernel, constants = kernel_handler(constants())](const Item& item) { kernel(item, constants); };
+    else
+      return kernel;
+  }
 
   /// Throws errc::invalid when the group has an action already.
   void set_work(std::unique_ptr<detail::work> action);
@@ -217,6 +279,8 @@ class QORIN_EXPORT handler {
 
   std::shared_ptr<detail::queue_state> queue_;
   std::unique_ptr<detail::recording> group_;
+  std::shared_ptr<detail::bundle_contents> bundle_;
+  std::shared_ptr<detail::specialization_values> constants_; // made when first asked for
 };
 
 } // namespace sycl

@@ -12,8 +12,11 @@ QORIN_EXPORT std::shared_ptr<void> hold_for_host(buffer_state& memory, access_mo
 } // namespace detail
 
 template <class T, int Dimensions = 1, access_mode Mode = detail::default_mode<T>>
-class host_accessor : public detail::element_access<std::remove_const_t<T>, Dimensions, Mode> {
-  using base = detail::element_access<std::remove_const_t<T>, Dimensions, Mode>;
+class host_accessor : public detail::element_access<std::remove_const_t<T>, detail::shape<Dimensions>, Mode>,
+                      public detail::lone_element<host_accessor<T, Dimensions, Mode>, Dimensions,
+                                                  std::conditional_t<Mode == access_mode::read, const T, T>> {
+  static constexpr int shape = detail::shape<Dimensions>;
+  using base = detail::element_access<std::remove_const_t<T>, shape, Mode>;
   using plain = std::remove_const_t<T>;
 
  public:
@@ -22,19 +25,26 @@ class host_accessor : public detail::element_access<std::remove_const_t<T>, Dime
   host_accessor() = default;
   template <class U, class A, class... Tags,
             class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
-  host_accessor(buffer<U, Dimensions, A>& from, const Tags&... tags)
-      : host_accessor(from, from.get_range(), id<Dimensions>(), tags...) {}
+  host_accessor(buffer<U, shape, A>& from, const Tags&... tags)
+      : host_accessor(from, detail::whole<Dimensions>(from.get_range()), id<shape>(), tags...) {}
   template <class U, class A, class... Tags,
             class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
-  host_accessor(buffer<U, Dimensions, A>& from, range<Dimensions> box, const Tags&... tags)
-      : host_accessor(from, box, id<Dimensions>(), tags...) {}
+  host_accessor(buffer<U, shape, A>& from, range<shape> box, const Tags&... tags)
+      : host_accessor(from, box, id<shape>(), tags...) {}
   template <class U, class A, class... Tags,
             class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain>>>
-  host_accessor(buffer<U, Dimensions, A>& from, range<Dimensions> box, id<Dimensions> offset, const Tags&...)
-      : base(from.memory(), from.first_, from.get_range(), box, offset),
+  host_accessor(buffer<U, shape, A>& from, range<shape> box, id<shape> offset, const Tags&... tags)
+      : base(from.memory(), from.first_, from.get_range(), box, offset, (detail::says_no_init(tags) || ...)),
         hold_(detail::hold_for_host(from.memory(), Mode)) {
     static_assert((detail::fits<Mode, target::device, Tags> && ...),
                   "a tag of another mode, or an argument that host accessors do not take");
+  }
+
+  /// Of 0 dimensions: the one element.
+  template <int N = Dimensions, std::enable_if_t<N == 0, int> = 0>
+  const host_accessor& operator=(const value_type& value) const {
+    *this->begin() = value;
+    return *this;
   }
 
   std::add_pointer_t<value_type> get_pointer() const noexcept { return this->buffer_data(); }
@@ -65,6 +75,16 @@ template <class T, int Dimensions, class AllocatorT>
 template <class... Args>
 auto buffer<T, Dimensions, AllocatorT>::get_host_access(Args... args) {
   return host_accessor(*this, args...);
+}
+template <class T, int Dimensions, class AllocatorT>
+template <access_mode Mode>
+auto buffer<T, Dimensions, AllocatorT>::get_access() {
+  return host_accessor<T, Dimensions, Mode>(*this);
+}
+template <class T, int Dimensions, class AllocatorT>
+template <access_mode Mode>
+auto buffer<T, Dimensions, AllocatorT>::get_access(range<Dimensions> extent, id<Dimensions> offset) {
+  return host_accessor<T, Dimensions, Mode>(*this, extent, offset);
 }
 
 } // namespace sycl

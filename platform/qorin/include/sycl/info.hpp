@@ -122,6 +122,8 @@ namespace device {
   X(profiling_timer_resolution, std::size_t)                                                                 \
   X(is_endian_little, bool)                                                                                  \
   X(is_available, bool)                                                                                      \
+  X(is_compiler_available, bool)                                                                             \
+  X(is_linker_available, bool)                                                                               \
   X(execution_capabilities, std::vector<info::execution_capability>)                                         \
   X(platform, sycl::platform)                                                                                \
   X(name, std::string)                                                                                       \

@@ -1,4 +1,4 @@
-// sycl::marray: an array of numbers with the operators of numbers, of any length.
+// sycl::marray: an array of numbers, or of what has their operators, of any length.
 #pragma once
 
 #include <cstddef>
@@ -46,7 +46,7 @@ constexpr bool make_up_marray() {
 
 template <typename DataT, std::size_t NumElements>
 class marray {
-  static_assert(std::is_arithmetic_v<DataT> || std::is_same_v<DataT, half>, "not an element type of marray");
+  static_assert(std::is_default_constructible_v<DataT>, "elements start as the default");
   static_assert(NumElements > 0, "an marray has at least one element");
 
  public:

@@ -48,6 +48,20 @@ class nd_item {
     detail::group_access::meet(group_, nullptr, nullptr, nullptr);
   }
 
+  /// As the group's.
+  template <class To, class From>
+  device_event async_work_group_copy(To to, From from, std::size_t count) const {
+    return group_.async_work_group_copy(to, from, count);
+  }
+  template <class To, class From>
+  device_event async_work_group_copy(To to, From from, std::size_t count, std::size_t stride) const {
+    return group_.async_work_group_copy(to, from, count, stride);
+  }
+  template <class... Events>
+  void wait_for(Events... events) const {
+    group_.wait_for(events...);
+  }
+
   friend bool operator==(const nd_item& a, const nd_item& b) {
     return a.group_ == b.group_ && a.get_local_id() == b.get_local_id();
   }

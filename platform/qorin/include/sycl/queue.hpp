@@ -23,14 +23,15 @@ class QORIN_EXPORT queue : public detail::handle<queue, detail::queue_state>,
       : queue(device(selector), handler, properties) {}
   explicit queue(const device& dev, const property_list& properties = {});
   explicit queue(const device& dev, const async_handler& handler, const property_list& properties = {});
-  /// With a context: the device must be one of its devices, else errc::invalid.
+  /// With a context: throws errc::invalid unless the device, or the one the selector likes best of all, is one of its
+  /// devices.
   template <class Selector, class = if_selector<Selector>>
   explicit queue(const context& ctx, const Selector& selector, const property_list& properties = {})
-      : queue(ctx, select(ctx, selector), properties) {}
+      : queue(ctx, device(selector), properties) {}
   template <class Selector, class = if_selector<Selector>>
   explicit queue(const context& ctx, const Selector& selector, const async_handler& handler,
                  const property_list& properties = {})
-      : queue(ctx, select(ctx, selector), handler, properties) {}
+      : queue(ctx, device(selector), handler, properties) {}
   explicit queue(const context& ctx, const device& dev, const property_list& properties = {});
   explicit queue(const context& ctx, const device& dev, const async_handler& handler,
                  const property_list& properties = {});
@@ -49,6 +50,16 @@ class QORIN_EXPORT queue : public detail::handle<queue, detail::queue_state>,
     handler commands(*this);
     group(commands);
     return commands.finish();
+  }
+
+  /// A group that this queue cannot take, for it throws a sycl::exception, goes to the other one.
+  template <class CommandGroup>
+  event submit(CommandGroup group, const queue& secondary) {
+    try {
+      return submit(group);
+    } catch (const exception&) {
+      return queue(secondary).submit(group);
+    }
   }
 
   /// Returns when everything submitted before is complete.
@@ -99,6 +110,19 @@ class QORIN_EXPORT queue : public detail::handle<queue, detail::queue_state>,
   event parallel_for(nd_range<Dimensions> extent, Rest&&... rest) {
     return launch<KernelName>(extent, std::forward<Rest>(rest)...);
   }
+  // For events in braces.
+#define QORIN_LAUNCH_AFTER(extent_type)                                                                      \
+  template <class KernelName = detail::unnamed_kernel, class... Rest>                                        \
+  event parallel_for(extent_type extent, const std::vector<event>& dependencies, Rest&&... rest) {           \
+    return launch<KernelName>(extent, dependencies, std::forward<Rest>(rest)...);                            \
+  }
+  QORIN_LAUNCH_AFTER(range<1>)
+  QORIN_LAUNCH_AFTER(range<2>)
+  QORIN_LAUNCH_AFTER(range<3>)
+  QORIN_LAUNCH_AFTER(nd_range<1>)
+  QORIN_LAUNCH_AFTER(nd_range<2>)
+  QORIN_LAUNCH_AFTER(nd_range<3>)
+#undef QORIN_LAUNCH_AFTER
 
   event memcpy(void* to, const void* from, std::size_t bytes, const std::vector<event>& dependencies = {}) {
     QORIN_SHORTCUT(memcpy(to, from, bytes));
@@ -128,16 +152,17 @@ class QORIN_EXPORT queue : public detail::handle<queue, detail::queue_state>,
   event copy(const T* from, T* to, std::size_t count, const event& dependencies) {
     QORIN_SHORTCUT(copy(from, to, count));
   }
-  event prefetch(void* memory, std::size_t bytes, const std::vector<event>& dependencies = {}) {
+  event prefetch(const void* memory, std::size_t bytes, const std::vector<event>& dependencies = {}) {
     QORIN_SHORTCUT(prefetch(memory, bytes));
   }
-  event prefetch(void* memory, std::size_t bytes, const event& dependencies) {
+  event prefetch(const void* memory, std::size_t bytes, const event& dependencies) {
     QORIN_SHORTCUT(prefetch(memory, bytes));
   }
-  event mem_advise(void* memory, std::size_t bytes, int advice, const std::vector<event>& dependencies = {}) {
+  event mem_advise(const void* memory, std::size_t bytes, int advice,
+                   const std::vector<event>& dependencies = {}) {
     QORIN_SHORTCUT(mem_advise(memory, bytes, advice));
   }
-  event mem_advise(void* memory, std::size_t bytes, int advice, const event& dependencies) {
+  event mem_advise(const void* memory, std::size_t bytes, int advice, const event& dependencies) {
     QORIN_SHORTCUT(mem_advise(memory, bytes, advice));
   }
 #undef QORIN_SHORTCUT
@@ -168,6 +193,14 @@ class QORIN_EXPORT queue : public detail::handle<queue, detail::queue_state>,
     });
   }
 
+  template <class T, int Dimensions, access_mode Mode, target Target, access::placeholder P>
+  event update_host(accessor<T, Dimensions, Mode, Target, P> of) {
+    return submit([&](handler& commands) {
+      commands.require(of);
+      commands.update_host(of);
+    });
+  }
+
  private:
   friend struct detail::handle_access;
   friend class property_interface<queue>;
@@ -184,20 +217,8 @@ class QORIN_EXPORT queue : public detail::handle<queue, detail::queue_state>,
       }
     });
   }
-  template <class Selector>
-  static device select(const context& ctx, const Selector& selector);
   const property_list& properties() const noexcept;
 };
-
-template <class Selector>
-device queue::select(const context& ctx, const Selector& selector) {
-  return detail::select_device([&](const device& d) {
-    for (const device& member : ctx.get_devices())
-      if (member == d)
-        return static_cast<int>(selector(d));
-    return -1;
-  });
-}
 
 #define QORIN_INFO_DECLARE(descriptor, type)                                                                 \
   template <>                                                                                                \

@@ -7,27 +7,31 @@
 #include <sycl/accessor.hpp>
 #include <sycl/detail/group_kernel.hpp>
 #include <sycl/functional.hpp>
+#include <sycl/span.hpp>
 
 #include <tuple>
 #include <vector>
 
 namespace sycl {
 
-/// Where a kernel leaves its contributions to one reduction.
+/// Where a kernel leaves its contributions to one reduction: of a variable, or of each element of a span.
+template <class T, class BinaryOperation, int Dimensions = 0, std::size_t Extent = 1>
+class reducer;
+
 template <class T, class BinaryOperation>
-class reducer {
+class reducer<T, BinaryOperation, 0, 1> {
  public:
   using value_type = T;
   using binary_operation = BinaryOperation;
   static constexpr int dimensions = 0;
 
-  reducer(T& partial, const T& identity, const BinaryOperation& operation)
-      : partial_(&partial), identity_(identity), operation_(operation) {}
+  reducer(T* partial, const T& identity, const BinaryOperation& operation)
+      : partial_(partial), identity_(identity), operation_(operation) {}
   reducer(const reducer&) = delete;
   reducer& operator=(const reducer&) = delete;
 
   reducer& combine(const T& value) {
-    *partial_ = operation_(*partial_, value);
+    *partial_ = static_cast<T>(operation_(*partial_, value));
     return *this;
   }
   T identity() const { return identity_; }
@@ -54,21 +58,65 @@ class reducer {
   BinaryOperation operation_;
 };
 
+template <class T, class BinaryOperation, std::size_t Extent>
+class reducer<T, BinaryOperation, 1, Extent> {
+ public:
+  using value_type = T;
+  using binary_operation = BinaryOperation;
+  static constexpr int dimensions = 1;
+
+  reducer(T* partials, const T& identity, const BinaryOperation& operation)
+      : partials_(partials), identity_(identity), operation_(operation) {}
+  reducer(const reducer&) = delete;
+  reducer& operator=(const reducer&) = delete;
+
+  /// The reducer of one element.
+  reducer<T, BinaryOperation> operator[](id<1> index) {
+    return {partials_ + index[0], identity_, operation_};
+  }
+  T identity() const { return identity_; }
+
+ private:
+  T* partials_;
+  T identity_;
+  BinaryOperation operation_;
+};
+
 namespace detail {
 
-/// A reduction as parallel_for takes it: where the result goes and how values combine.
-template <class T, class BinaryOperation>
+/// A partial result of each element that is reduced.
+template <class T, std::size_t Extent>
+class partial_results {
+ public:
+  explicit partial_results(const T& identity)
+      : partial_results(identity, std::make_index_sequence<Extent>()) {}
+  T* data() { return values_; }
+  const T* data() const { return values_; }
+
+ private:
+  template <std::size_t... I>
+  partial_results(const T& identity, std::index_sequence<I...>)
+      : values_{(static_cast<void>(I), identity)...} {}
+  T values_[Extent];
+};
+
+/// A reduction as parallel_for takes it: where the results go and how values combine.
+template <class T, class BinaryOperation, int Dimensions = 0, std::size_t Extent = 1>
 struct reduction_request {
-  T* result;
+  using partials_type = partial_results<T, Extent>;
+
+  T* results;
   T identity;
   BinaryOperation operation;
   bool ignore_old_value;
 
-  void store(const std::vector<T>& partials) const {
-    T sum = ignore_old_value ? identity : *result;
-    for (const T& partial : partials)
-      sum = operation(sum, partial);
-    *result = sum;
+  void store(const std::vector<partials_type>& partials) const {
+    for (std::size_t i = 0; i < Extent; ++i) {
+      T sum = ignore_old_value ? identity : results[i];
+      for (const partials_type& partial : partials)
+        sum = static_cast<T>(operation(sum, partial.data()[i]));
+      results[i] = sum;
+    }
   }
 };
 
@@ -76,42 +124,49 @@ inline bool ignores_old_value(const property_list& properties) {
   return properties.has_property<property::reduction::initialize_to_identity>();
 }
 
-/// One reduction during a launch: a partial result for each block of items.
-template <class T, class BinaryOperation>
+/// One reduction during a launch: partial results for each block of items.
+template <class T, class BinaryOperation, int Dimensions, std::size_t Extent>
 struct reduction_part {
-  T* partials;
+  using reducer_type = reducer<T, BinaryOperation, Dimensions, Extent>;
+
+  partial_results<T, Extent>* partials;
   T identity;
   BinaryOperation operation;
 
-  /// The partial result of one block while its items run; kept apart from the others for the compiler's sake.
+  reducer_type of_block(std::size_t block) const { return {partials[block].data(), identity, operation}; }
+
+  /// The partial results of one block while its items run; kept apart from the others for the compiler's sake.
   class accumulator {
    public:
     accumulator(const reduction_part& part, std::size_t block)
-        : slot_(part.partials + block), value_(*slot_), reducer_(value_, part.identity, part.operation) {}
+        : slot_(part.partials + block), value_(*slot_),
+          reducer_(value_.data(), part.identity, part.operation) {}
     accumulator(const accumulator&) = delete;
     accumulator& operator=(const accumulator&) = delete;
     ~accumulator() { *slot_ = value_; }
-    reducer<T, BinaryOperation>& get() { return reducer_; }
+    reducer_type& get() { return reducer_; }
 
    private:
-    T* slot_;
-    T value_;
-    reducer<T, BinaryOperation> reducer_;
+    partial_results<T, Extent>* slot_;
+    partial_results<T, Extent> value_;
+    reducer_type reducer_;
   };
 };
-template <class T, class BinaryOperation>
-reduction_part(T*, T, BinaryOperation) -> reduction_part<T, BinaryOperation>;
+
+template <class T, class BinaryOperation, int Dimensions, std::size_t Extent>
+reduction_part<T, BinaryOperation, Dimensions, Extent>
+part_of(const reduction_request<T, BinaryOperation, Dimensions, Extent>& request,
+        std::vector<partial_results<T, Extent>>& partials) {
+  return {partials.data(), request.identity, request.operation};
+}
 
 /// Makes the partial results for the requests, runs `launch(parts...)`, and stores the results.
-template <class Launch, class... T, class... BinaryOperation>
-void reduce(std::size_t blocks, const Launch& launch,
-            const reduction_request<T, BinaryOperation>&... requests) {
-  auto partials = std::make_tuple(std::vector<T>(blocks, requests.identity)...);
-  std::apply(
-      [&](auto&... of) {
-        launch(reduction_part{of.data(), requests.identity, requests.operation}...);
-      },
-      partials);
+template <class Launch, class... Requests>
+void reduce(std::size_t blocks, const Launch& launch, const Requests&... requests) {
+  using std::vector;
+  auto partials = std::make_tuple(vector<typename Requests::partials_type>(
+      blocks, typename Requests::partials_type(requests.identity))...);
+  std::apply([&](auto&... of) { launch(part_of(requests, of)...); }, partials);
   std::apply([&](const auto&... of) { (requests.store(of), ...); }, partials);
 }
 
@@ -165,7 +220,7 @@ void run_nd_range_reduction(std::index_sequence<I...>, const nd_range<Dimensions
       [&](const auto&... parts) {
         run_nd_range(extent, local_bytes, [=](nd_item<Dimensions> item) {
           const std::size_t group = item.get_group_linear_id();
-          call_with(kernel, item, reducer(parts.partials[group], parts.identity, parts.operation)...);
+          call_with(kernel, item, parts.of_block(group)...);
         });
       },
       std::get<I>(all)...);
@@ -188,7 +243,7 @@ auto buffer_reduction(Buffer& variable, handler& commands, typename Buffer::valu
 
 } // namespace detail
 
-/// The result goes to `*variable`, combined with its old value. Without an identity one must be known for the
+/// The result goes to `*variable`, or to each element of a span of fixed extent, combined with its old value. Without an identity one must be known for the
 /// operation.
 template <class T, class BinaryOperation>
 auto reduction(T* variable, const std::common_type_t<T>& identity, BinaryOperation operation,
@@ -211,6 +266,18 @@ auto reduction(buffer<T, Dimensions, AllocatorT> variable, handler& commands, Bi
                const property_list& properties = {}) {
   return detail::buffer_reduction(variable, commands, known_identity_v<BinaryOperation, T>, operation,
                                   properties);
+}
+
+template <class T, std::size_t Extent, class BinaryOperation>
+auto reduction(span<T, Extent> variables, const std::common_type_t<T>& identity, BinaryOperation operation,
+               const property_list& properties = {}) {
+  static_assert(Extent != dynamic_extent, "a reduction needs to know how many elements its span has");
+  return detail::reduction_request<T, BinaryOperation, 1, Extent>{variables.data(), identity, operation,
+                                                                  detail::ignores_old_value(properties)};
+}
+template <class T, std::size_t Extent, class BinaryOperation>
+auto reduction(span<T, Extent> variables, BinaryOperation operation, const property_list& properties = {}) {
+  return reduction(variables, known_identity_v<BinaryOperation, T>, operation, properties);
 }
 
 } // namespace sycl

@@ -16,12 +16,16 @@
 #include <sycl/functional.hpp>
 #include <sycl/group.hpp>
 #include <sycl/group_functions.hpp>
+#include <sycl/h_item.hpp>
 #include <sycl/handler.hpp>
 #include <sycl/host_accessor.hpp>
 #include <sycl/id.hpp>
 #include <sycl/info.hpp>
 #include <sycl/interop_handle.hpp>
+#include <sycl/is_device_copyable.hpp>
 #include <sycl/item.hpp>
+#include <sycl/kernel_bundle.hpp>
+#include <sycl/kernel_handler.hpp>
 #include <sycl/local_accessor.hpp>
 #include <sycl/nd_item.hpp>
 #include <sycl/nd_range.hpp>
@@ -30,4 +34,5 @@
 #include <sycl/queue.hpp>
 #include <sycl/range.hpp>
 #include <sycl/reduction.hpp>
+#include <sycl/span.hpp>
 #include <sycl/usm.hpp>

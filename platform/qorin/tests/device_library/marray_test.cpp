@@ -63,4 +63,17 @@ TEST(marray, compares_into_booleans) {
   EXPECT_THAT(!(a != b) || (b < a), ElementsAre(false, true, true));
 }
 
+struct clock_hours {
+  int value = 12;
+  friend constexpr clock_hours operator+(clock_hours a, clock_hours b) { return {(a.value + b.value) % 12}; }
+  friend constexpr bool operator==(clock_hours a, clock_hours b) { return a.value == b.value; }
+};
+
+TEST(marray, holds_what_a_program_computes_with) {
+  const marray<clock_hours, 3> late(clock_hours{9}, clock_hours{10}, clock_hours{11});
+  EXPECT_THAT(late + clock_hours{3}, ElementsAre(clock_hours{0}, clock_hours{1}, clock_hours{2}));
+  EXPECT_THAT((late == marray<clock_hours, 3>(clock_hours{9})), ElementsAre(true, false, false));
+  EXPECT_THAT((marray<clock_hours, 2>()), Each(clock_hours{12}));
+}
+
 } // namespace

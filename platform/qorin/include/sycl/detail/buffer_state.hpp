@@ -5,10 +5,12 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 
 namespace sycl::detail {
 
 class command;
+class context_state;
 struct buffer_users;
 
 using buffer_allocation = std::function<std::shared_ptr<void>(std::size_t bytes)>;
@@ -16,8 +18,9 @@ using buffer_allocation = std::function<std::shared_ptr<void>(std::size_t bytes)
 class QORIN_EXPORT buffer_state : public std::enable_shared_from_this<buffer_state> {
  public:
   /// `host` is the caller's memory, used directly and kept alive by `keep`; null for a buffer with memory of its
-  /// own, which `allocate` provides at the first use.
-  buffer_state(std::size_t bytes, buffer_allocation allocate, void* host, std::shared_ptr<void> keep);
+  /// own, which `allocate` provides at the first use. Of the properties, use_mutex and context_bound count.
+  buffer_state(std::size_t bytes, buffer_allocation allocate, void* host, std::shared_ptr<void> keep,
+               const property_list& properties);
   buffer_state(const buffer_state&) = delete;
   buffer_state& operator=(const buffer_state&) = delete;
   ~buffer_state();
@@ -35,6 +38,9 @@ class QORIN_EXPORT buffer_state : public std::enable_shared_from_this<buffer_sta
   void finish();
 
   buffer_users& users() noexcept { return *users_; }
+  /// Null where the property was not given.
+  std::mutex* mutex() const noexcept { return mutex_; }
+  const std::shared_ptr<context_state>& bound_to() const noexcept { return bound_to_; }
 
  private:
   void detach_from_host();
@@ -46,6 +52,8 @@ class QORIN_EXPORT buffer_state : public std::enable_shared_from_this<buffer_sta
   std::function<void(const void*)> final_copy_;
   bool write_back_ = true;
   std::unique_ptr<buffer_users> users_;
+  std::mutex* mutex_ = nullptr;
+  std::shared_ptr<context_state> bound_to_;
 };
 
 /// What all copies of a buffer handle share. The last of them to go ends the buffer, unless it is a sub-buffer,

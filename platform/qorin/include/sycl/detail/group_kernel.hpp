@@ -25,8 +25,9 @@ struct group_shape {
 /// Runs all groups; returns when all are done. Throws errc::kernel when items of a group wait for others that ended.
 QORIN_EXPORT void run_groups(const group_functions& functions, const void* launch, const group_shape& shape);
 
-/// Throws errc::nd_range unless the groups have a size the devices offer and fill the global range.
-QORIN_EXPORT void check_groups(const range<3>& global, const range<3>& local);
+/// Throws errc::nd_range unless the groups have a size the devices offer and fill the global range, and
+/// errc::feature_not_supported for a range with an offset.
+QORIN_EXPORT void check_groups(const range<3>& global, const range<3>& local, bool at_origin);
 
 template <int Dimensions, class Kernel>
 struct group_launch {

@@ -1,0 +1,15 @@
+// Time as a clock on the wall has it.
+#pragma once
+
+#include <chrono>
+
+namespace hvl_rng {
+
+template <class Work>
+double seconds_of(const Work& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+} // namespace hvl_rng
