@@ -28,6 +28,7 @@ PICTURES = (
     ("poisson", "Poisson: how many of many rare events happen", "-d poisson --lambda 7.5"),
     ("poisson_v", "Poisson numbers of several means, one after the other", "-d poisson_v --lambda 3,25"),
     ("binomial", "Binomial: how many of a number of trials succeed", "-d binomial --ntrial 30 --p 0.3"),
+    ("multinomial", "Multinomial: how often each outcome comes; the counts of all", "-d multinomial --ntrial 40 --p 0.1,0.3,0.6"),
     ("hypergeometric", "Hypergeometric: how many of a sample are marked", "-d hypergeometric --l 100 --s 30 --m 40"),
     ("negative_binomial", "Negative binomial: how many trials fail before the a-th success", "-d negative_binomial --a 3.5 --p 0.3"),
     ("cauchy", "Cauchy; the plot leaves the tails out", "-d cauchy"),

@@ -30,6 +30,8 @@ struct binomial_t { // what is prepared for the last parameters
   double p1, xm, xl, xr, c, laml, lamr, p2, p3, p4;
 };
 std::int64_t random_binomial(bitgen_t* bits, double p, std::int64_t trials, binomial_t* prepared);
+void random_multinomial(bitgen_t* bits, std::int64_t trials, std::int64_t* counts, double* p,
+                        std::ptrdiff_t outcomes, binomial_t* prepared);
 }
 
 namespace bench {

@@ -110,6 +110,11 @@ void register_distributions() {
     add(poisson_name(mean), bound<std::int32_t>(viRngPoisson_64, 0, mean));
   for (const trials& t : binomial_trials)
     add(t.name, bound<std::int32_t>(viRngBinomial_64, 0, t.count, t.p));
+  for (const counted& m : multinomial_trials)
+    add<std::int32_t>(m.name, [count = m.count, p = outcome_probabilities()](vqs_stream s, std::int64_t n,
+                                                                             std::int32_t* r) {
+      return viRngMultinomial_64(0, s, n / outcomes, r, count, outcomes, p.data());
+    });
   for (const sample& s : hypergeometric_samples)
     add(s.name, bound<std::int32_t>(viRngHypergeometric_64, 0, s.lot, s.size, s.marked));
   for (const successes& s : negative_binomial_successes)

@@ -106,6 +106,37 @@ struct integers_of {
   Distribution distribution;
 };
 
+// NumPy's function, and binomial numbers of Boost's for one outcome after the other.
+void add_multinomial(const std::string& name, std::int32_t count) {
+  register_fill<std::int32_t>(
+      "peer/numpy/" + name, cached_bytes,
+      [=, sfc = numpy_sfc64(20211113), p = outcome_probabilities()](std::span<std::int32_t> out) mutable {
+        bitgen_t bits = sfc.bits();
+        binomial_t prepared{};
+        for (std::size_t i = 0; i < out.size(); i += outcomes) {
+          std::int64_t counts[outcomes] = {};
+          random_multinomial(&bits, count, counts, p.data(), outcomes, &prepared);
+          for (std::size_t k = 0; k < outcomes; ++k)
+            out[i + k] = static_cast<std::int32_t>(counts[k]);
+        }
+      });
+  register_fill<std::int32_t>("peer/boost/" + name, cached_bytes,
+                              [=, engine = boost::random::mt19937(20211113),
+                               p = outcome_probabilities()](std::span<std::int32_t> out) mutable {
+                                for (std::size_t i = 0; i < out.size(); i += outcomes) {
+                                  std::int32_t left = count;
+                                  double rest = 1;
+                                  for (std::size_t k = 0; k + 1 < outcomes; ++k) {
+                                    out[i + k] = boost::random::binomial_distribution<std::int32_t>(
+                                        left, std::min(p[k] / rest, 1.0))(engine);
+                                    left -= out[i + k];
+                                    rest -= p[k];
+                                  }
+                                  out[i + outcomes - 1] = left;
+                                }
+                              });
+}
+
 template <class T>
 void add_all(const std::string& type) {
   using std_engine = std::mt19937;
@@ -155,6 +186,8 @@ void register_distribution_peers() {
       return random_binomial(bits, t.p, t.count, &prepared);
     });
   }
+  for (const counted& m : multinomial_trials)
+    add_multinomial(m.name, m.count);
   for (const sample& s : hypergeometric_samples)
     add_numpy<std::int32_t>(s.name, [s](bitgen_t* bits) {
       return random_hypergeometric(bits, s.marked, s.lot - s.marked, s.size);

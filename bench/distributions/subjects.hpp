@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "sizes.hpp"
 
@@ -49,6 +50,22 @@ struct trials {
 };
 inline constexpr trials binomial_trials[] = {
     {"binomial_20_0.3", 20, 0.3}, {"binomial_1000_0.4", 1000, 0.4}, {"binomial_1e9_0.3", 1000000000, 0.3}};
+
+// Of eight outcomes, whose probabilities are one to eight parts of 36.
+struct counted {
+  const char* name;
+  std::int32_t count;
+};
+inline constexpr counted multinomial_trials[] = {
+    {"multinomial_20", 20}, {"multinomial_1000", 1000}, {"multinomial_1e6", 1000000}};
+inline constexpr int outcomes = 8;
+
+inline std::vector<double> outcome_probabilities() {
+  std::vector<double> p;
+  for (int i = 1; i <= outcomes; ++i)
+    p.push_back(i / 36.0);
+  return p;
+}
 
 struct sample {
   const char* name;

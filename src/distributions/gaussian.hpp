@@ -130,7 +130,7 @@ struct gaussian_mv_box_muller2 {
   sycl::event second_step(sycl::queue& queue, const sycl::event& first, std::int64_t values,
                           const Target& target) const {
     return queue.submit([&](sycl::handler& handler) {
-      auto output = target.in_place(handler, first);
+      auto output = target.template in_place<T>(handler, first);
       if (values > 0)
         handler.parallel_for(sycl::range<1>(static_cast<std::size_t>(values) / dimension),
                              gaussian_mv_vector<T, decltype(output)>{storage, dimension, record, output});

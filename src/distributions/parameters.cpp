@@ -11,6 +11,7 @@
 
 #include "distributions/matrix_record.hpp"
 #include "distributions/means_record.hpp"
+#include "distributions/outcome_record.hpp"
 #include "distributions/thresholds.hpp"
 
 namespace kestro::hvl::rng::detail {
@@ -112,6 +113,16 @@ std::shared_ptr<threshold_record> hypergeometric_record(std::int32_t l, std::int
 std::shared_ptr<threshold_record> negative_binomial_record(double a, double p) {
   return law_record<::hvl::math::negative_binomial_law>("negative_binomial",
                                                         ::hvl::streams::negative_binomial_fault, a, p);
+}
+
+std::shared_ptr<outcome_record> multinomial_record(std::int32_t ntrial, const std::vector<double>& p) {
+  constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
+  if (p.empty() || p.size() > most)
+    throw invalid_argument("rng", "multinomial", "size of p < 1");
+  const auto k = static_cast<std::int32_t>(p.size());
+  check("multinomial", ::hvl::streams::multinomial_fault, ntrial, k);
+  check("multinomial", ::hvl::streams::multinomial_fault, k, p.data());
+  return std::make_shared<outcome_record>(p);
 }
 
 std::shared_ptr<means_record> poisson_v_record(std::shared_ptr<const std::vector<double>> lambda) {

@@ -32,9 +32,10 @@ struct usm_output {
     return r;
   }
   /// What the work behind `made` has written, to be read and changed.
-  T* in_place(sycl::handler& handler, const sycl::event& made) const {
+  template <class Element>
+  Element* in_place(sycl::handler& handler, const sycl::event& made) const {
     handler.depends_on(made);
-    return r;
+    return reinterpret_cast<Element*>(r);
   }
 
   /// Of the host's memory; the last thing that a command group declares.
@@ -59,15 +60,12 @@ struct buffer_output {
   template <class Element>
   auto on_device(sycl::handler& handler, std::int64_t n) const {
     using accessor = sycl::accessor<Element, 1, sycl::access_mode::write, sycl::target::device>;
-    if constexpr (std::is_same_v<Element, T>) {
-      return accessor(r, handler, properties(n));
-    } else {
-      auto elements = r.template reinterpret<Element, 1>(r.get_range());
-      return accessor(elements, handler, properties(n));
-    }
+    return of_elements<Element>([&](auto& elements) { return accessor(elements, handler, properties(n)); });
   }
+  template <class Element>
   auto in_place(sycl::handler& handler, const sycl::event&) const {
-    return sycl::accessor<T, 1, sycl::access_mode::read_write, sycl::target::device>(r, handler);
+    using accessor = sycl::accessor<Element, 1, sycl::access_mode::read_write, sycl::target::device>;
+    return of_elements<Element>([&](auto& elements) { return accessor(elements, handler); });
   }
   auto on_host(sycl::handler& handler, std::int64_t n) const {
     return portability::task_output<T>(r, handler, properties(n));
@@ -84,6 +82,16 @@ struct buffer_output {
   }
 
  private:
+  template <class Element, class Access>
+  auto of_elements(const Access& access) const {
+    if constexpr (std::is_same_v<Element, T>) {
+      return access(r);
+    } else {
+      auto elements = r.template reinterpret<Element, 1>(r.get_range());
+      return access(elements);
+    }
+  }
+
   // Values behind the n-th are kept, so only a whole overwrite lets the old content go.
   sycl::property_list properties(std::int64_t n) const {
     if (static_cast<std::uint64_t>(n) == r.size())

@@ -6,9 +6,10 @@
 
 #include <hvl/streams_parameters.hpp>
 #include <kestro/hvl/offload.h>
+#include <kestro/hvl/rng/distributions/gaussian_mv.hpp>
+#include <kestro/hvl/rng/distributions/multinomial.hpp>
 #include <kestro/hvl/rng/distributions/poisson_v.hpp>
 
-#include "offload/missing.hpp"
 #include "offload/omp_driver.hpp"
 
 namespace kestro::hvl::rng::detail::openmp {
@@ -44,14 +45,16 @@ struct entry<gaussian_mv<T>> {
   }
 };
 
+/// `p` has as many probabilities as there are outcomes; what is wrong with these the constructor finds.
 template <>
-struct entry<missing<"multinomial", std::int32_t>> {
-  using distribution = missing<"multinomial", std::int32_t>;
-
+struct entry<multinomial<std::int32_t>> {
   static bool accepts(std::int32_t trials, std::int32_t outcomes, const double*) {
     return trials >= 0 && outcomes >= 1;
   }
-  static distribution make(std::int64_t, std::int32_t, std::int32_t, const double*) { return distribution(); }
+  static multinomial<std::int32_t> make(std::int64_t, std::int32_t trials, std::int32_t outcomes,
+                                        const double* p) {
+    return {trials, p == nullptr ? std::vector<double>() : std::vector<double>(p, p + outcomes)};
+  }
 };
 
 /// `lambda` has n means.

@@ -5,7 +5,6 @@
 #include <kestro/hvl/detail/parameter_list.h>
 
 using namespace kestro::hvl::rng;
-using kestro::hvl::rng::detail::openmp::missing;
 using kestro::hvl::rng::detail::openmp::offload;
 
 #define KESTRO_HVL_OFFLOAD(tag, Name, name, result, parameters, ...)                                         \

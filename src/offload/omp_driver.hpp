@@ -1,14 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <utility>
 
 #include "offload/catch_and_report.hpp"
 #include "offload/completion.hpp"
 #include "offload/generator.hpp"
 #include "offload/interop.hpp"
-#include "offload/missing.hpp"
 
 namespace kestro::hvl::rng::detail::openmp {
 
@@ -41,12 +39,7 @@ std::int32_t omp_driver(const Distribution& distribution, vqs_stream stream, std
   const foreign_runtime runtime = foreign_runtime_of(interop, status);
   if (status != 0)
     return status;
-  return catch_and_report([&] {
-    if constexpr (provided<Distribution>)
-      run(distribution, stream, n, r, interop, runtime);
-    else
-      throw unimplemented("rng", "generate", std::string(Distribution::name) + " distribution");
-  });
+  return catch_and_report([&] { run(distribution, stream, n, r, interop, runtime); });
 }
 
 } // namespace kestro::hvl::rng::detail::openmp

@@ -131,6 +131,10 @@ class Numbers(unittest.TestCase):
         for first, second in zip(values[::2], values[1::2]):
             self.assertAlmostEqual(second, -1 - first, delta=1e-5)
         self.assertAlmostEqual(sum(values[::2]) / 10000, 1, delta=0.06)
+        counts = struct.unpack("<30000i", raw("-n", "10k", "-d", "multinomial", "--ntrial", "9", "--p", "0.5,0,0.5"))
+        for first, second, third in zip(counts[::3], counts[1::3], counts[2::3]):
+            self.assertEqual((first + third, second), (9, 0))
+        self.assertAlmostEqual(sum(counts[::3]) / 10000, 4.5, delta=0.09)
 
     def test_integers_are_exact_unless_told_otherwise(self):
         wide = ("-n", "1k", "-t", "int32", "--a", "0", "--b", str(2**31 - 1))

@@ -163,6 +163,14 @@ class Pictures(unittest.TestCase):
                     if high - low == 1:
                         self.assertAlmostEqual(exact, share, delta=1e-5)
 
+    def test_counts_lie_under_the_mean_of_their_probabilities(self):
+        _, bars, law = script("-n", str(self.COUNT), "-d", "multinomial", "--ntrial", "12", "--p", "0.25,0.6,0.15")
+        for (low, _, height), (k, exact) in zip(bars, law, strict=True):
+            k = round(k)
+            share = sum(math.comb(12, k) * p**k * (1 - p) ** (12 - k) for p in (0.25, 0.6, 0.15)) / 3
+            self.assertAlmostEqual(exact, share, delta=1e-5)
+            self.assertAlmostEqual(height, share, delta=6 * math.sqrt(share / self.COUNT) + 1e-5, msg=low)
+
     def test_bernoulli_has_two_bars(self):
         _, bars, law = script("-n", str(self.COUNT), "-d", "bernoulli", "--p", "0.25")
         self.assertEqual([(low, high) for low, high, _ in bars], [(-0.5, 0.5), (0.5, 1.5)])

@@ -125,6 +125,39 @@ TEST(gaussian_mv_of_bad_sizes, is_refused) {
   });
 }
 
+// Both methods of counting, also in one vector; one outcome only.
+TYPED_TEST(distributions_test, multinomial_is_the_same_everywhere_and_takes_its_words) {
+  const auto check = [&](const auto& distribution) {
+    this->check_words(distribution,
+                      [&](std::int64_t n) { return static_cast<std::uint64_t>(n * distribution.dimen()); });
+  };
+  check(multinomial<int>(20, {0.1, 0.0, 0.55, 0.35}));
+  check(multinomial<unsigned>(1000, {0.01, 0.6, 0.2, 0.014, 0.176}));
+  check(multinomial<int>(2147483647, {1e-9, 0.7, 0.3 - 1e-9}));
+  check(multinomial<int>(7, {1.0}));
+}
+
+// Its table lives as long as the work, whatever becomes of the distribution.
+TYPED_TEST(distributions_test, multinomial_may_be_gone_before_its_values_are_there) {
+  on_every_device([](sycl::queue& queue) {
+    const std::vector<double> p(40, 0.025);
+    const multinomial<int> kept(900, p);
+    TypeParam engine = seeded<TypeParam>(queue, 4), again = engine;
+    const auto expected = usm_values(kept, again, queue, 1000);
+    int* const r = sycl::malloc_shared<int>(40'000, queue);
+    sycl::event done;
+    {
+      const gate closed(queue);
+      auto gone = std::make_unique<multinomial<int>>(900, p);
+      done = generate(*gone, engine, 1000, r, {closed.event()});
+      gone.reset();
+    }
+    done.wait();
+    expect_same(std::vector<int>(r, r + 40'000), expected);
+    sycl::free(r, queue);
+  });
+}
+
 TYPED_TEST(distributions_test, chi_square_is_gamma) {
   const auto compare = [](auto chi_square, auto gamma) {
     on_every_device([&](sycl::queue& queue) {
@@ -218,6 +251,7 @@ TYPED_TEST(distributions_test, discrete_ones_have_the_same_values_in_both_types)
     check(poisson<int>(20), poisson<unsigned>(20));
     check(poisson_v<int>({20, 0.1}), poisson_v<unsigned>({20, 0.1}));
     check(binomial<int>(2147483647, 1), binomial<unsigned>(2147483647, 1));
+    check(multinomial<int>(2147483647, {0.0, 1.0}), multinomial<unsigned>(2147483647, {0.0, 1.0}));
     check(hypergeometric<int>(100, 40, 90), hypergeometric<unsigned>(100, 40, 90));
     check(negative_binomial<int>(1, 1e-9), negative_binomial<unsigned>(1, 1e-9));
   });
@@ -248,6 +282,7 @@ TEST(distributions_in_substreams, are_refused_where_a_row_has_too_few_words) {
     check(poisson<int>(), mrg32k3a_mode::optimal{});
     check(poisson_v<int>(), mrg32k3a_mode::optimal{});
     check(binomial<int>(), mrg32k3a_mode::optimal{});
+    check(multinomial<int>(3, {1.0}), mrg32k3a_mode::optimal{});
     check(hypergeometric<int>(), mrg32k3a_mode::optimal{});
     check(negative_binomial<int>(), mrg32k3a_mode::optimal{});
     check(negative_binomial<int>(1, 1e-3), mrg32k3a_mode::optimal{});
@@ -310,6 +345,16 @@ TEST(distributions_of_bad_parameters, are_refused_by_name) {
   }
   const std::string binomial_text = "kestro::hvl::rng::binomial: invalid argument: ";
   EXPECT_EQ(refused<binomial<int>>(-1, 0.5), binomial_text + "ntrial < 0");
+  const std::string multinomial_text = "kestro::hvl::rng::multinomial: invalid argument: ";
+  EXPECT_EQ(refused<multinomial<int>>(-1, std::vector{1.0}), multinomial_text + "ntrial < 0");
+  EXPECT_EQ(refused<multinomial<int>>(1, std::vector<double>()), multinomial_text + "size of p < 1");
+  for (const double bad : {-1e-300, nan, infinite, 1.5})
+    EXPECT_EQ(refused<multinomial<int>>(1, std::vector{0.5, bad, 0.5}),
+              multinomial_text + "p is not in [0, 1]");
+  for (const double bad : {0.0, 0.5 - 1.1e-8, 0.5 + 1.1e-8, 1.0})
+    EXPECT_EQ(refused<multinomial<int>>(1, std::vector{0.5, bad}),
+              multinomial_text + "p does not add up to 1");
+  EXPECT_EQ(refused<multinomial<int>>(1, std::vector{0.5, 0.5 - 0.9e-8}), "no exception");
   const std::string negative_text = "kestro::hvl::rng::negative_binomial: invalid argument: ";
   for (const double bad : {-1e-300, nan, infinite}) {
     EXPECT_EQ(refused<binomial<int>>(1, bad), binomial_text + "p is not in [0, 1]");

@@ -37,6 +37,7 @@ TEST(environment_test, of_the_caller_changes_nothing) {
   check(poisson<int>(3e4));
   check(hypergeometric<int>(2147483647, 1000000000, 99999999));
   check(negative_binomial<int>(0.3, 1e-3));
+  check(multinomial<int>(1000, {0.01, 0.6, 0.39}));
 }
 
 } // namespace

@@ -17,6 +17,7 @@ static const double da = -2.5, db = 1e6, done = 1.5, dtwo = 0.75, p = 0.03;
 static const int32_t ia = -100, ib = 1000, il = 2147483647, is = 1000000000, im = 99999999, degrees = 3,
                      dimension = 3, packed = VQS_MATRIX_PACKED;
 static const float fmean[] = {1, 2, 3}, fmatrix[] = {1, 0.5f, 2, -1, 0.25f, 3};
+static const double outcomes[] = {0.3, 0, 0.7};
 static const double dmean[] = {1, 2, 3}, dmatrix[] = {1, 0.5, 2, -1, 0.25, 3};
 
 enum { longest = 70001, tail = 33, guard = 16 };
@@ -54,6 +55,7 @@ static double means[longest]; /* of poisson_v */
   CASE(vi, Binomial, binomial, int32_t, (, ib, p), (, &ib, &p))                                              \
   CASE(vi, Hypergeometric, hypergeometric, int32_t, (, il, is, im), (, &il, &is, &im))                       \
   CASE(vi, Negbinomial, negbinomial, int32_t, (, done, p), (, &done, &p))                                    \
+  CASE(vi, Multinomial, multinomial, int32_t, (, ib, dimension, outcomes), (, &ib, &dimension, outcomes))    \
   CASE(vi, PoissonV, poissonv, int32_t, (, means), (, means))                                                \
   CASE(vi, Uniform, uniform, int32_t, (, ia, ib), (, &ia, &ib))                                              \
   CASE(vi, UniformBits, uniformbits, uint32_t, (), ())                                                       \
@@ -123,8 +125,9 @@ static void check(size_t c, int spelling, int32_t engine, int64_t n, hvl_omp_int
   void *reference = NULL, *stream = NULL;
   if (n == 0 && strcmp(cases[c].name, "viPoissonV") == 0) /* ends the process */
     return;
-  const size_t values =
-      strcmp(cases[c].name + 2, "GaussianMV") == 0 ? (size_t)dimension : 1; /* of one in n */
+  const int is_of_vectors =
+      strcmp(cases[c].name + 2, "GaussianMV") == 0 || strcmp(cases[c].name, "viMultinomial") == 0;
+  const size_t values = is_of_vectors ? (size_t)dimension : 1; /* of one in n */
   const size_t bytes = values * cases[c].value_bytes * (size_t)n,
                tail_bytes = values * cases[c].value_bytes * tail;
   EXPECT(vqsNewStream_64(&reference, engine, 77) == 0 && vqsNewStream_64(&stream, engine, 77) == 0, "\n");

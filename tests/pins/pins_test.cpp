@@ -79,6 +79,10 @@ binomial<T> pinned(binomial<T>) {
   return {71, 0.37};
 }
 template <class T>
+multinomial<T> pinned(multinomial<T>) {
+  return {171, {0.37, 0.0, 0.05, 0.58}};
+}
+template <class T>
 hypergeometric<T> pinned(hypergeometric<T>) {
   return {171, 37, 91};
 }
@@ -188,6 +192,7 @@ void add_pins(std::vector<pin>& pins, const std::string& name, Engine (*make)(co
   add("beta<double> of large shapes", beta<double>(3e7, 4e7, -3.1, 1.9), some);
   add("poisson<int> by rejection", poisson<int>(3e6), some);
   add("binomial<int> by rejection", binomial<int>(2147483647, 0.37), some);
+  add("multinomial<int> of many trials", multinomial<int>(2147483647, {0.37, 0.1, 0.53}), some);
   add("hypergeometric<int> by rejection", hypergeometric<int>(2147483647, 1000000000, 99999999), some);
   add("negative_binomial<int> by a mixture", negative_binomial<int>(0.3, 1e-3), some);
   add("poisson_v<int> of a small mean", poisson_v<int>({3.3}), some);

@@ -155,6 +155,13 @@ struct distribution_traits<rng::binomial<T, M>> : method_traits<rng::binomial<T,
 };
 
 template <class T, class M>
+struct distribution_traits<rng::multinomial<T, M>>
+    : method_traits<rng::multinomial<T, M>, rng::multinomial<T>> {
+  static constexpr std::tuple parameters{parameter{"ntrial", &rng::multinomial<T, M>::ntrial},
+                                         parameter{"p", &rng::multinomial<T, M>::p}};
+};
+
+template <class T, class M>
 struct distribution_traits<rng::hypergeometric<T, M>>
     : method_traits<rng::hypergeometric<T, M>, rng::hypergeometric<T>> {
   static constexpr std::tuple parameters{parameter{"l", &rng::hypergeometric<T, M>::l},

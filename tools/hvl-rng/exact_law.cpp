@@ -222,11 +222,27 @@ double times_log(double x, double y) {
   return x == 0 ? 0 : x * std::log(y);
 }
 
+double binomial_probability(double n, double p, double k) {
+  return std::exp(log_choose(n, k) + times_log(k, p) + times_log(n - k, 1 - p));
+}
+
 template <class T, class M>
 exact_law law_of(const rng::binomial<T, M>& of) {
   const double n = of.ntrial(), p = of.p();
-  return {[=](double k) { return std::exp(log_choose(n, k) + times_log(k, p) + times_log(n - k, 1 - p)); }, 0,
-          n, true};
+  return {[=](double k) { return binomial_probability(n, p, k); }, 0, n, true};
+}
+
+// Of all elements of the vectors together.
+template <class T, class M>
+exact_law law_of(const rng::multinomial<T, M>& of) {
+  const double n = of.ntrial();
+  return {[n, all = of.p()](double k) {
+            double sum = 0;
+            for (const double p : all)
+              sum += binomial_probability(n, p, k);
+            return sum / static_cast<double>(all.size());
+          },
+          0, n, true};
 }
 
 template <class T, class M>

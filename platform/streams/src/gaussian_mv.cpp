@@ -1,16 +1,10 @@
 #include "gaussian_mv.hpp"
 
-#include <algorithm>
-#include <limits>
-
-#include "in_parallel.hpp"
 #include "parameters.hpp"
+#include "vectors.hpp"
 
 namespace hvl::streams {
 namespace {
-
-// Values of one step of the pass over the normal numbers, which they stay in cache for.
-constexpr std::size_t values_at_once = std::size_t{1} << 14;
 
 template <class T>
 int status_of(std::int64_t method, std::int32_t dimen, std::int32_t mstorage, const T* a, const T* t) {
@@ -26,32 +20,21 @@ template <class T>
 int gaussian_mv(std::int64_t method, vqs_stream stream, std::int64_t n, T* r, std::int32_t dimen,
                 std::int32_t mstorage, const T* a, const T* t) noexcept {
   const auto status = [&] { return status_of(method, dimen, mstorage, a, t); };
-  constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
-  const std::int64_t values = dimen <= 0 ? n : n > most / dimen ? -1 : n * dimen;
   gaussian_parameters<T> normal{{}, 0, 1};
   vector_function apply = nullptr;
-  const int made = vector_call(status, stream, values, r, [&](const engine& e, const kernel_set& kernels) {
+  const auto standard_normal = [&](const engine& e, const kernel_set& kernels) {
     apply = kernels.gaussian_mv(precision_of<T>);
     normal.affine = uniform_coefficients(e.scale, T(0), T(1));
     return transform_of(kernels.gaussian(e.kind, gaussian_method::box_muller2, precision_of<T>), &normal,
                         math::gaussian_box_muller2_words, sizeof(T));
-  });
+  };
+  const int made = vector_call(status, stream, values_of_vectors(n, dimen), r, standard_normal);
   if (made != VQS_STATUS_OK || n == 0)
     return made;
-  const auto dimension = static_cast<std::size_t>(dimen), vectors = static_cast<std::size_t>(n);
+  const auto dimension = static_cast<std::size_t>(dimen);
   const gaussian_mv_parameters<T> p{static_cast<math::matrix_storage>(mstorage), dimension, a, t};
-  const std::size_t at_once = std::max<std::size_t>(values_at_once / dimension, 1);
-  const auto pass = [&](std::size_t i) {
-    const std::size_t first = i * at_once;
-    apply(&p, r + first * dimension, std::min(at_once, vectors - first));
-  };
-  const std::size_t passes = (vectors + at_once - 1) / at_once;
-  return guarded([&] {
-    if (passes == 1)
-      in_default_float_environment([&] { pass(0); });
-    else
-      in_parallel(0, passes, pass);
-    return VQS_STATUS_OK;
+  return second_step(n, dimension, [&](std::size_t first, std::size_t vectors) {
+    apply(&p, r + first * dimension, vectors);
   });
 }
 

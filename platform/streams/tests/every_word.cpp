@@ -3,6 +3,7 @@
 #include <hvl/math/transforms.hpp>
 
 #include <cmath>
+#include <vector>
 
 #include "hvl/streams_scaling.hpp"
 
@@ -168,6 +169,28 @@ void poisson_of(const word_range& r, std::uint64_t word, const See& see) {
         math::poisson_of_mean<O>(mean, uniform(r, first, 0.0, 1.0), uniform(r, second, 0.0, 1.0), cell, own));
 }
 
+// Of any engine, as the words are integers by then; the next value's is one of the extremes or the middle, in turn.
+template <class See>
+void multinomial_of(const word_range& r, std::uint64_t word, const See& see) {
+  using O = math::scalar_ops<double>;
+  static const auto tables = [] {
+    std::vector<std::vector<double>> all;
+    for (const double p : {0.0, 1e-300, 0.3, 0.5, 1.0}) {
+      const double both[] = {p, 1 - p};
+      math::make_multinomial_table(both, 2, all.emplace_back());
+    }
+    return all;
+  }();
+  const std::uint64_t other = r.first + (r.last - r.first) / 2 * (word % 3);
+  for (const std::vector<double>& table : tables)
+    for (const std::int32_t trials : {0, 1, 31, 2147483647}) {
+      std::int32_t values[] = {static_cast<std::int32_t>(word), static_cast<std::int32_t>(other)};
+      math::multinomial_in_place<O>(trials, 2, table.data(), &values[0]);
+      see("multinomial",
+          values[0] >= 0 && values[1] >= 0 && values[0] + values[1] == trials ? 0.0 : std::nan(""));
+    }
+}
+
 template <class See>
 void cauchy_of(const word_range& r, std::uint64_t word, const See& see) {
   const double angle = uniform(r, word, math::cauchy_low, math::cauchy_high);
@@ -197,6 +220,8 @@ word_report try_words(std::uint64_t stride, std::uint64_t double_stride) {
       geometric_of(r, word, see);
       poisson_of(r, word, see);
       if (in_double) {
+        if (r.scale == word_scale::signed32)
+          multinomial_of(r, word, see);
         betas_of(r, word, see);
         values_of(r, uniforms_of<double>(r, word), see);
         gammas_of(r, word, uniforms_of<double>(r, word), see);

@@ -14,6 +14,7 @@
 #include "distributions/geometric.hpp"
 #include "distributions/hypergeometric.hpp"
 #include "distributions/inverse_cdf.hpp"
+#include "distributions/multinomial.hpp"
 #include "distributions/negative_binomial.hpp"
 #include "distributions/poisson.hpp"
 #include "distributions/poisson_v.hpp"

@@ -206,7 +206,7 @@ HVL_STREAMS_API int vdRngGaussianMV_64(int64_t method, vqs_stream stream, int64_
 /* Failures before the first success of probability p, by inversion; saturated at 2^31 - 1. Two words a value. */
 HVL_STREAMS_API int viRngGeometric_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, double p);
 
-/* The discrete distributions. Method 0; two words a value. Values that would exceed 2^31 - 1 are 2^31 - 1. */
+/* The discrete distributions. Method 0; two words a value, unless said otherwise. Values that would exceed 2^31 - 1 are 2^31 - 1. */
 
 /* 1 with probability p in [0, 1], else 0. */
 HVL_STREAMS_API int viRngBernoulli_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, double p);
@@ -222,6 +222,12 @@ HVL_STREAMS_API int viRngPoissonV_64(int64_t method, vqs_stream stream, int64_t 
  * Hoermann's rejection BTRS. */
 HVL_STREAMS_API int viRngBinomial_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r, int32_t ntrial,
                                      double p);
+
+/* Vectors of k numbers, n of them: how many of ntrial trials have each of k outcomes, whose probabilities p add up to 1. One
+ * outcome after the other a binomial number of the trials that are left, by inversion at means below 16, beyond by Hoermann's
+ * rejection BTRS. n k words. */
+HVL_STREAMS_API int viRngMultinomial_64(int64_t method, vqs_stream stream, int64_t n, int32_t* r,
+                                        int32_t ntrial, int32_t k, const double* p);
 
 /* Marked ones in a sample of s from a lot of l that holds m marked, s and m in [0, l]. By inversion up to a variance of
  * 2^20, beyond by rejection. */

@@ -114,6 +114,21 @@ inline const char* binomial_fault(std::int32_t ntrial, double p) {
   return ntrial < 0 ? "ntrial < 0" : bernoulli_fault(p);
 }
 
+inline const char* multinomial_fault(std::int32_t ntrial, std::int32_t k) {
+  return ntrial < 0 ? "ntrial < 0" : k < 1 ? "k < 1" : nullptr;
+}
+
+// Of a number of outcomes that has no fault. The sum may be off by what rounding makes of it.
+inline const char* multinomial_fault(std::int32_t k, const double* p) {
+  double sum = 0;
+  for (std::int32_t i = 0; i < k; ++i) {
+    if (const char* const fault = bernoulli_fault(p[i]))
+      return fault;
+    sum += p[i];
+  }
+  return !(std::fabs(sum - 1) <= 1e-8) ? "p does not add up to 1" : nullptr;
+}
+
 inline const char* hypergeometric_fault(std::int32_t l, std::int32_t s, std::int32_t m) {
   return l < 0            ? "l < 0"
          : s < 0 || s > l ? "s is not in [0, l]"

@@ -4,7 +4,7 @@
 #include <hvl/math/transforms/inverse_cdf.hpp>
 #include <hvl/math/transforms/words.hpp>
 
-#include "simd/open_places.hpp"
+#include "simd/gamma_rejects.hpp"
 #include "simd/value_loops.hpp"
 #include "simd/word_groups.hpp"
 
@@ -45,12 +45,10 @@ void gamma(const void* parameters, const void* words, void* values, std::size_t 
 template <word_kind Kind, class T, bool BelowOne>
 class gamma_chunk {
   using O = vector_ops<T>;
-  using wide = vector_ops<double>;
   using word = word_of<Kind>;
   static constexpr math::word_use use = math::gamma_words<T>(BelowOne);
   static constexpr std::size_t per_group = use.values;
   static constexpr std::size_t width = vector_values<T>;
-  static constexpr std::size_t wide_width = vector_values<double>;
 
  public:
   static constexpr std::size_t most_groups = 1024 / per_group;
@@ -62,12 +60,17 @@ class gamma_chunk {
   HWY_INLINE void make() {
     first_attempts();
     for (std::size_t k = 0; k < per_group; ++k)
-      open_.open(k * most_groups, (count_ - k + per_group - 1) / per_group);
-    test();
-    for (std::uint32_t attempt = 1; !open_.empty() && attempt < math::gamma_attempts; ++attempt)
-      further_attempt(attempt);
-    for (const std::uint32_t place : open_)
-      *value_at(place) = static_cast<T>(math::gamma_wide_core<math::scalar_ops<double>>(0.0, p_.constants));
+      rejects_.open(k * most_groups, (count_ - k + per_group - 1) / per_group);
+    rejects_.make(
+        p_.constants,
+        [&](std::size_t place, std::uint32_t attempt) HVL_STREAMS_INLINE_LAMBDA {
+          std::uint32_t own[use.words];
+          own_words(words_ + place % most_groups * use.words, own);
+          const auto which = static_cast<std::uint32_t>(place / most_groups);
+          return math::gamma_attempt_uniforms(own, which, attempt);
+        },
+        [&](std::size_t place, double core)
+            HVL_STREAMS_INLINE_LAMBDA { *value_at(place) = static_cast<T>(core); });
     if (BelowOne || p_.accurate)
       finish();
   }
@@ -113,7 +116,6 @@ class gamma_chunk {
   }
 
   HWY_INLINE void first_attempts() {
-    const vector_tag<T> d;
     const math::gamma_constants<T> constants = p_.constants; // a copy stays in registers
     for_each_vector_of_groups([&](std::size_t i, const vector<T>(&w)[use.words]) HVL_STREAMS_INLINE_LAMBDA {
       vector<T> e[per_group], core[per_group];
@@ -129,47 +131,10 @@ class gamma_chunk {
         const auto u = unit(w[per_group + k]);
         const auto attempt = math::gamma_squeezed<O>(e[k], u, constants);
         core[k] = attempt.core;
-        hn::Store(e[k], d, e_ + place);
-        hn::Store(u, d, u_ + place);
-        open_.accept(place, bits_of<T>(attempt.accepted));
+        rejects_.attempted(place, e[k], u, attempt.accepted);
       }
       store_values(i, core);
     });
-  }
-
-  HWY_INLINE void test() {
-    const vector_tag<double> d;
-    alignas(vector_alignment) double e[wide_width] = {}, u[wide_width] = {};
-    open_.decide(
-        [&](std::size_t k, std::size_t place) HVL_STREAMS_INLINE_LAMBDA {
-          e[k] = static_cast<double>(e_[place]);
-          u[k] = static_cast<double>(u_[place]);
-        },
-        [&](const std::uint32_t*, std::size_t) HVL_STREAMS_INLINE_LAMBDA {
-          return bits_of<double>(math::gamma_accepts<wide>(hn::Load(d, e), hn::Load(d, u), p_.constants));
-        });
-  }
-
-  // Sets the core of every place, whether it is accepted or not.
-  HWY_INLINE void further_attempt(std::uint32_t attempt) {
-    const vector_tag<double> d;
-    alignas(vector_alignment) double v[wide_width] = {}, u[wide_width] = {}, core[wide_width];
-    open_.decide(
-        [&](std::size_t k, std::size_t place) HVL_STREAMS_INLINE_LAMBDA {
-          std::uint32_t own[use.words];
-          own_words(words_ + place % most_groups * use.words, own);
-          const auto which = static_cast<std::uint32_t>(place / most_groups);
-          const math::gamma_uniforms r = math::gamma_attempt_uniforms(own, which, attempt);
-          v[k] = r.v;
-          u[k] = r.u;
-        },
-        [&](const std::uint32_t* places, std::size_t lanes) HVL_STREAMS_INLINE_LAMBDA {
-          const auto e = math::erfinv<wide>(hn::Load(d, v));
-          hn::Store(math::gamma_wide_core<wide>(e, p_.constants), d, core);
-          for (std::size_t k = 0; k < lanes; ++k)
-            *value_at(places[k]) = static_cast<T>(core[k]);
-          return bits_of<double>(math::gamma_accepts<wide>(e, hn::Load(d, u), p_.constants));
-        });
   }
 
   // The cores become values.
@@ -199,10 +164,7 @@ class gamma_chunk {
   T* values_;
   std::size_t count_;
   std::size_t groups_;
-  // of the first attempts, by place
-  alignas(vector_alignment) T e_[most];
-  alignas(vector_alignment) T u_[most];
-  open_places<most> open_;
+  gamma_rejects<T, most> rejects_; // by place
 };
 
 template <word_kind Kind, class T, bool BelowOne>

@@ -23,9 +23,11 @@ transform_function inverse_cdf_transform(word_kind kind, inverse_cdf_family fami
                                          precision p) noexcept;
 transform_function gamma_transform(word_kind kind, bool below_one, precision p) noexcept;
 vector_function gaussian_mv_function(precision p) noexcept;
+void multinomial(const void* parameters, void* values, std::size_t vectors) noexcept;
 transform_function beta_transform(word_kind kind, precision p) noexcept;
 transform_function geometric_transform(word_kind kind) noexcept;
 transform_function negative_binomial_transform(word_kind kind) noexcept;
+transform_function poisson_v_transform(word_kind kind) noexcept;
 transform_function rejection_transform(word_kind kind) noexcept;
 transform_function thresholds_transform(word_kind kind) noexcept;
 void stream_lines(void* out, const void* in, std::size_t bytes) noexcept;

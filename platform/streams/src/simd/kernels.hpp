@@ -47,8 +47,7 @@ inline constexpr std::size_t vector_alignment = 64;
 using transform_function = void (*)(const void* parameters, const void* words, void* values,
                                     std::size_t values_count) noexcept;
 
-// Standard normal numbers, `vectors` times as many as the parameters' dimension, become values, in place. Parameters are
-// gaussian_mv_parameters.
+// Numbers, `vectors` times as many as the parameters' dimension, become values, in place.
 using vector_function = void (*)(const void* parameters, void* values, std::size_t vectors) noexcept;
 
 enum class uniform_result : std::uint8_t {
@@ -90,11 +89,16 @@ struct kernel_set {
   transform_function (*geometric)(word_kind kind) noexcept;
   // Parameters are negative_binomial_parameters.
   transform_function (*negative_binomial)(word_kind kind) noexcept;
+  // Parameters are poisson_v_parameters.
+  transform_function (*poisson_v)(word_kind kind) noexcept;
   // Parameters are rejection_parameters.
   transform_function (*rejection)(word_kind kind) noexcept;
   // Parameters are threshold_parameters.
   transform_function (*thresholds)(word_kind kind) noexcept;
+  // Of standard normal numbers; parameters are gaussian_mv_parameters.
   vector_function (*gaussian_mv)(precision p) noexcept;
+  // Of integers uniform on [-2^31, 2^31); parameters are multinomial_parameters.
+  vector_function multinomial;
   // Copies past the caches, to an address and of a size that are multiples of vector_alignment; the stores need a fence
   // before another thread may rely on them.
   void (*stream_lines)(void* out, const void* in, std::size_t bytes) noexcept;

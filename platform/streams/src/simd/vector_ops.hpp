@@ -48,6 +48,7 @@ struct vector_basics {
   static HWY_INLINE mask lt(value a, value b) { return hn::Lt(a, b); }
   static HWY_INLINE mask odd(word a) { return hn::RebindMask(vector_tag<T>(), hn::TestBit(a, set_word(1))); }
   static HWY_INLINE value select(mask m, value a, value b) { return hn::IfThenElse(m, a, b); }
+  static HWY_INLINE bool any(mask m) { return !hn::AllFalse(vector_tag<T>(), m); }
   // The processor's maximum and minimum give their second operand when both are equal or one is NaN.
   static HWY_INLINE value greater(value a, value b) { return hn::Max(b, a); }
   static HWY_INLINE value lesser(value a, value b) { return hn::Min(b, a); }
@@ -132,6 +133,7 @@ struct two_vectors_ops {
   static HWY_INLINE value select(mask m, value x, value y) {
     return {one::select(m.a, x.a, y.a), one::select(m.b, x.b, y.b)};
   }
+  static HWY_INLINE bool any(mask m) { return one::any(m.a) || one::any(m.b); }
   static HWY_INLINE value greater(value x, value y) {
     return {one::greater(x.a, y.a), one::greater(x.b, y.b)};
   }

@@ -47,6 +47,8 @@ KESTRO_HVL_API std::shared_ptr<threshold_record> binomial_record(std::int32_t nt
 KESTRO_HVL_API std::shared_ptr<threshold_record> hypergeometric_record(std::int32_t l, std::int32_t s,
                                                                        std::int32_t m);
 KESTRO_HVL_API std::shared_ptr<threshold_record> negative_binomial_record(double a, double p);
+KESTRO_HVL_API std::shared_ptr<outcome_record> multinomial_record(std::int32_t ntrial,
+                                                                  const std::vector<double>& p);
 KESTRO_HVL_API std::shared_ptr<means_record>
 poisson_v_record(std::shared_ptr<const std::vector<double>> lambda);
 

@@ -8,6 +8,7 @@ namespace kestro::hvl::rng::detail {
 class threshold_record;
 class matrix_record;
 class means_record;
+class outcome_record;
 
 struct distribution_access {
   template <class Distribution>

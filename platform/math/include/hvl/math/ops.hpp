@@ -13,6 +13,7 @@
 //   lt(a, b)                 a < b; false when one is NaN
 //   odd(word)                its lowest bit, as a mask
 //   select(mask, a, b)       mask ? a : b
+//   any(mask)                whether it is true anywhere
 //   greater(a, b)            a < b ? b : a, so a when they are equal or one is NaN
 //   lesser(a, b)             b < a ? b : a, likewise
 //   lookup<n>(table, word)   table[word] of n numbers; every word is below n
@@ -59,6 +60,7 @@ struct scalar_basics {
   static HVL_MATH_INLINE bool lt(T a, T b) { return a < b; }
   static HVL_MATH_INLINE bool odd(Bits a) { return (a & 1) != 0; }
   static HVL_MATH_INLINE T select(bool m, T a, T b) { return m ? a : b; }
+  static HVL_MATH_INLINE bool any(bool m) { return m; }
   static HVL_MATH_INLINE T greater(T a, T b) { return a < b ? b : a; }
   static HVL_MATH_INLINE T lesser(T a, T b) { return b < a ? b : a; }
   template <std::size_t N>

@@ -10,6 +10,7 @@
 #include "transforms/hypergeometric_rejection.hpp"
 #include "transforms/inverse_cdf.hpp"
 #include "transforms/lognormal.hpp"
+#include "transforms/multinomial.hpp"
 #include "transforms/negative_binomial.hpp"
 #include "transforms/poisson_rejection.hpp"
 #include "transforms/poisson_v.hpp"

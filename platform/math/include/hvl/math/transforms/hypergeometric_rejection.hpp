@@ -34,7 +34,7 @@ HVL_MATH_INLINE rejection_law hypergeometric_rejection_of(std::int32_t lot, std:
   law.mean[2] = (l - s) * p;
   law.mean[3] = (l - s) * q;
   const double deviation = scalar_ops<double>::sqrt(s * p * q * ((l - s) / (l - 1)));
-  detail::set_binomial_hat(law, deviation, p < q ? p : q);
+  detail::set_binomial_hat<scalar_ops<double>>(law, deviation, p < q ? p : q);
   return law;
 }
 

@@ -2,7 +2,7 @@
 // from 0 on, else transformed rejection.
 #pragma once
 
-#include "../exp.hpp"
+#include "added_up.hpp"
 #include "poisson_rejection.hpp"
 
 namespace hvl::math {
@@ -11,15 +11,12 @@ inline constexpr double poisson_v_least_rejected = 10;
 
 // u is refined(). What has less than 2^-53 of the probability is not reached.
 template <class O>
-HVL_MATH_INLINE double poisson_added_up(double mean, double u) {
-  double p = exp<O>(-mean), sum = p, k = 0;
-  for (; !(u < sum); ++k) {
-    p *= mean / (k + 1);
-    if (!(p > 0x1p-60))
-      break;
-    sum += p;
-  }
-  return k;
+HVL_MATH_INLINE typename O::value poisson_added_up(typename O::value mean, typename O::value u) {
+  return detail::added_up<O>(
+             exp<O>(detail::negated<O>(mean)), u,
+             [&](typename O::value, double next)
+                 __attribute__((always_inline)) { return mean / O::set(next); })
+      .k;
 }
 
 // One value, for a policy of one number: the two words as uniforms on [0, 1] in steps of `cell`.

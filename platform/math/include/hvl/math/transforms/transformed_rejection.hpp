@@ -18,6 +18,8 @@
 #include "attempt_words.hpp"
 #include "refined.hpp"
 
+#include <type_traits>
+
 namespace hvl::math {
 
 // The smallest laws have the most rejections, 0.3 of all attempts (0.12 from a deviation of 30 on): all 64 are rejected
@@ -25,15 +27,38 @@ namespace hvl::math {
 inline constexpr std::uint32_t transformed_rejection_attempts = 64;
 inline constexpr std::uint32_t transformed_rejection_hash_key = 0x74726A73;
 
-// What the host forms once from the parameters. A factor's number is slope k + offset, one more than what its mean is of.
-struct rejection_law {
+// What follows from the parameters alone, for one law or, where V is a vector, for one to a lane. A factor's number is
+// slope k + offset, one more than what its mean is of.
+template <class V>
+struct rejection_law_of {
   int factors; // at most 4
-  double a, b, centre;
-  double squeeze;
-  double log_scale; // ln alpha less what the probability of the mode lacks
-  double mode, least, greatest;
-  double slope[4], offset[4], mean[4];
+  V a, b, centre;
+  V squeeze;
+  V log_scale; // ln alpha less what the probability of the mode lacks
+  V mode, least, greatest;
+  V slope[4], offset[4], mean[4];
 };
+using rejection_law = rejection_law_of<double>;
+
+namespace detail {
+
+// A number for all lanes, or each lane's own.
+template <class O, class V>
+HVL_MATH_INLINE typename O::value of_lanes(V v) {
+  if constexpr (std::is_same_v<V, typename O::value>)
+    return v;
+  else
+    return O::set(v);
+}
+
+// Of a number that is not negative and far below 2^50.
+template <class O>
+HVL_MATH_INLINE typename O::value rounded_down(typename O::value x) {
+  const auto nearest = round_product<O>(x, 1.0).value;
+  return nearest - O::select(O::lt(x, nearest), O::set(1.0), O::set(0.0));
+}
+
+} // namespace detail
 
 template <class O>
 struct rejection_proposal {
@@ -43,18 +68,20 @@ struct rejection_proposal {
 };
 
 // v uniform on [0, 1].
-template <class O>
+template <class O, class V>
 HVL_MATH_INLINE rejection_proposal<O> rejection_proposed(typename O::value u, typename O::value v,
-                                                         const rejection_law& law) {
+                                                         const rejection_law_of<V>& law) {
+  using detail::of_lanes;
   static_assert(sizeof(typename O::scalar) == 8);
   // no smaller s gives an integer that is possible
   const auto s = O::greater(O::set(0.5) - detail::magnitude<O>(u), O::set(0x1p-40));
-  const auto a = O::set(law.a) / s;
-  const auto x = O::fma(a + a + O::set(law.b), u, O::set(law.centre));
-  const auto near = O::lesser(O::greater(x, O::set(law.least - 1)), O::set(law.greatest + 1));
+  const auto one = O::set(1.0);
+  const auto a = of_lanes<O>(law.a) / s;
+  const auto x = O::fma(a + a + of_lanes<O>(law.b), u, of_lanes<O>(law.centre));
+  const auto near = O::lesser(O::greater(x, of_lanes<O>(law.least) - one), of_lanes<O>(law.greatest) + one);
   const auto central_v = O::select(O::lt(s, O::set(0.07)), O::set(2.0), v);
-  return {detail::round_product<O>(near, 1.0).value, a / s + O::set(law.b),
-          O::lt(central_v, O::set(law.squeeze))};
+  return {detail::round_product<O>(near, 1.0).value, a / s + of_lanes<O>(law.b),
+          O::lt(central_v, of_lanes<O>(law.squeeze))};
 }
 
 template <class O>
@@ -63,12 +90,13 @@ struct rejection_terms {
   typename O::value rest;    // the logarithm is ln(product) / 2 + rest and what does not depend on k
 };
 
-template <class O>
-HVL_MATH_INLINE rejection_terms<O> rejection_terms_at(typename O::value k, const rejection_law& law) {
+template <class O, class V>
+HVL_MATH_INLINE rejection_terms<O> rejection_terms_at(typename O::value k, const rejection_law_of<V>& law) {
+  using detail::of_lanes;
   rejection_terms<O> terms{O::set(1.0), O::set(0.0)};
   for (int i = 0; i < law.factors; ++i) {
-    const auto n = O::fma(O::set(law.slope[i]), k, O::set(law.offset[i]));
-    const auto deviation = (O::set(law.mean[i]) - n) / n;
+    const auto n = O::fma(of_lanes<O>(law.slope[i]), k, of_lanes<O>(law.offset[i]));
+    const auto deviation = (of_lanes<O>(law.mean[i]) - n) / n;
     terms.product = terms.product * n;
     terms.rest = O::fma(n, log1pmx<O>(deviation), terms.rest) - stirling_correction<O>(n);
   }
@@ -76,14 +104,15 @@ HVL_MATH_INLINE rejection_terms<O> rejection_terms_at(typename O::value k, const
 }
 
 // The test itself; v is uniform on (0, 1).
-template <class O>
+template <class O, class V>
 HVL_MATH_INLINE typename O::mask rejection_accepts(const rejection_proposal<O>& proposal, typename O::value v,
-                                                   const rejection_law& law) {
-  const auto possible = O::lesser(O::greater(proposal.k, O::set(law.least)), O::set(law.greatest));
+                                                   const rejection_law_of<V>& law) {
+  using detail::of_lanes;
+  const auto possible = O::lesser(O::greater(proposal.k, of_lanes<O>(law.least)), of_lanes<O>(law.greatest));
   const auto inside = O::lt(detail::magnitude<O>(proposal.k - possible), O::set(0.5));
   const rejection_terms<O> terms = rejection_terms_at<O>(possible, law);
   const auto w = v / proposal.slope;
-  const auto threshold = O::fma(log<O>(w * w / terms.product), O::set(0.5), O::set(law.log_scale));
+  const auto threshold = O::fma(log<O>(w * w / terms.product), O::set(0.5), of_lanes<O>(law.log_scale));
   return O::lt(threshold, O::select(inside, terms.rest, O::set(-0x1p1000)));
 }
 
@@ -102,12 +131,15 @@ struct rejection_uniforms {
   double v;
 };
 
+HVL_MATH_INLINE constexpr double rejection_attempt_v(const philox_block& hash) {
+  return (static_cast<double>(hash.word[2]) + attempt_uniform(hash.word[3])) * 0x1p-32;
+}
+
 template <std::size_t N>
 HVL_MATH_INLINE constexpr rejection_uniforms rejection_attempt_uniforms(const std::uint32_t (&own)[N],
                                                                         std::uint32_t attempt) {
   const philox_block hash = attempt_words(own, attempt, transformed_rejection_hash_key);
-  return {attempt_symmetric(hash.word[0], hash.word[1]) * 0.5,
-          (static_cast<double>(hash.word[2]) + attempt_uniform(hash.word[3])) * 0x1p-32};
+  return {attempt_symmetric(hash.word[0], hash.word[1]) * 0.5, rejection_attempt_v(hash)};
 }
 
 // The value of the first attempt from 1 on that is accepted. O is a policy of one number.

@@ -28,6 +28,7 @@ inline constexpr word_use beta_words{2, 1};
 inline constexpr word_use transformed_rejection_words{2, 1};
 inline constexpr word_use negative_binomial_mixed_words{6, 1};
 inline constexpr word_use thresholds_words{2, 1};
+inline constexpr word_use multinomial_words{1, 1};
 
 // float: the normal number, the acceptance, and at shapes below 1 the power. double: radius and angle of two normal
 // numbers, two acceptances, two powers.
