@@ -61,7 +61,10 @@ function(kestro_target target)
       target_compile_definitions(${target} PRIVATE __SANITIZE_ADDRESS__) # which GCC defines by itself
     endif()
     if("undefined" IN_LIST KESTRO_SANITIZE)
-      target_compile_options(${target} PRIVATE -fno-sanitize-recover=undefined)
+      # The address sanitizer sees what the checks left out would see, but for overflowing pointers and wrong types of
+      # objects; they take a quarter of the time to compile.
+      target_compile_options(${target} PRIVATE -fno-sanitize-recover=undefined
+        -fno-sanitize=null,object-size,pointer-overflow,vptr)
     endif()
   endif()
 endfunction()

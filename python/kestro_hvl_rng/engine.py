@@ -289,6 +289,13 @@ class Engine:
         """Good ones in a sample of ngood + nbad."""
         return self._draw("hypergeometric", {"l": ngood + nbad, "s": nsample, "m": ngood}, size, dtype, out)
 
+    def multinomial(self, n, pvals, size=None, *, dtype=np.int32, out=None):
+        """Counts of each outcome, in the last dimension; pvals add up to 1."""
+        pvals = np.asarray(pvals, dtype=np.float64)
+        if pvals.ndim != 1:
+            raise ValueError("pvals is not a vector")
+        return self._draw("multinomial", {"ntrial": n, "p": pvals}, size, dtype, out, vector=pvals.shape)
+
 
 class QuasiEngine(Engine):
     """dimensions: their number, or a list of it and the engine's own parameters; all else as of `Engine`."""

@@ -112,6 +112,15 @@ class Distributions(unittest.TestCase):
         with self.assertRaisesRegex(ValueError, "semidefinite"):
             kestro_hvl_rng.philox4x32x10(1).multivariate_normal([0, 0], [[1, 2], [2, 1]])
 
+    def test_counts_of_outcomes(self):
+        expected = program.generate(COUNT, "int32", "-d", "multinomial", "--ntrial", "9", "--p", "0.25,0.5,0.25")
+        numbers = kestro_hvl_rng.philox4x32x10(1).multinomial(9, [0.25, 0.5, 0.25], COUNT)
+        self.assertEqual(numbers.shape, (COUNT, 3))
+        self.assertEqual(numbers.tobytes(), expected.tobytes())
+        self.assertEqual(set(numbers.sum(axis=1)), {9})
+        with self.assertRaisesRegex(ValueError, "p does not add up to 1"):
+            kestro_hvl_rng.philox4x32x10(1).multinomial(9, [0.25, 0.5])
+
     def test_means_of_their_own(self):
         means = [0.5, 5.0, 50.0]
         expected = program.generate(3000, "int32", "-d", "poisson_v", "--lambda", "0.5,5,50")
