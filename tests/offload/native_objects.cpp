@@ -23,7 +23,7 @@ int make_zerlin_objects(native_objects* objects, int in_order) {
   const sycl::device device(sycl::gpu_selector_v);
   const sycl::property_list properties =
       in_order != 0 ? sycl::property_list(sycl::property::queue::in_order()) : sycl::property_list();
-  auto* owner = new sycl::queue(device, properties);
+  auto* owner = new sycl::queue(sycl::context(device), device, properties); // as above, of its own
   *objects = {HVL_OMP_FR_ZERLIN,
               in_order,
               sycl::get_native<sycl::backend::zerlin>(device.get_platform()),
