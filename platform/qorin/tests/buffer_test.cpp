@@ -6,21 +6,13 @@
 #include <future>
 #include <numeric>
 
+#include "code_of.hpp"
+
 namespace {
 
 using sycl::errc;
 using testing::Each;
 using testing::ElementsAre;
-
-template <class F>
-std::error_code code_of(const F& f) {
-  try {
-    f();
-  } catch (const sycl::exception& e) {
-    return e.code();
-  }
-  return make_error_code(errc::success);
-}
 
 class buffers : public testing::Test {
  protected:

@@ -5,19 +5,11 @@
 
 #include <unordered_set>
 
+#include "code_of.hpp"
+
 namespace {
 
 using sycl::errc;
-
-template <class F>
-std::error_code code_of(const F& f) {
-  try {
-    f();
-  } catch (const sycl::exception& e) {
-    return e.code();
-  }
-  return make_error_code(errc::success);
-}
 
 class named;
 class other;

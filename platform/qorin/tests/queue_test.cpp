@@ -7,19 +7,11 @@
 #include <numeric>
 #include <thread>
 
+#include "code_of.hpp"
+
 namespace {
 
 using sycl::errc;
-
-template <class F>
-std::error_code code_of(const F& f) {
-  try {
-    f();
-  } catch (const sycl::exception& e) {
-    return e.code();
-  }
-  return make_error_code(errc::success);
-}
 
 TEST(devices, selectors_find_the_cpu_and_the_emulated_gpu) {
   const sycl::device cpu(sycl::cpu_selector_v), gpu(sycl::gpu_selector_v);

@@ -91,15 +91,7 @@ void geometric(const void* parameters, const void* words, void* values, std::siz
 } // namespace
 
 transform_function geometric_transform(word_kind kind) noexcept {
-  switch (kind) {
-  case word_kind::signed32:
-    return geometric<word_kind::signed32>;
-  case word_kind::unsigned32:
-    return geometric<word_kind::unsigned32>;
-  case word_kind::unsigned64:
-    return geometric<word_kind::unsigned64>;
-  }
-  return nullptr;
+  return for_kind(kind, []<word_kind Kind>() -> transform_function { return geometric<Kind>; });
 }
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -108,14 +108,9 @@ class negative_binomial_chunk {
 
 template <word_kind Kind>
 void negative_binomial(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
-  using chunk = negative_binomial_chunk<Kind>;
-  const auto& p = *static_cast<const negative_binomial_parameters*>(parameters);
-  const auto* w = static_cast<const word_of<Kind>*>(words);
-  auto* out = static_cast<std::int32_t*>(values);
-  for (std::size_t made; count != 0; count -= made, out += made, w += made * group_words) {
-    made = HWY_MIN(chunk::most, count);
-    chunk(p, w, out, made).make();
-  }
+  in_chunks<negative_binomial_chunk<Kind>>(*static_cast<const negative_binomial_parameters*>(parameters),
+                                           static_cast<const word_of<Kind>*>(words),
+                                           static_cast<std::int32_t*>(values), count, group_words);
 }
 
 #endif
@@ -123,15 +118,7 @@ void negative_binomial(const void* parameters, const void* words, void* values, 
 } // namespace
 
 transform_function negative_binomial_transform(word_kind kind) noexcept {
-  switch (kind) {
-  case word_kind::signed32:
-    return negative_binomial<word_kind::signed32>;
-  case word_kind::unsigned32:
-    return negative_binomial<word_kind::unsigned32>;
-  case word_kind::unsigned64:
-    return negative_binomial<word_kind::unsigned64>;
-  }
-  return nullptr;
+  return for_kind(kind, []<word_kind Kind>() -> transform_function { return negative_binomial<Kind>; });
 }
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

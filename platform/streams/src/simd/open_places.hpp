@@ -1,4 +1,5 @@
-// The values of a block that first attempts left open, by place, and what decides them a vector of doubles at a time.
+// The values of a block that first attempts left open, by place, and what decides them a vector of doubles at a time;
+// the loop over blocks.
 #pragma once
 
 #include "simd/vector_ops.hpp"
@@ -71,6 +72,16 @@ class open_places {
   std::uint32_t place_[Most];
   std::size_t count_ = 0;
 };
+
+// Makes `count` values, a Chunk after the other, of groups of `group_words` words.
+template <class Chunk, class Parameters, class Word>
+void in_chunks(const Parameters& parameters, const Word* words, std::int32_t* out, std::size_t count,
+               std::size_t group_words) {
+  for (std::size_t made; count != 0; count -= made, out += made, words += made * group_words) {
+    made = HWY_MIN(Chunk::most, count);
+    Chunk(parameters, words, out, made).make();
+  }
+}
 
 } // namespace
 } // namespace hvl::streams::HVL_STREAMS_ISA

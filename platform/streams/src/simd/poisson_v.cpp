@@ -60,15 +60,7 @@ void poisson_v(const void* parameters, const void* words, void* values, std::siz
 } // namespace
 
 transform_function poisson_v_transform(word_kind kind) noexcept {
-  switch (kind) {
-  case word_kind::signed32:
-    return poisson_v<word_kind::signed32>;
-  case word_kind::unsigned32:
-    return poisson_v<word_kind::unsigned32>;
-  case word_kind::unsigned64:
-    return poisson_v<word_kind::unsigned64>;
-  }
-  return nullptr;
+  return for_kind(kind, []<word_kind Kind>() -> transform_function { return poisson_v<Kind>; });
 }
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -151,14 +151,9 @@ class rejection_chunk {
 
 template <word_kind Kind>
 void rejection(const void* parameters, const void* words, void* values, std::size_t count) noexcept {
-  using chunk = rejection_chunk<Kind>;
-  const auto& p = *static_cast<const rejection_parameters*>(parameters);
-  const auto* w = static_cast<const word_of<Kind>*>(words);
-  auto* out = static_cast<std::int32_t*>(values);
-  for (std::size_t made; count != 0; count -= made, out += made, w += made * group_words) {
-    made = HWY_MIN(chunk::most, count);
-    chunk(p, w, out, made).make();
-  }
+  in_chunks<rejection_chunk<Kind>>(*static_cast<const rejection_parameters*>(parameters),
+                                   static_cast<const word_of<Kind>*>(words),
+                                   static_cast<std::int32_t*>(values), count, group_words);
 }
 
 #endif
@@ -166,15 +161,7 @@ void rejection(const void* parameters, const void* words, void* values, std::siz
 } // namespace
 
 transform_function rejection_transform(word_kind kind) noexcept {
-  switch (kind) {
-  case word_kind::signed32:
-    return rejection<word_kind::signed32>;
-  case word_kind::unsigned32:
-    return rejection<word_kind::unsigned32>;
-  case word_kind::unsigned64:
-    return rejection<word_kind::unsigned64>;
-  }
-  return nullptr;
+  return for_kind(kind, []<word_kind Kind>() -> transform_function { return rejection<Kind>; });
 }
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

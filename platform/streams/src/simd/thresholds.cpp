@@ -166,15 +166,7 @@ void thresholds(const void* parameters, const void* words, void* values, std::si
 } // namespace
 
 transform_function thresholds_transform(word_kind kind) noexcept {
-  switch (kind) {
-  case word_kind::signed32:
-    return thresholds<word_kind::signed32>;
-  case word_kind::unsigned32:
-    return thresholds<word_kind::unsigned32>;
-  case word_kind::unsigned64:
-    return thresholds<word_kind::unsigned64>;
-  }
-  return nullptr;
+  return for_kind(kind, []<word_kind Kind>() -> transform_function { return thresholds<Kind>; });
 }
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

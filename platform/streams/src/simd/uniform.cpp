@@ -69,15 +69,7 @@ transform_function transform_for(uniform_result result) noexcept {
 } // namespace
 
 transform_function uniform_transform(word_kind kind, uniform_result result) noexcept {
-  switch (kind) {
-  case word_kind::signed32:
-    return transform_for<word_kind::signed32>(result);
-  case word_kind::unsigned32:
-    return transform_for<word_kind::unsigned32>(result);
-  case word_kind::unsigned64:
-    return transform_for<word_kind::unsigned64>(result);
-  }
-  return nullptr;
+  return for_kind(kind, [=]<word_kind Kind>() { return transform_for<Kind>(result); });
 }
 
 } // namespace hvl::streams::HVL_STREAMS_ISA

@@ -234,5 +234,19 @@ static_assert(uniform_coefficients(word_scale::mcg59, 0.0f, 1.0f).scale == 0x1p-
 static_assert(uniform_coefficients(word_scale::signed32, 0.0, 1.0).scale == 0x1p-32);
 static_assert(uniform_coefficients(word_scale::mcg59, 0.0, 1.0).scale == 0x1p-59);
 
+// choose.operator()<Kind>() for a kind of words.
+template <class Choose>
+transform_function for_kind(word_kind kind, const Choose& choose) {
+  switch (kind) {
+  case word_kind::signed32:
+    return choose.template operator()<word_kind::signed32>();
+  case word_kind::unsigned32:
+    return choose.template operator()<word_kind::unsigned32>();
+  case word_kind::unsigned64:
+    return choose.template operator()<word_kind::unsigned64>();
+  }
+  return nullptr;
+}
+
 } // namespace
 } // namespace hvl::streams::HVL_STREAMS_ISA

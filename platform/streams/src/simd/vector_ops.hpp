@@ -183,15 +183,7 @@ transform_function for_precision(precision p, const Choose& choose) {
 // choose.operator()<Kind, T>() for a kind of words and a result type.
 template <class Choose>
 transform_function for_kind_and_precision(word_kind kind, precision p, const Choose& choose) {
-  switch (kind) {
-  case word_kind::signed32:
-    return for_precision<word_kind::signed32>(p, choose);
-  case word_kind::unsigned32:
-    return for_precision<word_kind::unsigned32>(p, choose);
-  case word_kind::unsigned64:
-    return for_precision<word_kind::unsigned64>(p, choose);
-  }
-  return nullptr;
+  return for_kind(kind, [&]<word_kind Kind>() { return for_precision<Kind>(p, choose); });
 }
 
 } // namespace
