@@ -18,7 +18,9 @@ Steps that run side by side count their seconds each.
 
 # The first pattern that a step's output matches names its part.
 PARTS = [
-    (r"^src/.*instances/", "library: engines with distributions"),
+    (r"^src/.*/unity_", "library: engines with distributions"),
+    (r"^src/.*/instances/", "library: distributions for all engines"),
+    (r"^src/.*/offload/", "library: offload bridge"),
     (r"^src/", "library: all else"),
     (r"^platform/(\w+)/(?:.*/)?tests/", r"platform/\1: tests"),
     (r"^platform/streams/.*_(scalar|avx2|avx512)\.dir/", r"platform/streams: \1"),
