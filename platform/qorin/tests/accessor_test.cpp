@@ -69,10 +69,10 @@ TEST_F(accessors, are_keys_by_what_they_access) {
   const std::unordered_map<sycl::host_accessor<int>, int> of_the_host{{first, 1}, {second, 2}};
   EXPECT_EQ(of_the_host.at(first) + 10 * of_the_host.at(second), 21);
   q_.submit([&](sycl::handler& h) {
-    const sycl::local_accessor<int> one(1, h), two(1, h);
-    const std::unordered_map<sycl::local_accessor<int>, int> local{{one, 1}, {two, 2}};
-    EXPECT_EQ(local.at(one) + 10 * local.at(two), 21);
-  });
+      const sycl::local_accessor<int> one(1, h), two(1, h);
+      const std::unordered_map<sycl::local_accessor<int>, int> local{{one, 1}, {two, 2}};
+      EXPECT_EQ(local.at(one) + 10 * local.at(two), 21);
+    }).wait();
 }
 
 TEST_F(accessors, of_local_memory_are_sequences_and_single_elements) {
