@@ -108,9 +108,13 @@ struct wichmann_hill {
   };
 
   static constexpr leap leap_of(const state& from, std::uint64_t blocks) {
-    leap result{};
-    for_components([&](int i) { result.a[i] = from.m[i].power_of(from.a[i], 4 * blocks); });
-    return result;
+    leap base{};
+    for_components([&](int i) { base.a[i] = from.a[i]; });
+    return power(base, 4 * blocks, leap{{1, 1, 1, 1}}, [&from](const leap& a, const leap& b) {
+      leap result{};
+      for_components([&](int i) { result.a[i] = from.m[i].product(a.a[i], b.a[i]); });
+      return result;
+    });
   }
   static constexpr cursor at(const state& from, std::uint64_t block) {
     cursor result{from};
