@@ -96,8 +96,13 @@ HVL_MATH_INLINE rejection_terms<O> rejection_terms_at(typename O::value k, const
   using detail::of_lanes;
   rejection_terms<O> terms{O::set(1.0), O::set(0.0)};
   for (int i = 0; i < law.factors; ++i) {
-    const auto n = O::fma(of_lanes<O>(law.slope[i]), k, of_lanes<O>(law.offset[i]));
-    const auto deviation = (of_lanes<O>(law.mean[i]) - n) / n;
+    // indices are constants, as a GPU keeps no array in registers that is indexed otherwise
+    const auto of_factor = [i](const V(&v)[4]) __attribute__((always_inline)) {
+      const V a = v[0], b = v[1], c = v[2], d = v[3];
+      return of_lanes<O>(i == 0 ? a : i == 1 ? b : i == 2 ? c : d);
+    };
+    const auto n = O::fma(of_factor(law.slope), k, of_factor(law.offset));
+    const auto deviation = (of_factor(law.mean) - n) / n;
     terms.product = terms.product * n;
     terms.rest = O::fma(n, log1pmx<O>(deviation), terms.rest) - stirling_correction<O>(n);
   }
