@@ -1,5 +1,5 @@
-// The continuous distributions against their exact distribution functions: fit, moments and tails. Each test of fit is
-// shown to reject the same values with a scale that is 1 % too great.
+// The continuous distributions against their exact distribution functions: fit, moments and tails, and neighbouring values
+// against each other. Each test of fit is shown to reject the same values with a scale that is 1 % too great.
 #include <boost/math/distributions/beta.hpp>
 #include <boost/math/distributions/cauchy.hpp>
 #include <boost/math/distributions/exponential.hpp>
@@ -170,6 +170,11 @@ void check_fit(std::int32_t engine, const member<T>& m, std::size_t n) {
   }
   if (n >= std::size_t{1} << 22) {
     EXPECT_GT(fit(x, bins, 1.01), critical_chi_square(bins.count())) << "a wrong scale passes";
+    const equal_bins wide(e.quantile, 8);
+    std::vector<std::uint32_t> cells;
+    for (const double v : x)
+      cells.push_back(static_cast<std::uint32_t>(wide(v)));
+    expect_independent_neighbours(cells, std::vector<double>(8, 1.0 / 8));
   }
 }
 
