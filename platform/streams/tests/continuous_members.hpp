@@ -223,6 +223,13 @@ std::vector<member<T>> continuous_members() {
   add_gamma("gamma_below_one", T(0.9), false);
   add_gamma("gamma_below_one_accurate", T(0.9), true);
   add_gamma("gamma_large", T(100), false);
+  all.push_back({"chi_square", math::gamma_words<T>(false),
+                 [](vqs_stream s, std::int64_t n, T* r) {
+                   return host_function<T>(vsRngChiSquare_64, vdRngChiSquare_64)(0, s, n, r, 5);
+                 },
+                 [](vqs_stream s, std::vector<T>& out) {
+                   gamma_one_by_one<T, false>(s, out, math::gamma_constants_of<T>(2.5, 0, 2), false);
+                 }});
   return all;
 }
 
