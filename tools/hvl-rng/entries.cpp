@@ -44,10 +44,7 @@ constexpr value_type type_of = std::is_same_v<T, float>           ? value_type::
 constexpr const char* type_names[] = {"float", "double", "int32", "uint32", "uint64"};
 
 template <class Distribution>
-distribution_entry describe(std::string_view spelling, std::size_t index) {
-  using traits = distribution_traits<Distribution>;
-  using value = typename Distribution::result_type;
-  const std::size_t method = spelling.find("_method::");
+std::vector<parameter_entry> parameters_of() {
   std::vector<parameter_entry> parameters;
   std::apply(
       [&](const auto&... parameter) {
@@ -58,15 +55,32 @@ distribution_entry describe(std::string_view spelling, std::size_t index) {
         };
         (add(parameter), ...);
       },
-      traits::parameters);
+      distribution_traits<Distribution>::parameters);
+  return parameters;
+}
+
+struct distribution_facts {
+  value_type type;
+  std::size_t value_bytes;
+  bool is_default_method;
+  std::vector<parameter_entry> (*parameters)();
+};
+
+template <class Distribution>
+constexpr distribution_facts facts_of = {
+    type_of<typename Distribution::result_type>, sizeof(typename Distribution::result_type),
+    distribution_traits<Distribution>::is_default_method, parameters_of<Distribution>};
+
+distribution_entry describe(std::string_view spelling, const distribution_facts& facts, std::size_t index) {
+  const std::size_t method = spelling.find("_method::");
   return {std::string(spelling.substr(0, spelling.find('<'))),
-          type_names[static_cast<int>(type_of<value>)],
+          type_names[static_cast<int>(facts.type)],
           method == spelling.npos ? ""
                                   : std::string(spelling.substr(method + 9, spelling.size() - method - 10)),
-          traits::is_default_method,
-          type_of<value>,
-          sizeof(value),
-          std::move(parameters),
+          facts.is_default_method,
+          facts.type,
+          facts.value_bytes,
+          facts.parameters(),
           index};
 }
 
@@ -79,9 +93,9 @@ std::vector<engine_entry> describe_engines(type_list<Engines...>) {
 
 template <class... Distributions>
 std::vector<distribution_entry> describe_distributions(type_list<Distributions...>) {
-  std::size_t index = 0;
   std::vector<distribution_entry> entries;
-  ((entries.push_back(describe<Distributions>(distribution_spellings[index], index)), ++index), ...);
+  for (const distribution_facts& facts : {facts_of<Distributions>...})
+    entries.push_back(describe(distribution_spellings[entries.size()], facts, entries.size()));
   return entries;
 }
 
