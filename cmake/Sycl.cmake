@@ -7,6 +7,10 @@ if(KESTRO_SYCL STREQUAL "qorin")
 elseif(KESTRO_SYCL STREQUAL "AdaptiveCpp")
   find_package(AdaptiveCpp REQUIRED)
   target_link_libraries(kestro_sycl INTERFACE AdaptiveCpp::acpp-rt)
+  # For its generic target a source is compiled once; for others once more for each kind of device.
+  if(NOT ACPP_TARGETS OR ACPP_TARGETS STREQUAL "generic")
+    set(kestro_precompiles_sycl ON)
+  endif()
 elseif(KESTRO_SYCL STREQUAL "compiler")
   set(KESTRO_SYCL_FLAGS -fsycl CACHE STRING "What switches SYCL on in the C++ compiler, for compiling and linking")
   set(KESTRO_SYCL_LIBRARIES "" CACHE STRING "What a SYCL program links besides, as paths or -l options")
@@ -32,9 +36,14 @@ endif()
 install(TARGETS kestro_sycl EXPORT kestro_hvl_rng_targets)
 
 # kestro_kernels(<target>): the target's sources, all named before, include <sycl/sycl.hpp>, which some implementations
-# compile by a compiler of their own.
+# compile by a compiler of their own. That header is half of a unit's time: where it can be, it is compiled once.
 function(kestro_kernels target)
   if(COMMAND add_sycl_to_target)
     add_sycl_to_target(TARGET ${target})
+  endif()
+  get_target_property(sources ${target} SOURCES)
+  list(LENGTH sources units)
+  if(kestro_precompiles_sycl AND units GREATER 2)
+    target_precompile_headers(${target} PRIVATE <sycl/sycl.hpp>)
   endif()
 endfunction()
