@@ -5,6 +5,7 @@
 #include <sycl/sycl.hpp>
 
 #include "framework/transform.hpp"
+#include "service/portability.hpp"
 
 namespace kestro::hvl::rng::detail::gpu {
 
@@ -27,6 +28,7 @@ struct raised : Plain {
   void operator()(const word_group<typename Plain::uniform_type, Plain::words.words>& group,
                   typename Plain::result_type (&values)[Plain::words.values]) const {
     Plain::operator()(group, values);
+    KESTRO_HVL_UNROLL
     for (auto& value : values)
       value = ::hvl::math::raised_to<device_ops<typename Plain::result_type>>(value, this->*Displacement);
   }

@@ -14,6 +14,7 @@
 #include "distributions/device_ops.hpp"
 #include "distributions/host_function.hpp"
 #include "framework/distribution_impl.hpp"
+#include "service/portability.hpp"
 
 namespace kestro::hvl::rng::detail {
 
@@ -43,6 +44,7 @@ struct gamma_marsaglia {
       normal[0] = pair.sine;
       normal[1] = pair.cosine;
     }
+    KESTRO_HVL_UNROLL
     for (std::uint32_t k = 0; k < words.values; ++k)
       values[k] = ::hvl::math::gamma_marsaglia<ops>(normal[k], group.uniforms[words.values + k],
                                                     group.uniforms[words.words - words.values + k], group.raw,

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <numeric>
 #include <type_traits>
+#include <utility>
 #include <variant>
 
 #include <hvl/float_environment.hpp>
@@ -51,8 +54,17 @@ class value_writer {
   static constexpr int unit_groups = unit_words / group_words;
   static constexpr int unit_values = unit_groups * group_values;
 
+  /// Units whose values fill vectors of 16 bytes.
+  static constexpr int units_of_vectors = [] {
+    constexpr int bytes = unit_values * static_cast<int>(sizeof(typename Transform::result_type));
+    return std::lcm(16, bytes) / bytes;
+  }();
+
   value_writer(Output output, const Transform& transform, std::int64_t n)
       : output_(output), coefficients_(coefficients_for<Engine>(transform)), transform_(transform), n_(n) {}
+
+  /// Whether the value of that index belongs to the call.
+  bool has(std::int64_t index) const { return index < n_; }
 
   /// Consecutive groups; `first` is the index of their first value.
   template <std::size_t Words>
@@ -87,7 +99,7 @@ class value_writer {
     } else {
       KESTRO_HVL_UNROLL
       for (int k = 0; k < count; ++k)
-        if (first + k < n_)
+        if (has(first + k))
           output_[static_cast<std::size_t>(first + k)] = value(k);
     }
   }
@@ -99,45 +111,76 @@ class value_writer {
   std::int64_t n_;
 };
 
-/// The kernel of an engine whose words follow from a position: a work-item makes `width` consecutive values from its own
-/// copy of the state.
+/// What carries a cursor over a fixed number of blocks; nothing for an engine that has no such.
+template <class Definition>
+auto leap_over(const typename Definition::state& state, std::uint64_t blocks) {
+  if constexpr (requires { Definition::leap_of(state, blocks); })
+    return Definition::leap_of(state, blocks);
+  else
+    return std::monostate();
+}
+
+/// The kernel of an engine whose words follow from a position: a work-item jumps once from its own copy of the state, and
+/// makes as many units as repay that. They are consecutive, or, of an engine that leaps, those of `lanes` items take turns,
+/// so that consecutive items write consecutive vectors.
 template <class Engine, class T, class I, class Transform, class Output>
 class engine_func {
   using definition = definition_of<Engine>;
   using writer = value_writer<Engine, Transform, Output>;
+  using leap = decltype(leap_over<definition>(std::declval<typename definition::state>(), 0));
   static_assert(std::is_same_v<T, typename Transform::result_type> &&
                 std::is_same_v<I, typename Transform::uniform_type>);
 
-  static constexpr int unit_blocks = writer::unit_words / 4;
-  static constexpr int units_per_item =
-      definition::blocks_per_item < unit_blocks ? 1 : definition::blocks_per_item / unit_blocks;
+  static constexpr bool leaps = !std::is_same_v<leap, std::monostate>;
+  static constexpr std::size_t lanes = leaps ? 64 : 1; // a multiple of every sub-group's size
+  static constexpr int unit_words = writer::units_of_vectors * writer::unit_words;
+  static constexpr int unit_values = writer::units_of_vectors * writer::unit_values;
+  static constexpr std::size_t unit_blocks = unit_words / 4;
+  static constexpr std::size_t units_per_item =
+      std::max<std::size_t>(1, definition::blocks_per_item / unit_blocks);
 
  public:
-  static constexpr std::int32_t width = units_per_item * writer::unit_values;
-
   engine_func(Output output, const typename definition::state& state, const Transform& transform,
               std::int64_t n)
-      : state_(state), writer_(output, transform, n) {}
+      : state_(state), leap_(leap_over<definition>(state, lanes * unit_blocks)),
+        writer_(output, transform, n) {}
+
+  /// Work-items that make n values.
+  static std::size_t items_of(std::int64_t n) {
+    constexpr std::size_t tile = lanes * units_per_item;
+    const auto units =
+        (static_cast<std::size_t>(n) + unit_values - 1) / static_cast<std::size_t>(unit_values);
+    return units / tile * lanes + std::min(units % tile, lanes);
+  }
 
   void operator()(sycl::id<1> id) const {
-    const auto item = static_cast<std::int64_t>(id[0]);
-    auto cursor = definition::at(state_, id[0] * (units_per_item * unit_blocks));
-    for (int unit = 0; unit < units_per_item; ++unit) {
-      typename definition::word words[writer::unit_words];
+    const std::size_t unit = id[0] / lanes * (lanes * units_per_item) + id[0] % lanes;
+    auto first = static_cast<std::int64_t>(unit) * unit_values;
+    auto cursor = definition::at(state_, unit * unit_blocks);
+    for (std::size_t made = 0;;) {
+      std::conditional_t<leaps, decltype(cursor), decltype(cursor)&> reader =
+          cursor; // a leap starts at the unit
+      typename definition::word words[unit_words];
       KESTRO_HVL_UNROLL
-      for (int block = 0; block < unit_blocks; ++block) {
+      for (std::size_t block = 0; block < unit_blocks; ++block) {
         typename definition::word next[4];
-        cursor.next(next);
+        reader.next(next);
         KESTRO_HVL_UNROLL
-        for (int k = 0; k < 4; ++k)
+        for (std::size_t k = 0; k < 4; ++k)
           words[4 * block + k] = next[k];
       }
-      writer_.write(words, item * width + unit * writer::unit_values);
+      writer_.write(words, first);
+      first += static_cast<std::int64_t>(lanes) * unit_values;
+      if (++made == units_per_item || !writer_.has(first))
+        return;
+      if constexpr (leaps)
+        cursor.pass(leap_);
     }
   }
 
  private:
   typename definition::state state_;
+  [[no_unique_address]] leap leap_;
   writer writer_;
 };
 

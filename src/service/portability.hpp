@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <numeric>
 #include <utility>
 
 #include <sycl/sycl.hpp>
@@ -82,15 +83,16 @@ void host_task(sycl::handler& handler, Task&& task) {
 #endif
 }
 
-/// Stores value(0), ..., value(Count - 1). On a GPU 16 bytes at a time where they fill such and `to` is aligned for it, which
-/// is the same for all work-items when `Count` values are a multiple of 16 bytes.
+/// Stores value(0), ..., value(Count - 1). On a GPU in vectors of 16 or 8 bytes where they fill such and `to` is aligned for
+/// it, which is the same for all work-items.
 template <int Count, class T, class Value>
 void store_values(T* to, const Value& value) {
 #ifndef KESTRO_HVL_HAS_ZERLIN
-  constexpr int lanes = 16 / sizeof(T);
-  if constexpr (Count % lanes == 0) {
-    if (reinterpret_cast<std::uintptr_t>(to) % 16 == 0) {
-      typedef T vector __attribute__((vector_size(16), may_alias));
+  constexpr int bytes = std::gcd(16, Count * static_cast<int>(sizeof(T)));
+  constexpr int lanes = bytes / static_cast<int>(sizeof(T));
+  if constexpr (lanes > 1) {
+    if (reinterpret_cast<std::uintptr_t>(to) % bytes == 0) {
+      typedef T vector __attribute__((vector_size(bytes), may_alias));
       KESTRO_HVL_UNROLL
       for (int k = 0; k < Count; k += lanes) {
         vector v;

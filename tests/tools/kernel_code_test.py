@@ -30,7 +30,8 @@ class KernelCode(unittest.TestCase):
 
         self.assertEqual(faults("engine_func<mcg59>"), [])
         self.assertEqual(faults("engine_func<mcg59>", local=8), ["engine_func<mcg59>: 8 bytes in local memory"])
-        self.assertEqual(faults("ring_jump<r250>", local=8), [])
+        self.assertEqual(faults("multinomial_vector<int*>", local=8), ["multinomial_vector<int*>: 8 bytes in local memory"])
+        self.assertEqual(faults("generate_in_turn<words_32>", local=8), [])
         self.assertEqual(faults("ring_jump<r250>", inexact=["rcp.approx.ftz.f32"]), ["ring_jump<r250>: rcp.approx.ftz.f32"])
 
     def test_registers_go_with_their_kernels(self):

@@ -141,6 +141,34 @@ TYPED_TEST(gamma_law, squeeze_is_within_the_test) {
   EXPECT_GT(undecided, 10'000u);
 }
 
+// The first attempt from 1 on whose uniform lies below the exact probability of acceptance is the one that is taken.
+TYPED_TEST(gamma_law, further_attempts_are_accepted_as_in_the_exact_exponent) {
+  using T = TypeParam;
+  using D = scalar_ops<double>;
+  for (const double shape : {0.5, 1.0, 2.5, 100.0}) {
+    const auto c = gamma_constants_of<T>(static_cast<T>(shape), T(0), T(1));
+    const long double triple_d =
+        3 * (static_cast<long double>(static_cast<T>(shape)) + (shape < 1) - 1 / 3.0L);
+    for_each_input(static_cast<T>(shape), 20'000, 78, [&](const auto& input) {
+      for (std::uint32_t attempt = 1; attempt < gamma_attempts; ++attempt) {
+        const gamma_uniforms r = gamma_attempt_uniforms(input.own, input.which, attempt);
+        const double e = erfinv<D>(r.v);
+        const long double w = static_cast<long double>(c.wide_slope) * e;
+        if (w <= -1)
+          continue;
+        const long double excess = std::log(static_cast<long double>(r.u)) -
+                                   triple_d * (std::log1p(w) - w * (1 - w * (0.5L - w / 3)));
+        if (std::fabs(excess) < 1e-9L)
+          break; // either way is right
+        if (excess < 0) {
+          ASSERT_EQ(gamma_further_core<D>(input.own, input.which, c), gamma_wide_core<D>(e, c)) << shape;
+          break;
+        }
+      }
+    });
+  }
+}
+
 // The share of the first attempts that the squeeze decides, the reason for its form.
 TYPED_TEST(gamma_law, squeeze_decides_nearly_all) {
   using T = TypeParam;

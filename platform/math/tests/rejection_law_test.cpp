@@ -1,5 +1,5 @@
-// Transformed rejection: its hats, the probabilities behind it, and the laws of its values, with exact cells. The words are philox's, so a run repeats; every comparison is allowed a false alarm with probability 1e-9
-// for other words.
+// Transformed rejection: its hats, the probabilities behind it, the bounds, and the laws of its values, with exact cells.
+// The words are philox's, so a run repeats; every comparison is allowed a false alarm with probability 1e-9 for other words.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,6 +12,7 @@
 
 #include "hvl/math/exp.hpp"
 #include "hvl/math/transforms.hpp"
+#include "hvl/math/transforms/rejection_bounds.hpp"
 
 namespace hvl::math {
 namespace {
@@ -38,6 +39,7 @@ void for_each_law(const Visit& visit) {
                              {1000, 0.99},
                              {1000000000, 1e-8},
                              {1000000000, 0.3},
+                             {2147483647, 0.00049},
                              {2147483647, 0.5},
                              {2147483647, 0.9999}})
     visit("binomial " + std::to_string(n) + ' ' + std::to_string(p), binomial_rejection_of(n, p),
@@ -107,6 +109,39 @@ TEST(transformed_rejection, hats_lie_above_and_squeezes_below) {
     EXPECT_LE(greatest, 1) << name;
     EXPECT_GE(least_central, law.squeeze) << name;
     EXPECT_LT(rejected / (2 * points), 0.3) << name;
+  });
+}
+
+// What the bounds decide the test decides alike, next to them and hence beyond; and they leave little open. The proposals
+// are those of a fine grid, of the tails down to the least s, and next to the ends of the bounds' reach.
+TEST(transformed_rejection, bounds_decide_as_the_test_does) {
+  using F = scalar_ops<float>;
+  for_each_law([](const std::string& name, const rejection_law& law, const auto&) {
+    const double deviation = (law.b - 1.15) / 2.53;
+    if (deviation < 1023.9)
+      return;
+    const rejection_curve curve = rejection_curve_of(law);
+    constexpr double slack = 0x1p-21; // half of what the bounds have for the uniform
+    double greatest_width = 0;
+    const auto check = [&](double u) {
+      const auto proposal = rejection_proposed<O>(u, 0.0, law);
+      const auto bounds = rejection_bounds_of<F>(static_cast<float>(proposal.k - law.mode),
+                                                 static_cast<float>(proposal.quotient), curve);
+      ASSERT_TRUE(bounds.least <= 0 || rejection_accepts<O>(proposal, bounds.least + slack, law))
+          << name << ' ' << u;
+      const double rejected = bounds.greatest - slack;
+      ASSERT_FALSE(rejection_proposed<O>(u, rejected, law).squeezed) << name << ' ' << u;
+      ASSERT_FALSE(rejection_accepts<O>(proposal, rejected, law)) << name << ' ' << u;
+      greatest_width = std::max(greatest_width, static_cast<double>(bounds.greatest) - bounds.least);
+    };
+    constexpr int points = 100'000;
+    for (int i = 0; i < points; ++i)
+      for (const double sign : {-1.0, 1.0}) {
+        const double fraction = (i + 0.5) / points;
+        check(sign * fraction / 2);
+        check(sign * (0.5 - 0.07 * std::exp(-22 * fraction)));
+      }
+    EXPECT_LE(greatest_width, 0x1p-11) << name;
   });
 }
 

@@ -3,7 +3,10 @@
 #include <sycl/detail/last_use.hpp>
 #include <sycl/exception.hpp>
 
+#include <oneapi/tbb/task_arena.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <dlfcn.h>
@@ -36,13 +39,22 @@ const struct end_of_library {
   ~end_of_library() { scheduler::instance().end_process(true); }
 } at_the_end;
 
+/// oneTBB cannot end on a thread of its own, where an item of a kernel may have called exit: the rest is left out then.
+void end_for_users(int status, void*) {
+  if (commands_here == 0 && oneapi::tbb::this_task_arena::current_thread_index() > 0) {
+    std::fflush(nullptr);
+    std::_Exit(status);
+  }
+  scheduler::instance().end_process(false);
+}
+
 } // namespace
 
 bool register_user(const void* inside) noexcept {
   Dl_info library;
   if (::dladdr(inside, &library) != 0) // of no effect on the program itself, which stays anyway
     (void)::dlopen(library.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
-  return std::atexit([] { scheduler::instance().end_process(false); }) == 0;
+  return ::on_exit(end_for_users, nullptr) == 0;
 }
 
 // Never destroyed: commands may be in flight while the process ends.

@@ -57,25 +57,27 @@ TEST_F(buffers, write_back_to_what_they_were_made_from) {
 TEST_F(buffers, final_data_replaces_the_write_back) {
   std::vector<int> from(4, 1), to(4, -1), untouched(4, 1), silent(4, 1);
   auto weak_target = std::shared_ptr<int[]>(new int[4]{-1, -1, -1, -1});
+  auto shared_target = std::shared_ptr<int[]>(new int[4]{-1, -1, -1, -1});
   {
-    sycl::buffer a(from), b(untouched), c(silent), d(untouched), e(untouched);
+    sycl::buffer a(from), b(untouched), c(silent), d(untouched), e(untouched), f(untouched), g(untouched);
     a.set_final_data(to.begin());
     b.set_final_data(nullptr);
     c.set_write_back(false);
     d.set_final_data(std::weak_ptr<int[]>(weak_target));
     e.set_final_data(std::weak_ptr<int[]>());
-    increment(a);
-    increment(b);
-    increment(c);
-    increment(d);
-    increment(e);
+    f.set_final_data(shared_target);
+    g.set_final_data(static_cast<int*>(nullptr));
+    EXPECT_EQ(shared_target.use_count(), 1);
+    for (auto* each : {&a, &b, &c, &d, &e, &f, &g})
+      increment(*each);
     EXPECT_EQ(sycl::host_accessor(b)[3], 2);
   }
   EXPECT_THAT(from, Each(1));
   EXPECT_THAT(to, Each(2));
   EXPECT_THAT(untouched, Each(1));
   EXPECT_THAT(silent, Each(1));
-  EXPECT_THAT(std::vector(weak_target.get(), weak_target.get() + 4), Each(2));
+  for (const auto& target : {weak_target, shared_target})
+    EXPECT_THAT(std::vector(target.get(), target.get() + 4), Each(2));
 }
 
 TEST_F(buffers, memory_of_the_caller_is_used_directly) {

@@ -1,7 +1,7 @@
 // What the transform of laws by rejection is given.
 #pragma once
 
-#include <hvl/math/transforms/transformed_rejection.hpp>
+#include <hvl/math/transforms/rejection_bounds.hpp>
 
 #include "hvl/streams_scaling.hpp"
 
@@ -11,6 +11,7 @@ struct rejection_parameters {
   coefficients<double> centred; // onto [-1/2, 1/2)
   coefficients<double> unit;    // onto [0, 1)
   math::rejection_law law;
+  math::rejection_curve curve;
 };
 
 } // namespace hvl::streams

@@ -6,46 +6,12 @@
 #include <boost/math/distributions/binomial.hpp>
 #include <boost/math/distributions/negative_binomial.hpp>
 
-#include <hvl/math/transforms.hpp>
-
-#include "hvl/streams_scaling.hpp"
 #include "law_fit.hpp"
 
 namespace hvl::streams::test {
 namespace {
 
 constexpr std::int32_t greatest = std::numeric_limits<std::int32_t>::max();
-
-generator binomial(std::int32_t trials, double p) {
-  return
-      [=](vqs_stream s, std::int64_t n, std::int32_t* r) { return viRngBinomial_64(0, s, n, r, trials, p); };
-}
-generator hypergeometric(std::int32_t l, std::int32_t s, std::int32_t m) {
-  return [=](vqs_stream stream, std::int64_t n, std::int32_t* r) {
-    return viRngHypergeometric_64(0, stream, n, r, l, s, m);
-  };
-}
-generator negative_binomial(double a, double p) {
-  return [=](vqs_stream s, std::int64_t n, std::int32_t* r) { return viRngNegbinomial_64(0, s, n, r, a, p); };
-}
-
-// Added up from the ratios of neighbouring probabilities, far beyond what is seen of it.
-distribution_function hypergeometric_law(double l, double s, double m) {
-  const double mean = s * m / l, deviation = std::sqrt(mean * (l - m) / l * (l - s) / (l - 1));
-  const double first = std::max({0.0, s + m - l, std::floor(mean - 14 * deviation)});
-  const double last = std::min({s, m, std::ceil(mean + 14 * deviation)});
-  std::vector<long double> sums;
-  long double logarithm = 0, sum = 0;
-  for (double k = first; k <= last; ++k) {
-    sums.push_back(sum += std::exp(logarithm - 100));
-    logarithm += std::log((static_cast<long double>(m) - k) * (static_cast<long double>(s) - k) /
-                          ((k + 1) * (static_cast<long double>(l) - m - s + k + 1)));
-  }
-  return [=](double k) {
-    return k < first ? 0.0
-                     : static_cast<double>(sums[static_cast<std::size_t>(std::min(k, last) - first)] / sum);
-  };
-}
 
 class binomial_numbers : public each_engine {
  protected:
@@ -145,38 +111,6 @@ TEST_P(binomial_numbers, are_the_same_in_every_mode_and_split) {
       expect_equal(parts, expected);
     });
   }
-}
-
-// Of laws by rejection the definition is the transform of one number.
-TEST_P(binomial_numbers, by_rejection_are_those_of_the_transform) {
-  if (GetParam().about.is_quasi_random)
-    GTEST_SKIP() << "a value of several words mixes coordinates";
-  using O = math::scalar_ops<double>;
-  constexpr std::size_t n = 5001;
-  const owned_stream origin(id());
-  const auto check = [&](const math::rejection_law& law, const generator& generate) {
-    std::vector<double> u(2 * n), v(2 * n);
-    const double cell = uniform_coefficients(about_engine_of(origin).scale, 0.0, 1.0).scale;
-    EXPECT_EQ(vdRngUniform_64(0, copy_of(origin), 2 * n, u.data(), -0.5, 0.5), VQS_STATUS_OK);
-    EXPECT_EQ(vdRngUniform_64(0, copy_of(origin), 2 * n, v.data(), 0, 1), VQS_STATUS_OK);
-    const auto values = generated(copy_of(origin), n, generate);
-    std::size_t at_once = 0;
-    for (std::size_t i = 0; i < n; ++i) {
-      const auto first = math::rejection_proposed<O>(u[2 * i], v[2 * i + 1], law);
-      const bool accepted =
-          first.squeezed || (v[2 * i + 1] > math::rejection_coarse_v &&
-                             math::rejection_accepts<O>(first, v[2 * i + 1] + cell / 2, law));
-      if (accepted) {
-        ++at_once;
-        ASSERT_EQ(values[i], static_cast<std::int32_t>(math::rejection_result<O>(first.k))) << i;
-      }
-    }
-    EXPECT_GT(at_once, n * 4 / 5);
-    EXPECT_LT(at_once, n * 19 / 20);
-  };
-  check(math::binomial_rejection_of(greatest, 0.3), binomial(greatest, 0.3));
-  check(math::hypergeometric_rejection_of(greatest, 1'000'000'000, 99'999'999),
-        hypergeometric(greatest, 1'000'000'000, 99'999'999));
 }
 
 HVL_STREAMS_FOR_EACH_ENGINE(binomial_numbers);

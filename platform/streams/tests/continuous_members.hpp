@@ -57,35 +57,52 @@ auto host_function(Single single_precision, Double real64) {
     return real64;
 }
 
-// A group reads its words in several ways: scaled to each of two intervals, and their bits.
+// What a gamma distributed value is made of.
+template <class T, std::size_t Words>
+struct gamma_input {
+  T e, u, power;            // power is read at shapes below 1 only
+  std::uint32_t own[Words]; // of the group
+  std::uint32_t which;      // value of the group
+};
+
+// Calls visit(i, input) for each of n values. A group reads its words in several ways: scaled to each of two intervals, and
+// their bits.
+template <class T, bool BelowOne, class Visit>
+void for_each_gamma_input(vqs_stream stream, std::size_t n, const Visit& visit) {
+  using O = math::scalar_ops<T>;
+  constexpr math::word_use use = math::gamma_words<T>(BelowOne);
+  const std::size_t words = (n + use.values - 1) / use.values * use.words;
+  const std::vector<std::uint32_t> raw = copy_of(stream).bits(words);
+  const std::vector<T> symmetric = uniforms<T>(copy_of(stream), words, T(-1), T(1));
+  const std::vector<T> unit = uniforms<T>(copy_of(stream), words, T(0), T(1));
+  const T cell = uniform_coefficients(about_engine_of(stream).scale, T(0), T(1)).scale;
+  for (std::size_t i = 0; i < n; ++i) {
+    const std::size_t first = i / use.values * use.words;
+    const auto k = static_cast<std::uint32_t>(i % use.values);
+    gamma_input<T, use.words> input{};
+    input.which = k;
+    std::copy_n(&raw[first], use.words, input.own);
+    if constexpr (sizeof(T) == 4) {
+      input.e = math::erfinv<O>(symmetric[first]);
+    } else {
+      const auto pair = math::gamma_normal_pair<O>(unit[first], unit[first + 1], cell);
+      input.e = k == 0 ? pair.sine : pair.cosine;
+    }
+    input.u = unit[first + use.values + k];
+    input.power = BelowOne ? unit[first + 2 * use.values + k] : T(0);
+    visit(i, input);
+  }
+}
+
 template <class T, bool BelowOne>
 void gamma_one_by_one(vqs_stream stream, std::vector<T>& out, const math::gamma_constants<T>& constants,
                       bool accurate) {
   using O = math::scalar_ops<T>;
-  constexpr math::word_use use = math::gamma_words<T>(BelowOne);
-  const std::size_t words = (out.size() + use.values - 1) / use.values * use.words;
-  owned_stream bits = copy_of(stream);
-  const std::vector<std::uint32_t> raw = bits.bits(words);
-  const std::vector<T> symmetric = uniforms<T>(copy_of(stream), words, T(-1), T(1));
-  const std::vector<T> unit = uniforms<T>(copy_of(stream), words, T(0), T(1));
-  const T cell = uniform_coefficients(about_engine_of(stream).scale, T(0), T(1)).scale;
-  for (std::size_t i = 0; i < out.size(); ++i) {
-    const std::size_t first = i / use.values * use.words;
-    const auto k = static_cast<std::uint32_t>(i % use.values);
-    std::uint32_t own[use.words];
-    std::copy_n(&raw[first], use.words, own);
-    T e;
-    if constexpr (sizeof(T) == 4) {
-      e = math::erfinv<O>(symmetric[first]);
-    } else {
-      const auto pair = math::gamma_normal_pair<O>(unit[first], unit[first + 1], cell);
-      e = k == 0 ? pair.sine : pair.cosine;
-    }
+  for_each_gamma_input<T, BelowOne>(stream, out.size(), [&](std::size_t i, const auto& input) {
     const T value =
-        math::gamma_marsaglia<O>(e, unit[first + use.values + k],
-                                 BelowOne ? unit[first + 2 * use.values + k] : T(0), own, k, constants);
+        math::gamma_marsaglia<O>(input.e, input.u, input.power, input.own, input.which, constants);
     out[i] = accurate ? math::raised_to<O>(value, constants.displacement) : value;
-  }
+  });
 }
 
 template <class T>
@@ -206,6 +223,13 @@ std::vector<member<T>> continuous_members() {
   add_gamma("gamma_below_one", T(0.9), false);
   add_gamma("gamma_below_one_accurate", T(0.9), true);
   add_gamma("gamma_large", T(100), false);
+  all.push_back({"chi_square", math::gamma_words<T>(false),
+                 [](vqs_stream s, std::int64_t n, T* r) {
+                   return host_function<T>(vsRngChiSquare_64, vdRngChiSquare_64)(0, s, n, r, 5);
+                 },
+                 [](vqs_stream s, std::vector<T>& out) {
+                   gamma_one_by_one<T, false>(s, out, math::gamma_constants_of<T>(2.5, 0, 2), false);
+                 }});
   return all;
 }
 

@@ -25,5 +25,24 @@ inline generator poisson(double lambda) {
 inline generator bernoulli(double p) {
   return [=](vqs_stream s, std::int64_t n, std::int32_t* r) { return viRngBernoulli_64(0, s, n, r, p); };
 }
+inline generator binomial(std::int32_t trials, double p) {
+  return
+      [=](vqs_stream s, std::int64_t n, std::int32_t* r) { return viRngBinomial_64(0, s, n, r, trials, p); };
+}
+inline generator hypergeometric(std::int32_t l, std::int32_t s, std::int32_t m) {
+  return [=](vqs_stream stream, std::int64_t n, std::int32_t* r) {
+    return viRngHypergeometric_64(0, stream, n, r, l, s, m);
+  };
+}
+inline generator negative_binomial(double a, double p) {
+  return [=](vqs_stream s, std::int64_t n, std::int32_t* r) { return viRngNegbinomial_64(0, s, n, r, a, p); };
+}
+// So many values, each with the mean.
+inline generator poisson_v(double mean) {
+  return [=](vqs_stream s, std::int64_t n, std::int32_t* r) {
+    const std::vector<double> means(static_cast<std::size_t>(n) + 1, mean);
+    return viRngPoissonV_64(0, s, n, r, means.data());
+  };
+}
 
 } // namespace hvl::streams::test

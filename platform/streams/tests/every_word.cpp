@@ -5,39 +5,10 @@
 #include <cmath>
 #include <vector>
 
-#include "hvl/streams_scaling.hpp"
+#include "every_word_discrete.hpp"
 
 namespace hvl::streams::test {
 namespace {
-
-struct word_range {
-  const char* name;
-  word_scale scale;
-  std::uint64_t first, last, step; // of signed32: the words' bits
-};
-constexpr word_range ranges[] = {{"signed 32-bit", word_scale::signed32, 0, 0xFFFFFFFF, 1},
-                                 {"mcg31m1", word_scale::mcg31m1, 1, 0x7FFFFFFE, 1},
-                                 {"mrg32k3a", word_scale::mrg32k3a, 1, 4294967087, 1},
-                                 {"mcg59", word_scale::mcg59, 1, (std::uint64_t{1} << 59) - 1, 1u << 27}};
-
-template <class T>
-T uniform(const word_range& r, std::uint64_t word, T low, T high) {
-  const coefficients<T> c = uniform_coefficients(r.scale, low, high);
-  if (r.scale == word_scale::signed32)
-    return uniform_value<T>(static_cast<std::int32_t>(static_cast<std::uint32_t>(word)), c);
-  return uniform_value<T>(word, c);
-}
-
-// A word as the methods take it: on [0, 1) and on [-1, 1).
-template <class T>
-struct uniforms {
-  T u, v;
-};
-
-template <class T>
-uniforms<T> uniforms_of(const word_range& r, std::uint64_t word) {
-  return {uniform(r, word, T(0), T(1)), uniform(r, word, T(-1), T(1))};
-}
 
 // Calls see(method, value) for each value made of the uniforms; where two are taken, the other is each of the extremes.
 template <class T, class See>
@@ -75,16 +46,13 @@ void gamma_of(const word_range& r, std::uint64_t word, uniforms<T> of_word, T sh
   constexpr math::word_use use = math::gamma_words<T>(BelowOne);
   const auto constants = math::gamma_constants_of<T>(shape, T(0), T(1));
   const T cell = uniform_coefficients(r.scale, T(0), T(1)).scale;
-  const auto bits = [&](std::uint64_t w) {
-    return static_cast<std::uint32_t>(r.scale == word_scale::mcg59 ? w >> 27 : w);
-  };
   for (const std::uint64_t other_word : {r.first, r.first + (r.last - r.first) / 2, r.last}) {
     const auto other = uniforms_of<T>(r, other_word);
     for (std::uint32_t place = 0; place < use.words; ++place) { // of the word in its group
       const auto at = [&](std::uint32_t k) { return k == place ? of_word : other; };
       std::uint32_t own[use.words];
       for (std::uint32_t k = 0; k < use.words; ++k)
-        own[k] = bits(k == place ? word : other_word);
+        own[k] = bits(r, k == place ? word : other_word);
       T e[2];
       if constexpr (sizeof(T) == 4) {
         e[0] = math::erfinv<O>(at(0).v);
@@ -107,88 +75,19 @@ void gammas_of(const word_range& r, std::uint64_t word, uniforms<T> of_word, con
   gamma_of<T, false>(r, word, of_word, T(100), see);
 }
 
-// As gamma, with the other word one of the extremes or the middle, in turn.
 template <class See>
-void betas_of(const word_range& r, std::uint64_t word, const See& see) {
+void betas_of(const word_range& r, const word_pair& w, const See& see) {
   using O = math::scalar_ops<double>;
   static const math::beta_constants all[] = {
       math::beta_constants_of(1e-300, 1e-300, 0, 1), math::beta_constants_of(0.3, 1, 0, 1),
       math::beta_constants_of(0.7, 3, 0, 1), math::beta_constants_of(2.5, 1.5, 0, 1),
       math::beta_constants_of(3e6, 2e9, 0, 1)};
   const double cell = uniform_coefficients(r.scale, 0.0, 1.0).scale;
-  const auto bits = [&](std::uint64_t w) {
-    return static_cast<std::uint32_t>(r.scale == word_scale::mcg59 ? w >> 27 : w);
-  };
-  const std::uint64_t other = r.first + (r.last - r.first) / 2 * (word % 3);
-  const double u = uniform(r, word, 0.0, 1.0), v = uniform(r, other, 0.0, 1.0);
   for (const auto& constants : all) {
-    const double values[] = {math::beta_cheng_johnk<O>(u, v, cell, {bits(word), bits(other)}, constants),
-                             math::beta_cheng_johnk<O>(v, u, cell, {bits(other), bits(word)}, constants)};
-    for (const double value : values)
-      see("beta", value >= 0 && value <= 1 ? value : std::nan(""));
+    const double value = math::beta_cheng_johnk<O>(uniform(r, w.first, 0.0, 1.0),
+                                                   uniform(r, w.second, 0.0, 1.0), cell, w.own, constants);
+    see("beta", value >= 0 && value <= 1 ? value : std::nan(""));
   }
-}
-
-// The second word is one of the extremes or the middle, in turn.
-template <class See>
-void geometric_of(const word_range& r, std::uint64_t word, const See& see) {
-  using O = math::scalar_ops<double>;
-  static const double scales[] = {math::geometric_scale(1e-10), math::geometric_scale(0.5),
-                                  math::geometric_scale(1)};
-  const double cell = uniform_coefficients(r.scale, 0.0, 1.0).scale;
-  const std::uint64_t second = r.first + (r.last - r.first) / 2 * (word % 3);
-  const double u = math::refined<O>(uniform(r, word, 0.0, 1.0), uniform(r, second, 0.0, 1.0), cell);
-  for (const double scale : scales) {
-    const double value = math::geometric_icdf<O>(u, scale);
-    see("geometric", value > -1 && value <= 2147483647 ? value : std::nan(""));
-  }
-}
-
-// Either word of the pair; further attempts are made of the words' bits.
-template <class See>
-void poisson_of(const word_range& r, std::uint64_t word, const See& see) {
-  using O = math::scalar_ops<double>;
-  static const math::rejection_law laws[] = {math::poisson_rejection_of(10), math::poisson_rejection_of(3e6),
-                                             math::poisson_rejection_of(3e9)};
-  const double cell = uniform_coefficients(r.scale, 0.0, 1.0).scale;
-  const std::uint64_t other = r.first + (r.last - r.first) / 2 * (word % 3);
-  const auto bits = [&](std::uint64_t w) {
-    return static_cast<std::uint32_t>(r.scale == word_scale::mcg59 ? w >> 27 : w);
-  };
-  const auto check = [&](double value) {
-    see("poisson", value >= 0 && value <= 2147483647 ? value : std::nan(""));
-  };
-  const bool swapped = word % 2 != 0;
-  const std::uint64_t first = swapped ? other : word, second = swapped ? word : other;
-  const std::uint32_t own[2] = {bits(first), bits(second)};
-  for (const math::rejection_law& law : laws)
-    check(math::rejection_result<O>(math::rejection_value<O>(uniform(r, first, -0.5, 0.5),
-                                                             uniform(r, second, 0.0, 1.0), cell, own, law)));
-  for (const double mean : {0.0, 1e-300, 9.999, 1e300})
-    check(
-        math::poisson_of_mean<O>(mean, uniform(r, first, 0.0, 1.0), uniform(r, second, 0.0, 1.0), cell, own));
-}
-
-// Of any engine, as the words are integers by then; the next value's is one of the extremes or the middle, in turn.
-template <class See>
-void multinomial_of(const word_range& r, std::uint64_t word, const See& see) {
-  using O = math::scalar_ops<double>;
-  static const auto tables = [] {
-    std::vector<std::vector<double>> all;
-    for (const double p : {0.0, 1e-300, 0.3, 0.5, 1.0}) {
-      const double both[] = {p, 1 - p};
-      math::make_multinomial_table(both, 2, all.emplace_back());
-    }
-    return all;
-  }();
-  const std::uint64_t other = r.first + (r.last - r.first) / 2 * (word % 3);
-  for (const std::vector<double>& table : tables)
-    for (const std::int32_t trials : {0, 1, 31, 2147483647}) {
-      std::int32_t values[] = {static_cast<std::int32_t>(word), static_cast<std::int32_t>(other)};
-      math::multinomial_in_place<O>(trials, 2, table.data(), &values[0]);
-      see("multinomial",
-          values[0] >= 0 && values[1] >= 0 && values[0] + values[1] == trials ? 0.0 : std::nan(""));
-    }
 }
 
 template <class See>
@@ -217,12 +116,21 @@ word_report try_words(std::uint64_t stride, std::uint64_t double_stride) {
       }
       last = now;
       cauchy_of(r, word, see);
-      geometric_of(r, word, see);
-      poisson_of(r, word, see);
+      const word_pair pair = pair_of(r, word, word / r.step % other_words);
+      geometric_of(r, pair, see);
+      poisson_v_of(r, pair, see);
+      rejected_of(r, pair, see, laws_of_every_word());
       if (in_double) {
-        if (r.scale == word_scale::signed32)
-          multinomial_of(r, word, see);
-        betas_of(r, word, see);
+        for (std::uint64_t other = 0; other < other_words; ++other)
+          for (const word_pair& w : {pair_of(r, word, other), swapped(pair_of(r, word, other))}) {
+            poisson_v_of(r, w, see);
+            rejected_of(r, w, see, laws_of_some_words());
+            inverted_of(r, w, see);
+            betas_of(r, w, see);
+            if (r.scale == word_scale::signed32)
+              multinomial_of(w, see);
+          }
+        negative_binomial_of(r, word, see);
         values_of(r, uniforms_of<double>(r, word), see);
         gammas_of(r, word, uniforms_of<double>(r, word), see);
       }

@@ -138,6 +138,7 @@ TEST_P(gaussian_mv_of, threads_and_splits_change_nothing) {
 }
 
 // Means and covariances of all pairs within their standard errors; then against T T' of a matrix that is a little different.
+// Neighbouring vectors are independent, element by element.
 template <class T>
 void check_moments(const law<T>& l) {
   constexpr std::size_t n = std::size_t{1} << 20;
@@ -169,6 +170,17 @@ void check_moments(const law<T>& l) {
         EXPECT_GT(std::fabs(covariance - 1.05 * exact(k, k)), error) << "a wrong scale passes";
       }
     }
+  for (std::size_t k = 0; k < d; ++k) {
+    if (exact(k, k) == 0)
+      continue;
+    const double mean = static_cast<double>(l.a[k]), deviation = std::sqrt(exact(k, k));
+    const law_cells of_law([=](double x) { return cdf(boost::math::normal(mean, deviation), x); }, 8,
+                           mean - 9 * deviation, mean + 9 * deviation, false);
+    std::vector<std::uint32_t> cells;
+    for (std::size_t i = k; i < values.size(); i += d)
+      cells.push_back(static_cast<std::uint32_t>(of_law(static_cast<double>(values[i]))));
+    expect_independent_neighbours(cells, of_law.probability());
+  }
 }
 
 TEST(gaussian_mv, has_the_mean_and_covariance) {

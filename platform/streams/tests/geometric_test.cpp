@@ -102,24 +102,29 @@ void check_fit(std::int32_t engine, std::size_t n, double p) {
     }
   }
   ASSERT_FALSE(last.empty());
+  std::vector<std::uint32_t> cell_of;
   std::vector<std::uint64_t> counts(last.size() + 1);
-  for (const std::int32_t value : values)
-    ++counts[static_cast<std::size_t>(std::lower_bound(last.begin(), last.end(), value) - last.begin())];
-  const auto expected = [&](double parameter) {
+  for (const std::int32_t value : values) {
+    const auto cell = std::lower_bound(last.begin(), last.end(), value) - last.begin();
+    cell_of.push_back(static_cast<std::uint32_t>(cell));
+    ++counts[static_cast<std::size_t>(cell)];
+  }
+  const auto expected = [&](double parameter, double of_values) {
     std::vector<double> all;
     double sum = 0;
     for (const std::int32_t k : last) {
-      all.push_back((cdf(k, parameter) - sum) * count);
+      all.push_back((cdf(k, parameter) - sum) * of_values);
       sum = cdf(k, parameter);
     }
-    all.push_back((1 - sum) * count);
+    all.push_back((1 - sum) * of_values);
     return all;
   };
-  expect_fit(chi_square(counts, expected(p)), counts.size());
+  expect_fit(chi_square(counts, expected(p, count)), counts.size());
   const double failure_also = 1 - 1.1 * (1 - p); // where p is near 1, failures are a tenth likelier
-  EXPECT_GT(chi_square(counts, expected(p < 0.5 ? 1.1 * p : failure_also)),
+  EXPECT_GT(chi_square(counts, expected(p < 0.5 ? 1.1 * p : failure_also, count)),
             critical_chi_square(counts.size()))
       << "a wrong parameter passes";
+  expect_independent_neighbours(cell_of, expected(p, 1));
 }
 
 TEST_P(geometric, fits_its_law) {

@@ -1,4 +1,5 @@
-// Values of a discrete law against its distribution function, in cells of at least 20 expected values.
+// Values of a discrete law against its distribution function, in cells of at least 20 expected values, and neighbours against
+// each other.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +11,23 @@
 
 namespace hvl::streams::test {
 
-using distribution_function = std::function<double(double)>;
+// Added up from the ratios of neighbouring probabilities, far beyond what is seen of it.
+inline distribution_function hypergeometric_law(double l, double s, double m) {
+  const double mean = s * m / l, deviation = std::sqrt(mean * (l - m) / l * (l - s) / (l - 1));
+  const double first = std::max({0.0, s + m - l, std::floor(mean - 14 * deviation)});
+  const double last = std::min({s, m, std::ceil(mean + 14 * deviation)});
+  std::vector<long double> sums;
+  long double logarithm = 0, sum = 0;
+  for (double k = first; k <= last; ++k) {
+    sums.push_back(sum += std::exp(logarithm - 100));
+    logarithm += std::log((static_cast<long double>(m) - k) * (static_cast<long double>(s) - k) /
+                          ((k + 1) * (static_cast<long double>(l) - m - s + k + 1)));
+  }
+  return [=](double k) {
+    return k < first ? 0.0
+                     : static_cast<double>(sums[static_cast<std::size_t>(std::min(k, last) - first)] / sum);
+  };
+}
 
 // `wrong` is one that has to be told from the law.
 inline void check_law(std::int32_t engine, std::size_t n, double mean, double deviation,
@@ -29,22 +46,28 @@ inline void check_law(std::int32_t engine, std::size_t n, double mean, double de
     }
   }
   ASSERT_FALSE(last.empty());
+  std::vector<std::uint32_t> cell_of;
   std::vector<std::uint64_t> counts(last.size() + 1);
-  for (const std::int32_t value : values)
-    ++counts[static_cast<std::size_t>(std::lower_bound(last.begin(), last.end(), value) - last.begin())];
-  const auto cells = [&](const distribution_function& of) {
+  for (const std::int32_t value : values) {
+    const auto cell = std::lower_bound(last.begin(), last.end(), value) - last.begin();
+    cell_of.push_back(static_cast<std::uint32_t>(cell));
+    ++counts[static_cast<std::size_t>(cell)];
+  }
+  const auto cells = [&](const distribution_function& of, double all) {
     std::vector<double> expected;
     double from = 0;
     for (const double k : last) {
       const double to = of(k);
-      expected.push_back((to - from) * count);
+      expected.push_back((to - from) * all);
       from = to;
     }
-    expected.push_back((1 - from) * count);
+    expected.push_back((1 - from) * all);
     return expected;
   };
-  expect_fit(chi_square(counts, cells(law)), counts.size());
-  EXPECT_GT(chi_square(counts, cells(wrong)), critical_chi_square(counts.size())) << "a wrong law passes";
+  expect_fit(chi_square(counts, cells(law, count)), counts.size());
+  EXPECT_GT(chi_square(counts, cells(wrong, count)), critical_chi_square(counts.size()))
+      << "a wrong law passes";
+  expect_independent_neighbours(cell_of, cells(law, 1));
 }
 
 } // namespace hvl::streams::test

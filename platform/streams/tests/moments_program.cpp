@@ -1,89 +1,33 @@
-// streams_moments [N]: mean and variance of N values (10^9 unless told) of every distribution that has them, on both
-// sides of every switch of method, as distances from the exact ones in standard errors. The verdict of one comparison is
-// wrong with probability 1e-8.
+// streams_moments [N [NAME]]: mean and variance of N values (10^9 unless told) of every distribution that has them, or of
+// the one with that name, on both sides of every switch of method, as distances from the exact ones in standard errors. Of
+// N vectors it is the components', the farthest one's, and their covariances. The verdict of one comparison is wrong with
+// probability 1e-8.
 #include <boost/math/distributions.hpp>
 
+#include <array>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
 #include <limits>
-#include <string>
-#include <vector>
 
-#include "support.hpp"
+#include "moments_table.hpp"
 
 namespace hvl::streams::test {
 namespace {
 
 namespace bm = boost::math;
 
-struct moments {
-  double mean, variance, kurtosis_excess;
-};
-
 template <class Law>
 moments of(const Law& law) {
   return {mean(law), variance(law), kurtosis_excess(law)};
 }
 
-// scale * law + displacement
-moments moved(const moments& m, double displacement, double scale) {
-  return {displacement + scale * m.mean, scale * scale * m.variance, m.kurtosis_excess};
+// In float u is 0 for 65 words of 2^32 and 1 for 191, and its logarithm then that of the smallest positive number: `end` where
+// all else ends near 17. Of so many words the values, which have these second and fourth moments, count here.
+constexpr double end = 103.279;
+moments with_end(const moments& m, double words, double second, double fourth) {
+  const double share = words * 0x1p-32, variance = m.variance + share * second;
+  const double fourth_of_all = (m.kurtosis_excess + 3) * m.variance * m.variance + share * fourth;
+  return {m.mean, variance, fourth_of_all / (variance * variance) - 3};
 }
-
-class table {
- public:
-  explicit table(std::int64_t n) : n_(n) { std::printf("%-44s %10s %10s\n", "", "mean", "variance"); }
-
-  template <class T, class... P, class... Q>
-  void row(const char* name, const moments& exact,
-           int (*function)(std::int64_t, vqs_stream, std::int64_t, T*, P...), std::int64_t method,
-           Q... parameters) {
-    constexpr std::size_t piece = std::size_t{1} << 22;
-    const owned_stream stream(VQS_ENGINE_PHILOX4X32X10);
-    std::vector<T> values(piece);
-    double first = 0, second = 0;
-    for (std::int64_t left = n_; left > 0;) {
-      const std::int64_t count = std::min<std::int64_t>(left, piece);
-      if (function(method, stream, count, values.data(), static_cast<P>(parameters)...) != VQS_STATUS_OK)
-        std::abort();
-      double sum = 0, squares = 0;
-      for (std::int64_t i = 0; i < count; ++i) {
-        const double d = static_cast<double>(values[static_cast<std::size_t>(i)]) - exact.mean;
-        sum += d;
-        squares += d * d;
-      }
-      first += sum;
-      second += squares;
-      left -= count;
-    }
-    const auto n = static_cast<double>(n_);
-    const double mean_errors = first / std::sqrt(n * exact.variance);
-    const double variance_errors =
-        (second / n - exact.variance) / (exact.variance * std::sqrt((exact.kurtosis_excess + 2) / n));
-    const double limit = bm::quantile(bm::complement(bm::normal(), 1e-8 / 2));
-    const bool fits = std::abs(mean_errors) < limit && std::abs(variance_errors) < limit;
-    std::string text = std::string(name) + " (";
-    ((text += text.back() == '(' ? number(parameters) : ", " + number(parameters)), ...);
-    text += std::is_same_v<T, float> ? "), float" : ")";
-    std::printf("%-44s %10.2f %10.2f%s\n", text.c_str(), mean_errors, variance_errors, fits ? "" : "  WRONG");
-    std::fflush(stdout);
-    all_fit_ = all_fit_ && fits;
-  }
-
-  bool all_fit() const { return all_fit_; }
-
- private:
-  static std::string number(double x) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.10g", x);
-    return text;
-  }
-
-  std::int64_t n_;
-  bool all_fit_ = true;
-};
 
 void continuous(table& t) {
   const moments unit = of(bm::normal());
@@ -96,22 +40,30 @@ void continuous(table& t) {
   t.row("gaussian box_muller2", moved(unit, 0.5, 2), vdRngGaussian_64, VQS_METHOD_GAUSSIAN_BOX_MULLER2, 0.5,
         2);
   t.row("gaussian icdf", moved(unit, 0.5, 2), vdRngGaussian_64, VQS_METHOD_GAUSSIAN_ICDF, 0.5, 2);
-  t.row("lognormal", moved(of(bm::lognormal(1, 0.5)), 0.5, 2), vsRngLognormal_64, 0, 1, 0.5, 0.5, 2);
+  const double radius = std::sqrt(2 * end); // Box and Muller's, with any angle
+  const moments lognormal =
+      with_end(of(bm::lognormal(1, 0.5)), 65, std::exp(2) * std::cyl_bessel_i(0, radius),
+               std::exp(4) * std::cyl_bessel_i(0, 2 * radius));
+  t.row("lognormal", moved(lognormal, 0.5, 2), vsRngLognormal_64, 0, 1, 0.5, 0.5, 2);
   t.row("lognormal", moved(of(bm::lognormal(1, 0.5)), 0.5, 2), vdRngLognormal_64, 0, 1, 0.5, 0.5, 2);
-  t.row("exponential", moved(of(bm::exponential()), 0.5, 2), vsRngExponential_64, 0, 0.5, 2);
+  t.row("exponential", moved(with_end(of(bm::exponential()), 65, end * end, std::pow(end, 4)), 0.5, 2),
+        vsRngExponential_64, 0, 0.5, 2);
   t.row("exponential", moved(of(bm::exponential()), 0.5, 2), vdRngExponential_64, 0, 0.5, 2);
   t.row("laplace", moved(of(bm::laplace()), 0.5, 2), vsRngLaplace_64, 0, 0.5, 2);
   t.row("laplace", moved(of(bm::laplace()), 0.5, 2), vdRngLaplace_64, 0, 0.5, 2);
   for (const double shape : {0.75, 1.0, 3.5}) {
-    t.row("weibull", moved(of(bm::weibull(shape)), 0.5, 2), vsRngWeibull_64, 0, shape, 0.5, 2);
+    const double greatest = std::pow(end, 1 / shape);
+    t.row("weibull",
+          moved(with_end(of(bm::weibull(shape)), 65, std::pow(greatest, 2), std::pow(greatest, 4)), 0.5, 2),
+          vsRngWeibull_64, 0, shape, 0.5, 2);
     t.row("weibull", moved(of(bm::weibull(shape)), 0.5, 2), vdRngWeibull_64, 0, shape, 0.5, 2);
   }
   t.row("rayleigh", moved(of(bm::rayleigh(std::sqrt(0.5))), 0.5, 2), vsRngRayleigh_64, 0, 0.5, 2);
   t.row("rayleigh", moved(of(bm::rayleigh(std::sqrt(0.5))), 0.5, 2), vdRngRayleigh_64, 0, 0.5, 2);
-  const moments gumbel =
-      moved(of(bm::extreme_value()), 0.5, -2); // the least of many, Boost's is the greatest
-  t.row("gumbel", gumbel, vsRngGumbel_64, 0, 0.5, 2);
-  t.row("gumbel", gumbel, vdRngGumbel_64, 0, 0.5, 2);
+  const moments least = moved(of(bm::extreme_value()), 0, -1); // Boost's is the greatest of many
+  t.row("gumbel", moved(with_end(least, 191, end * end, std::pow(end, 4)), 0.5, 2), vsRngGumbel_64, 0, 0.5,
+        2);
+  t.row("gumbel", moved(least, 0.5, 2), vdRngGumbel_64, 0, 0.5, 2);
   for (const double shape : {0.001, 0.25, 0.96875, 1.0, 1.03125, 2.5, 100.0, 1e6}) {
     const moments exact = moved(of(bm::gamma_distribution<>(shape)), 0, 2);
     if (shape == static_cast<double>(static_cast<float>(shape)))
@@ -163,17 +115,87 @@ void discrete(table& t) {
     t.row("negative_binomial", of(bm::negative_binomial(a, p)), viRngNegbinomial_64, 0, a, p);
 }
 
+// Of components with the covariance T T', T packed by rows.
+template <class T, class Function>
+void gaussian_vectors(table& t, Function function) {
+  static constexpr T a[] = {0.5, -2, 0}, factor[] = {2, -1, 0.5, 0.25, 1.5, 0.125};
+  const auto covariance = [](std::size_t k, std::size_t j) {
+    double sum = 0;
+    for (std::size_t i = 0; i <= std::min(k, j); ++i)
+      sum += static_cast<double>(factor[k * (k + 1) / 2 + i] * factor[j * (j + 1) / 2 + i]);
+    return sum;
+  };
+  const auto fourth = [=](std::size_t k, std::size_t j) {
+    return covariance(k, k) * covariance(j, j) + 2 * covariance(k, j) * covariance(k, j);
+  };
+  t.row<T>("gaussian_mv", std::array{3.0}, {{a[0], a[1], a[2]}, covariance, fourth},
+           [=](vqs_stream s, std::int64_t n, T* r) { return function(0, s, n, r, 3, 1, a, factor); });
+}
+
+// A sum of independent trials, each of which has one outcome.
+void multinomial(table& t, std::int32_t trials, const std::vector<double>& p) {
+  const auto one = [=](std::size_t k, std::size_t j) { return k == j ? p[k] * (1 - p[k]) : -p[k] * p[j]; };
+  const auto fourth_of_one = [=](std::size_t k, std::size_t j) {
+    double sum = 0;
+    for (std::size_t i = 0; i < p.size(); ++i)
+      sum += p[i] * std::pow((i == k) - p[k], 2) * std::pow((i == j) - p[j], 2);
+    return sum;
+  };
+  const double n = trials;
+  joint_moments exact;
+  std::vector<double> parameters = {n};
+  for (const double of_outcome : p) {
+    exact.mean.push_back(n * of_outcome);
+    parameters.push_back(of_outcome);
+  }
+  exact.covariance = [=](std::size_t k, std::size_t j) { return n * one(k, j); };
+  exact.fourth = [=](std::size_t k, std::size_t j) {
+    return n * fourth_of_one(k, j) + n * (n - 1) * (one(k, k) * one(j, j) + 2 * one(k, j) * one(k, j));
+  };
+  t.row<std::int32_t>(
+      "multinomial", parameters, exact, [=](vqs_stream s, std::int64_t count, std::int32_t* r) {
+        return viRngMultinomial_64(0, s, count, r, trials, static_cast<std::int32_t>(p.size()), p.data());
+      });
+}
+
+// Neighbours as components, which are independent.
+void poisson_of_means(table& t, const std::vector<double>& means) {
+  const auto covariance = [=](std::size_t k, std::size_t j) { return k == j ? means[k] : 0; };
+  const auto fourth = [=](std::size_t k, std::size_t j) {
+    return k == j ? means[k] * (1 + 3 * means[k]) : means[k] * means[j];
+  };
+  t.row<std::int32_t>(
+      "poisson_v", means, {means, covariance, fourth},
+      [=, all = std::vector<double>()](vqs_stream s, std::int64_t n, std::int32_t* r) mutable {
+        const auto values = static_cast<std::size_t>(n) * means.size();
+        while (all.size() < values)
+          all.insert(all.end(), means.begin(), means.end());
+        return viRngPoissonV_64(0, s, static_cast<std::int64_t>(values), r, all.data());
+      });
+}
+
+void vectors(table& t) {
+  gaussian_vectors<float>(t, vsRngGaussianMV_64);
+  gaussian_vectors<double>(t, vdRngGaussianMV_64);
+  multinomial(t, 20, {0.1, 0.2, 0.3, 0.4});
+  multinomial(t, 1000, {0.01, 0.6, 0.014, 0.376});
+  multinomial(t, 1'000'000'000, {1e-9, 0.3, 0.2, 0.5 - 1e-9});
+  poisson_of_means(t, {0.001, 0.5, 9.5});
+  poisson_of_means(t, {10, 300, 1e8});
+}
+
 } // namespace
 } // namespace hvl::streams::test
 
 int main(int count, char** arguments) {
   const double n = count > 1 ? std::strtod(arguments[1], nullptr) : 1e9;
   if (!(n >= 1000 && n <= 1e12)) {
-    std::fprintf(stderr, "usage: streams_moments [N], with N from 1000 to 1e12\n");
+    std::fprintf(stderr, "usage: streams_moments [N [NAME]], with N from 1000 to 1e12\n");
     return 2;
   }
-  hvl::streams::test::table table(static_cast<std::int64_t>(n));
+  hvl::streams::test::table table(static_cast<std::int64_t>(n), count > 2 ? arguments[2] : "");
   hvl::streams::test::continuous(table);
   hvl::streams::test::discrete(table);
+  hvl::streams::test::vectors(table);
   return table.all_fit() ? 0 : 1;
 }

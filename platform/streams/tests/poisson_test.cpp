@@ -15,14 +15,6 @@ namespace {
 constexpr double switched = 1048576;
 constexpr std::int32_t greatest = std::numeric_limits<std::int32_t>::max();
 
-// So many values, each with the mean.
-generator poisson_v(double mean) {
-  return [=](vqs_stream s, std::int64_t n, std::int32_t* r) {
-    const std::vector<double> means(static_cast<std::size_t>(n) + 1, mean);
-    return viRngPoissonV_64(0, s, n, r, means.data());
-  };
-}
-
 void check_poisson(std::int32_t engine, std::size_t n, double mean, const generator& generate) {
   SCOPED_TRACE(testing::Message() << "mean " << mean);
   const double deviation = std::sqrt(mean);

@@ -27,6 +27,23 @@ class positions : public ::testing::Test {
       }
       expect_equal(actual, owned_stream(stream).skip(4 * block).bits(actual.size()));
     }
+    if constexpr (requires { Engine::leap_of(state, 1); })
+      check_leaps(state);
+  }
+
+  // A leap from a block passes over as many as it says, whatever their number is.
+  static void check_leaps(const typename Engine::state& state) {
+    for (const std::uint64_t blocks : {0ull, 1ull, 64ull, 1ull << 33, (1ull << 60) + 7}) {
+      SCOPED_TRACE("a leap of " + std::to_string(blocks));
+      const auto leap = Engine::leap_of(state, blocks);
+      auto cursor = Engine::at(state, 5), expected = Engine::at(state, 5 + 2 * blocks);
+      cursor.pass(leap);
+      cursor.pass(leap);
+      typename Engine::word words[4], expected_words[4];
+      cursor.next(words);
+      expected.next(expected_words);
+      expect_equal(std::vector(words, words + 4), std::vector(expected_words, expected_words + 4));
+    }
   }
 };
 using position_types =

@@ -1,5 +1,5 @@
-// The continuous distributions against their exact distribution functions: fit, moments and tails. Each test of fit is
-// shown to reject the same values with a scale that is 1 % too great.
+// The continuous distributions against their exact distribution functions: fit, moments and tails, and neighbouring values
+// against each other. Each test of fit is shown to reject the same values with a scale that is 1 % too great.
 #include <boost/math/distributions/beta.hpp>
 #include <boost/math/distributions/cauchy.hpp>
 #include <boost/math/distributions/exponential.hpp>
@@ -78,6 +78,7 @@ const std::map<std::string, exact_distribution>& exact_distributions() {
         {"gamma", with_moments(bm::gamma_distribution<double>(1.7), third, half)},
         {"gamma_below_one", with_moments(bm::gamma_distribution<double>(0.9), third, half)},
         {"gamma_large", with_moments(bm::gamma_distribution<double>(100), third, half)},
+        {"chi_square", with_moments(bm::chi_squared(5), 0, 1)},
         {"cauchy", {[=](double p) { return bm::quantile(cauchy, p); }, std::nullopt, third, half}}};
   }();
   return all;
@@ -170,6 +171,11 @@ void check_fit(std::int32_t engine, const member<T>& m, std::size_t n) {
   }
   if (n >= std::size_t{1} << 22) {
     EXPECT_GT(fit(x, bins, 1.01), critical_chi_square(bins.count())) << "a wrong scale passes";
+    const equal_bins wide(e.quantile, 8);
+    std::vector<std::uint32_t> cells;
+    for (std::size_t i = 0; i < x.size() / 4; ++i)
+      cells.push_back(static_cast<std::uint32_t>(wide(x[i])));
+    expect_independent_neighbours(cells, std::vector<double>(8, 1.0 / 8));
   }
 }
 

@@ -94,18 +94,11 @@ class accessor : public detail::element_access<std::remove_const_t<T>, detail::s
       : accessor(from, no_handler, box, offset, tags...) {}
 
   /// A reading accessor of the same request.
-  template <access_mode M = Mode, std::enable_if_t<M != access_mode::read, int> = 0>
-  operator accessor<const plain, Dimensions, access_mode::read, Target, IsPlaceholder>() const {
-    accessor<const plain, Dimensions, access_mode::read, Target, IsPlaceholder> other;
-    other.data_ = this->data_;
-    other.memory_ = this->memory_;
-    other.memory_range_ = this->memory_range_;
-    other.range_ = this->range_;
-    other.offset_ = this->offset_;
-    other.no_init_ = this->no_init_;
-    other.placeholder_ = placeholder_;
-    return other;
-  }
+  template <
+      class U, access_mode M,
+      class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain> && detail::reads_as<M, Mode>>>
+  accessor(const accessor<U, Dimensions, M, Target, IsPlaceholder>& other)
+      : base(other), placeholder_(other.placeholder_) {}
 
   /// Of 0 dimensions: the one element.
   template <int N = Dimensions, std::enable_if_t<N == 0, int> = 0>
@@ -127,7 +120,6 @@ class accessor : public detail::element_access<std::remove_const_t<T>, detail::s
   template <class, int, access_mode, target, access::placeholder>
   friend class accessor;
   friend class handler;
-  friend struct std::hash<accessor>;
 
   template <class U, class A, class... Tags>
   accessor(buffer<U, shape, A>& from, handler* commands, const range<shape>& box, const id<shape>& offset,
@@ -212,8 +204,4 @@ auto buffer<T, Dimensions, AllocatorT>::get_access(handler& commands, Args... ar
 } // namespace sycl
 
 template <class T, int Dimensions, sycl::access_mode Mode, sycl::target Target, sycl::access::placeholder P>
-struct std::hash<sycl::accessor<T, Dimensions, Mode, Target, P>> {
-  std::size_t operator()(const sycl::accessor<T, Dimensions, Mode, Target, P>& a) const noexcept {
-    return std::hash<const void*>{}(a.memory_) ^ std::hash<const void*>{}(a.data_);
-  }
-};
+struct std::hash<sycl::accessor<T, Dimensions, Mode, Target, P>> : sycl::detail::element_hash {};

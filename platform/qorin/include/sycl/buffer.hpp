@@ -205,12 +205,19 @@ class buffer : public detail::handle<buffer<T, Dimensions, AllocatorT>, detail::
   /// a weak pointer, which counts when its object is still there.
   template <class Destination = std::nullptr_t>
   void set_final_data(Destination destination = nullptr) {
+    if constexpr (std::is_pointer_v<Destination>)
+      if (destination == nullptr)
+        return set_final_data();
     if constexpr (std::is_null_pointer_v<Destination>)
       memory().set_final_copy({});
     else
       memory().set_final_copy([destination, count = size()](const void* from) mutable {
         copy_to(destination, static_cast<const plain*>(from), count);
       });
+  }
+  template <class U>
+  void set_final_data(const std::shared_ptr<U>& destination) {
+    set_final_data(std::weak_ptr<U>(destination));
   }
   void set_write_back(bool enabled = true) { memory().set_write_back(enabled); }
 

@@ -40,6 +40,12 @@ class host_accessor : public detail::element_access<std::remove_const_t<T>, deta
                   "a tag of another mode, or an argument that host accessors do not take");
   }
 
+  /// A reading accessor of the same request.
+  template <
+      class U, access_mode M,
+      class = std::enable_if_t<std::is_same_v<std::remove_const_t<U>, plain> && detail::reads_as<M, Mode>>>
+  host_accessor(const host_accessor<U, Dimensions, M>& other) : base(other), hold_(other.hold_) {}
+
   /// Of 0 dimensions: the one element.
   template <int N = Dimensions, std::enable_if_t<N == 0, int> = 0>
   const host_accessor& operator=(const value_type& value) const {
@@ -51,6 +57,9 @@ class host_accessor : public detail::element_access<std::remove_const_t<T>, deta
   void swap(host_accessor& other) { std::swap(*this, other); }
 
  private:
+  template <class, int, access_mode>
+  friend class host_accessor;
+
   std::shared_ptr<void> hold_;
 };
 
@@ -88,3 +97,6 @@ auto buffer<T, Dimensions, AllocatorT>::get_access(range<Dimensions> extent, id<
 }
 
 } // namespace sycl
+
+template <class T, int Dimensions, sycl::access_mode Mode>
+struct std::hash<sycl::host_accessor<T, Dimensions, Mode>> : sycl::detail::element_hash {};

@@ -179,8 +179,9 @@ constexpr multi_ptr<ElementType, Space, DecorateAddress> address_space_cast(Elem
   return multi_ptr<ElementType, Space, DecorateAddress>(pointer);
 }
 
+// Where the standard's default is the deprecated kind, it is `no` here.
 #define QORIN_POINTER_ALIASES(name, space)                                                                   \
-  template <typename ElementType, access::decorated IsDecorated>                                             \
+  template <typename ElementType, access::decorated IsDecorated = access::decorated::no>                     \
   using name = multi_ptr<ElementType, access::address_space::space, IsDecorated>;                            \
   template <typename ElementType>                                                                            \
   using raw_##name = multi_ptr<ElementType, access::address_space::space, access::decorated::no>;            \

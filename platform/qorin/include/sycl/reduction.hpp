@@ -14,30 +14,35 @@
 
 namespace sycl {
 
-/// Where a kernel leaves its contributions to one reduction: of a variable, or of each element of a span.
+/// Where a kernel leaves its contributions to one reduction: of a variable or, in one dimension, of the elements of a
+/// span, each of which has a reducer.
 template <class T, class BinaryOperation, int Dimensions = 0, std::size_t Extent = 1>
-class reducer;
-
-template <class T, class BinaryOperation>
-class reducer<T, BinaryOperation, 0, 1> {
+class reducer {
  public:
   using value_type = T;
   using binary_operation = BinaryOperation;
-  static constexpr int dimensions = 0;
+  static constexpr int dimensions = Dimensions;
 
-  reducer(T* partial, const T& identity, const BinaryOperation& operation)
-      : partial_(partial), identity_(identity), operation_(operation) {}
+  reducer(T* partials, const T& identity, const BinaryOperation& operation)
+      : partials_(partials), identity_(identity), operation_(operation) {}
   reducer(const reducer&) = delete;
   reducer& operator=(const reducer&) = delete;
 
-  reducer& combine(const T& value) {
-    *partial_ = static_cast<T>(operation_(*partial_, value));
-    return *this;
-  }
   T identity() const { return identity_; }
 
+  template <int N = Dimensions, std::enable_if_t<N == 1, int> = 0>
+  reducer<T, BinaryOperation> operator[](id<1> index) {
+    return {partials_ + index[0], identity_, operation_};
+  }
+
+  template <int N = Dimensions, std::enable_if_t<N == 0, int> = 0>
+  reducer& combine(const T& value) {
+    *partials_ = static_cast<T>(operation_(*partials_, value));
+    return *this;
+  }
 #define QORIN_REDUCER_OPERATOR(op, object)                                                                   \
-  template <class Op = BinaryOperation, std::enable_if_t<detail::is_operator<object, Op, T>, int> = 0>       \
+  template <class Op = BinaryOperation,                                                                      \
+            std::enable_if_t<Dimensions == 0 && detail::is_operator<object, Op, T>, int> = 0>                \
   reducer& operator op(const T& value) {                                                                     \
     return combine(value);                                                                                   \
   }
@@ -47,34 +52,11 @@ class reducer<T, BinaryOperation, 0, 1> {
   QORIN_REDUCER_OPERATOR(|=, bit_or)
   QORIN_REDUCER_OPERATOR(^=, bit_xor)
 #undef QORIN_REDUCER_OPERATOR
-  template <class Op = BinaryOperation, std::enable_if_t<detail::is_operator<plus, Op, T>, int> = 0>
+  template <class Op = BinaryOperation,
+            std::enable_if_t<Dimensions == 0 && detail::is_operator<plus, Op, T>, int> = 0>
   reducer& operator++() {
     return combine(T(1));
   }
-
- private:
-  T* partial_;
-  T identity_;
-  BinaryOperation operation_;
-};
-
-template <class T, class BinaryOperation, std::size_t Extent>
-class reducer<T, BinaryOperation, 1, Extent> {
- public:
-  using value_type = T;
-  using binary_operation = BinaryOperation;
-  static constexpr int dimensions = 1;
-
-  reducer(T* partials, const T& identity, const BinaryOperation& operation)
-      : partials_(partials), identity_(identity), operation_(operation) {}
-  reducer(const reducer&) = delete;
-  reducer& operator=(const reducer&) = delete;
-
-  /// The reducer of one element.
-  reducer<T, BinaryOperation> operator[](id<1> index) {
-    return {partials_ + index[0], identity_, operation_};
-  }
-  T identity() const { return identity_; }
 
  private:
   T* partials_;
@@ -243,8 +225,8 @@ auto buffer_reduction(Buffer& variable, handler& commands, typename Buffer::valu
 
 } // namespace detail
 
-/// The result goes to `*variable`, or to each element of a span of fixed extent, combined with its old value. Without an identity one must be known for the
-/// operation.
+/// The result goes to `*variable`, or to each element of a span of fixed extent, combined with its old value. Without an
+/// identity one must be known for the operation.
 template <class T, class BinaryOperation>
 auto reduction(T* variable, const std::common_type_t<T>& identity, BinaryOperation operation,
                const property_list& properties = {}) {

@@ -15,6 +15,7 @@ TEST(multi_ptr, is_a_random_access_pointer) {
   int array[5] = {0, 1, 2, 3, 4};
   auto pointer = sycl::address_space_cast<address_space::global_space, decorated::no>(array + 1);
   static_assert(std::is_same_v<decltype(pointer), sycl::raw_global_ptr<int>>);
+  static_assert(std::is_same_v<sycl::global_ptr<int>, sycl::raw_global_ptr<int>>);
   EXPECT_EQ(*pointer, 1);
   EXPECT_EQ(pointer[-1], 0);
   EXPECT_EQ(*pointer++, 1);

@@ -10,8 +10,8 @@ endings seen(const std::string& ending, int runs) {
 }
 
 TEST(exit, leaves_work_in_flight_behind) {
-  for (const char* ending :
-       {"return_cpu", "return_gpu", "exit_elsewhere", "exit_in_a_task", "exit_in_a_kernel"})
+  for (const char* ending : {"return_cpu", "return_gpu", "exit_elsewhere", "exit_in_a_task",
+                             "exit_in_a_kernel", "exit_in_a_range"})
     EXPECT_EQ(seen(ending, 40), (endings{{"0: buffered", 40}})) << ending;
   EXPECT_EQ(seen("quick_exit", 20), (endings{{"0: buffered", 20}}));
 }

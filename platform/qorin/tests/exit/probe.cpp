@@ -60,6 +60,20 @@ void exit_in_a_kernel() {
   std::_Exit(4);
 }
 
+/// Where it can only be in a part of a launch that another thread took over.
+void exit_in_a_range() {
+  static sycl::queue q;
+  static std::atomic<std::thread::id> launching;
+  q.parallel_for(1 << 20, [](sycl::id<1> i) {
+     if (i == 0)
+       launching = std::this_thread::get_id();
+     for (int spin = 0; spin < 10000; ++spin)
+       if (launching != std::this_thread::get_id())
+         std::exit(0);
+   }).wait();
+  std::_Exit(4);
+}
+
 /// Two tasks cannot end: the first waits for what comes too late, the other for the first. The third must not start.
 void blocked() {
   static sycl::queue q;
@@ -137,6 +151,7 @@ const std::map<std::string, void (*)()> kinds = {
     {"exit_elsewhere", exit_elsewhere},
     {"exit_in_a_task", exit_in_a_task},
     {"exit_in_a_kernel", exit_in_a_kernel},
+    {"exit_in_a_range", exit_in_a_range},
     {"blocked", blocked},
     {"waited_for_at_the_end", waited_for_at_the_end},
     {"joined_at_the_end", joined_at_the_end},

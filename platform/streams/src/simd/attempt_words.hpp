@@ -16,10 +16,14 @@ HWY_INLINE std::uint64_t own_pair(const Word* group) {
   return raw(group[0]) | std::uint64_t{raw(group[1])} << 32;
 }
 
-// Of groups of two words, a pair to a lane: the first two words of attempt_words, the first one low. The multiply reads
-// only the low half of a lane, so what stands in the other does not matter before the end.
-HWY_INLINE vector<std::uint64_t> attempt_word_pairs(vector<std::uint64_t> own, std::uint32_t attempt,
-                                                    std::uint32_t distribution) {
+struct attempt_pairs {
+  vector<std::uint64_t> first, second;
+};
+
+// Of groups of two words, a pair to a lane: the words of attempt_words in pairs, the first one of each low. The multiply
+// reads only the low half of a lane, so what stands in the other does not matter before the end.
+HWY_INLINE attempt_pairs attempt_word_pairs(vector<std::uint64_t> own, std::uint32_t attempt,
+                                            std::uint32_t distribution) {
   const vector_tag<std::uint64_t> d;
   const vector_tag<std::uint32_t> d32;
   const auto product = [&](vector<std::uint64_t> x, std::uint32_t multiplier) HVL_STREAMS_INLINE_LAMBDA {
@@ -38,8 +42,12 @@ HWY_INLINE vector<std::uint64_t> attempt_word_pairs(vector<std::uint64_t> own, s
     key0 += math::philox_bump0;
     key1 += math::philox_bump1;
   }
-  const auto low = hn::And(hn::Xor(x1, hn::Set(d, key0)), hn::Set(d, 0xFFFFFFFFu));
-  return hn::Xor(hn::RotateRight<32>(product(x2, math::philox_multiplier1)), low);
+  const auto pair = [&](vector<std::uint64_t> p, vector<std::uint64_t> x,
+                        std::uint32_t key) HVL_STREAMS_INLINE_LAMBDA {
+    return hn::Xor(hn::RotateRight<32>(p), hn::And(hn::Xor(x, hn::Set(d, key)), hn::Set(d, 0xFFFFFFFFu)));
+  };
+  return {pair(product(x2, math::philox_multiplier1), x1, key0),
+          pair(product(x0, math::philox_multiplier0), x3, key1)};
 }
 
 #endif

@@ -80,7 +80,7 @@ class beta_chunk {
       alignas(vector_alignment) std::uint64_t own[width] = {};
       for (std::size_t k = 0; k < HWY_MIN(width, open - first); ++k)
         own[k] = own_pair(words_ + 2 * place_[first + k]);
-      hn::Store(attempt_word_pairs(hn::Load(d, own), attempt, math::beta_hash_key), d, hashed_ + first);
+      hn::Store(attempt_word_pairs(hn::Load(d, own), attempt, math::beta_hash_key).first, d, hashed_ + first);
     }
     attempts<word_kind::signed32>(hashed_, made_, open, hash_unit, p_.constants);
     std::size_t kept = 0;

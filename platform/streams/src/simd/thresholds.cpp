@@ -39,9 +39,10 @@ HVL_MATH_INLINE std::int32_t guided_value(const threshold_parameters& p, const w
   return value_behind(t, math::thresholds_passed_from(t.upper, passed, uniform_of<Kind>(p, pair)));
 }
 
+// Inlined, as compilers leave the upper halves of vector registers in use where a call is a function's last act.
 template <word_kind Kind>
-void one_by_one(const threshold_parameters& p, const word_of<Kind>* words, std::int32_t* values,
-                std::size_t count) noexcept {
+HVL_MATH_INLINE void one_by_one(const threshold_parameters& p, const word_of<Kind>* words,
+                                std::int32_t* values, std::size_t count) noexcept {
   const vqs_thresholds& t = p.table;
   if (t.low != nullptr)
     for (std::size_t i = 0; i < count; ++i)

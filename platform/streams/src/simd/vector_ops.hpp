@@ -56,8 +56,20 @@ struct vector_basics {
 
 template <>
 struct vector_ops<double> : vector_basics<double, std::uint64_t> {
+  // 8 or 32 numbers fit registers, which are faster than a gather; of a longer table the first 32 serve most vectors
   template <std::size_t N>
   static HWY_INLINE value lookup(const double (&table)[N], word index) {
+#if HWY_TARGET <= HWY_AVX3
+    if constexpr (N == 8) {
+      return value{_mm512_permutexvar_pd(index.raw, _mm512_loadu_pd(table))};
+    } else if (N >= 32 && HWY_LIKELY(hn::AllTrue(vector_tag<std::uint64_t>(), hn::Lt(index, set_word(32))))) {
+      const auto half = [&](std::size_t i) {
+        return _mm512_permutex2var_pd(_mm512_loadu_pd(table + i), index.raw, _mm512_loadu_pd(table + i + 8));
+      };
+      return value{
+          _mm512_mask_mov_pd(half(0), _mm512_test_epi64_mask(index.raw, _mm512_set1_epi64(16)), half(16))};
+    }
+#endif
     return hn::GatherIndex(vector_tag<double>(), table, hn::BitCast(vector_tag<std::int64_t>(), index));
   }
 };

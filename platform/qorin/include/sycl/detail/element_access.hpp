@@ -87,24 +87,55 @@ class box_iterator {
   std::size_t position_ = 0;
 };
 
-/// What accessors and host accessors share: the elements and the box of them that may be used.
-template <class T, int Dimensions, access_mode Mode>
-class element_access {
+/// What every accessor says of its elements. Derived makes an iterator at a position.
+template <class Derived, class T, class Iterator, class ConstIterator>
+class element_sequence {
  public:
-  using value_type = std::conditional_t<Mode == access_mode::read, const T, T>;
-  using reference = value_type&;
+  using value_type = T;
+  using reference = T&;
   using const_reference = const T&;
   using size_type = std::size_t;
   using difference_type = std::ptrdiff_t;
-  using iterator = std::conditional_t<Dimensions == 1, value_type*, box_iterator<value_type, Dimensions>>;
-  using const_iterator = std::conditional_t<Dimensions == 1, const T*, box_iterator<const T, Dimensions>>;
+  using iterator = Iterator;
+  using const_iterator = ConstIterator;
   using reverse_iterator = std::reverse_iterator<iterator>;
   using const_reverse_iterator = std::reverse_iterator<const_iterator>;
 
   std::size_t byte_size() const noexcept { return size() * sizeof(T); }
-  std::size_t size() const noexcept { return range_.size(); }
+  std::size_t size() const noexcept { return self().get_range().size(); }
   std::size_t max_size() const noexcept { return static_cast<std::size_t>(-1) / sizeof(T); }
   bool empty() const noexcept { return size() == 0; }
+
+  iterator begin() const noexcept { return self().template iterate<iterator>(0); }
+  iterator end() const noexcept { return self().template iterate<iterator>(size()); }
+  const_iterator cbegin() const noexcept { return self().template iterate<const_iterator>(0); }
+  const_iterator cend() const noexcept { return self().template iterate<const_iterator>(size()); }
+
+  reverse_iterator rbegin() const noexcept { return reverse_iterator(end()); }
+  reverse_iterator rend() const noexcept { return reverse_iterator(begin()); }
+  const_reverse_iterator crbegin() const noexcept { return const_reverse_iterator(cend()); }
+  const_reverse_iterator crend() const noexcept { return const_reverse_iterator(cbegin()); }
+
+ private:
+  const Derived& self() const noexcept { return static_cast<const Derived&>(*this); }
+};
+
+template <class T, access_mode Mode>
+using accessed = std::conditional_t<Mode == access_mode::read, const T, T>;
+template <class T, int Dimensions>
+using element_iterator = std::conditional_t<Dimensions == 1, T*, box_iterator<T, Dimensions>>;
+
+/// What accessors and host accessors share: the elements and the box of them that may be used.
+template <class T, int Dimensions, access_mode Mode>
+class element_access : public element_sequence<element_access<T, Dimensions, Mode>, accessed<T, Mode>,
+                                               element_iterator<accessed<T, Mode>, Dimensions>,
+                                               element_iterator<const T, Dimensions>> {
+  using sequence = typename element_access::element_sequence;
+
+ public:
+  using typename sequence::reference;
+  using typename sequence::value_type;
+
   range<Dimensions> get_range() const { return range_; }
   id<Dimensions> get_offset() const { return offset_; }
 
@@ -113,16 +144,6 @@ class element_access {
   auto operator[](std::size_t index) const {
     return partial_subscript<value_type, Dimensions, Dimensions>(data_, memory_range_)[index];
   }
-
-  iterator begin() const noexcept { return iterate<iterator>(0); }
-  iterator end() const noexcept { return iterate<iterator>(size()); }
-  const_iterator cbegin() const noexcept { return iterate<const_iterator>(0); }
-  const_iterator cend() const noexcept { return iterate<const_iterator>(size()); }
-
-  reverse_iterator rbegin() const noexcept { return reverse_iterator(end()); }
-  reverse_iterator rend() const noexcept { return reverse_iterator(begin()); }
-  const_reverse_iterator crbegin() const noexcept { return const_reverse_iterator(cend()); }
-  const_reverse_iterator crend() const noexcept { return const_reverse_iterator(cbegin()); }
 
   template <class Property>
   bool has_property() const noexcept {
@@ -144,12 +165,20 @@ class element_access {
   element_access(buffer_state& memory, std::size_t first, const range<Dimensions>& memory_range,
                  const range<Dimensions>& box, const id<Dimensions>& offset, bool no_init)
       : memory_(&memory), memory_range_(memory_range), range_(box), offset_(offset), no_init_(no_init) {
+    if (Mode == access_mode::read && no_init)
+      throw exception(make_error_code(errc::invalid), "no_init, and an accessor that reads");
     for (int d = 0; d < Dimensions; ++d)
       if (offset[d] > memory_range[d] || box[d] > memory_range[d] - offset[d])
         throw exception(make_error_code(errc::invalid), "an accessor reaches beyond its buffer");
     if (memory_range.size() > 0)
       data_ = static_cast<value_type*>(memory.data()) + first + detail::linear(offset, memory_range);
   }
+
+  /// The same request, of which only reading is used.
+  template <access_mode Other>
+  explicit element_access(const element_access<T, Dimensions, Other>& other)
+      : data_(other.data_), memory_(other.memory_), memory_range_(other.memory_range_), range_(other.range_),
+        offset_(other.offset_), no_init_(other.no_init_) {}
 
   /// The first element of the buffer, even where the accessor's box starts later.
   value_type* buffer_data() const {
@@ -164,6 +193,11 @@ class element_access {
   bool no_init_ = false;
 
  private:
+  template <class, int, access_mode>
+  friend class element_access;
+  friend sequence;
+  friend struct element_hash;
+
   template <class Iterator>
   Iterator iterate(std::size_t position) const noexcept {
     if constexpr (Dimensions == 1)
@@ -172,6 +206,17 @@ class element_access {
       return Iterator(data_, memory_range_, range_, position);
   }
 };
+
+struct element_hash {
+  template <class T, int Dimensions, access_mode Mode>
+  std::size_t operator()(const element_access<T, Dimensions, Mode>& a) const noexcept {
+    return std::hash<const void*>{}(a.memory_) ^ std::hash<const void*>{}(a.data_);
+  }
+};
+
+/// Whether an accessor of mode From stands for a reading one too.
+template <access_mode From, access_mode To>
+inline constexpr bool reads_as = (To == access_mode::read) && (From != access_mode::write);
 
 /// Accessors of 0 dimensions are of one element, and of buffers of one dimension.
 template <int Dimensions>

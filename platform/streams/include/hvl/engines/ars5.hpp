@@ -45,20 +45,30 @@ struct ars5_cipher {
 
   static constexpr void encipher(std::uint32_t (&x)[4], const std::uint32_t (&key)[4]) {
     add(x, key_of(key, 0));
-    for (int round = 1; round <= rounds; ++round) {
-      std::uint32_t columns[4] = {};
-      for (int j = 0; j < 4; ++j)
-        for (int row = 0; row < 4; ++row) {
-          const std::uint32_t mixed = aes_columns[x[(j + row) % 4] >> 8 * row & 0xFF];
-          columns[j] ^= round == rounds ? (mixed >> 8 & 0xFF) << 8 * row : std::rotl(mixed, 8 * row);
-        }
-      for (int j = 0; j < 4; ++j)
-        x[j] = columns[j];
+    for (int round = 1; round < rounds; ++round) {
+      replace_columns(x, [](std::uint32_t byte, int row) { return std::rotl(aes_columns[byte], 8 * row); });
       add(x, key_of(key, round));
     }
+    replace_columns(x,
+                    [](std::uint32_t byte, int row) { return (aes_columns[byte] >> 8 & 0xFF) << 8 * row; });
+    add(x, key_of(key, rounds));
   }
 
  private:
+  // A column is made of the byte of each row that has moved there. Written out, as fill_block is.
+  template <class OfByte>
+  [[gnu::always_inline]] static constexpr void replace_columns(std::uint32_t (&x)[4], const OfByte& of_byte) {
+    const auto column = [&](std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t d) {
+      return of_byte(a & 0xFF, 0) ^ of_byte(b >> 8 & 0xFF, 1) ^ of_byte(c >> 16 & 0xFF, 2) ^
+             of_byte(d >> 24, 3);
+    };
+    const std::uint32_t a = x[0], b = x[1], c = x[2], d = x[3];
+    x[0] = column(a, b, c, d);
+    x[1] = column(b, c, d, a);
+    x[2] = column(c, d, a, b);
+    x[3] = column(d, a, b, c);
+  }
+
   static constexpr void add(std::uint32_t (&x)[4], round_key key) {
     x[0] ^= static_cast<std::uint32_t>(key.low);
     x[1] ^= static_cast<std::uint32_t>(key.low >> 32);

@@ -16,6 +16,12 @@
 // The first call of next() gives the words 4 block ... 4 block + 3 from the state's position on, each further call
 // the four that follow. A cursor may refer to the state.
 //
+// Where passing over any fixed number of blocks costs no more than making a block, an item's blocks lie apart:
+//
+//   struct leap;
+//   static constexpr leap leap_of(const state&, std::uint64_t blocks);
+//   struct cursor { constexpr void pass(const leap&); };   over that many blocks
+//
 // An engine that runs a recurrence over its last words:
 //
 //   struct recurrence {

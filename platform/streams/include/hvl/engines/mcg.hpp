@@ -12,7 +12,9 @@ template <class Modulus>
 struct congruential : Modulus {
   using Modulus::product;
   using typename Modulus::word;
-  static constexpr int blocks_per_item = 1;
+
+  // A jump costs as much as some tens of steps.
+  static constexpr int blocks_per_item = 16;
 
   // x is the next word.
   struct state {
@@ -25,8 +27,11 @@ struct congruential : Modulus {
     return power(base, exponent, word{1}, [](word a, word b) { return product(a, b); });
   }
 
+  using leap = word; // the power of the multiplier
+
   struct cursor {
     word x, a;
+    constexpr void pass(leap over) { x = product(x, over); }
     constexpr void next(word (&words)[4]) {
       fill_block(words, [this] {
         const word w = x;
@@ -38,6 +43,9 @@ struct congruential : Modulus {
 
   static constexpr cursor at(const state& from, std::uint64_t block) {
     return {product(from.x, power_of(from.a, 4 * block)), from.a};
+  }
+  static constexpr leap leap_of(const state& from, std::uint64_t blocks) {
+    return power_of(from.a, 4 * blocks);
   }
 };
 

@@ -89,8 +89,15 @@ struct wichmann_hill {
   // A jump costs as much as some tens of steps.
   static constexpr int blocks_per_item = 16;
 
+  struct leap {
+    std::uint32_t a[4]; // powers of the multipliers
+  };
+
   struct cursor {
     state s;
+    constexpr void pass(const leap& over) {
+      for_components([&](int i) { s.x[i] = s.m[i].product(s.x[i], over.a[i]); });
+    }
     constexpr void next(word (&words)[4]) {
       fill_block(words, [this] {
         const word w = s.output();
@@ -100,11 +107,18 @@ struct wichmann_hill {
     }
   };
 
+  static constexpr leap leap_of(const state& from, std::uint64_t blocks) {
+    leap base{};
+    for_components([&](int i) { base.a[i] = from.a[i]; });
+    return power(base, 4 * blocks, leap{{1, 1, 1, 1}}, [&from](const leap& a, const leap& b) {
+      leap result{};
+      for_components([&](int i) { result.a[i] = from.m[i].product(a.a[i], b.a[i]); });
+      return result;
+    });
+  }
   static constexpr cursor at(const state& from, std::uint64_t block) {
     cursor result{from};
-    for_components([&](int i) {
-      result.s.x[i] = from.m[i].product(from.x[i], from.m[i].power_of(from.a[i], 4 * block));
-    });
+    result.pass(leap_of(from, block));
     return result;
   }
 };

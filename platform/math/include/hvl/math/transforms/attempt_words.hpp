@@ -9,13 +9,23 @@ namespace hvl::math {
 
 namespace detail {
 
-// `hash` absorbs the words from `first` on, four at a time; missing ones are 0.
-template <std::size_t N>
+// `hash` absorbs the words from First on, four at a time; missing ones are 0. Indices are constants, as a GPU keeps no array
+// in registers that is indexed otherwise.
+template <std::size_t First, std::size_t N>
 HVL_MATH_INLINE constexpr philox_block absorbed(philox_block hash, const std::uint32_t (&own)[N],
-                                                std::size_t first) {
-  for (std::size_t i = 0; i < 4 && first + i < N; ++i)
-    hash.word[i] ^= own[first + i];
-  return hash;
+                                                std::uint32_t distribution) {
+  if constexpr (First < N)
+    hash.word[0] ^= own[First];
+  if constexpr (First + 1 < N)
+    hash.word[1] ^= own[First + 1];
+  if constexpr (First + 2 < N)
+    hash.word[2] ^= own[First + 2];
+  if constexpr (First + 3 < N)
+    hash.word[3] ^= own[First + 3];
+  if constexpr (First + 4 < N)
+    return absorbed<First + 4>(philox4x32x10_round_brute_10(hash, 0, distribution), own, distribution);
+  else
+    return hash;
 }
 
 } // namespace detail
@@ -25,9 +35,7 @@ HVL_MATH_INLINE constexpr philox_block absorbed(philox_block hash, const std::ui
 template <std::size_t N>
 HVL_MATH_INLINE constexpr philox_block attempt_words(const std::uint32_t (&own)[N], std::uint32_t attempt,
                                                      std::uint32_t distribution) {
-  philox_block counter = detail::absorbed({}, own, 0);
-  for (std::size_t first = 4; first < N; first += 4)
-    counter = detail::absorbed(philox4x32x10_round_brute_10(counter, 0, distribution), own, first);
+  const philox_block counter = detail::absorbed<0>({}, own, distribution);
   return philox4x32x10_round_brute_10(counter, attempt, distribution);
 }
 

@@ -63,8 +63,9 @@ HVL_MATH_INLINE typename O::value rounded_down(typename O::value x) {
 template <class O>
 struct rejection_proposal {
   typename O::value k;
-  typename O::value slope;   // a / s^2 + b
-  typename O::mask squeezed; // accepted without a look at the law
+  typename O::value quotient; // a / s
+  typename O::value slope;    // a / s^2 + b
+  typename O::mask squeezed;  // accepted without a look at the law
 };
 
 // v uniform on [0, 1].
@@ -76,11 +77,11 @@ HVL_MATH_INLINE rejection_proposal<O> rejection_proposed(typename O::value u, ty
   // no smaller s gives an integer that is possible
   const auto s = O::greater(O::set(0.5) - detail::magnitude<O>(u), O::set(0x1p-40));
   const auto one = O::set(1.0);
-  const auto a = of_lanes<O>(law.a) / s;
-  const auto x = O::fma(a + a + of_lanes<O>(law.b), u, of_lanes<O>(law.centre));
+  const auto quotient = of_lanes<O>(law.a) / s;
+  const auto x = O::fma(quotient + quotient + of_lanes<O>(law.b), u, of_lanes<O>(law.centre));
   const auto near = O::lesser(O::greater(x, of_lanes<O>(law.least) - one), of_lanes<O>(law.greatest) + one);
   const auto central_v = O::select(O::lt(s, O::set(0.07)), O::set(2.0), v);
-  return {detail::round_product<O>(near, 1.0).value, a / s + of_lanes<O>(law.b),
+  return {detail::round_product<O>(near, 1.0).value, quotient, quotient / s + of_lanes<O>(law.b),
           O::lt(central_v, of_lanes<O>(law.squeeze))};
 }
 
@@ -95,8 +96,13 @@ HVL_MATH_INLINE rejection_terms<O> rejection_terms_at(typename O::value k, const
   using detail::of_lanes;
   rejection_terms<O> terms{O::set(1.0), O::set(0.0)};
   for (int i = 0; i < law.factors; ++i) {
-    const auto n = O::fma(of_lanes<O>(law.slope[i]), k, of_lanes<O>(law.offset[i]));
-    const auto deviation = (of_lanes<O>(law.mean[i]) - n) / n;
+    // indices are constants, as a GPU keeps no array in registers that is indexed otherwise
+    const auto of_factor = [i](const V(&v)[4]) __attribute__((always_inline)) {
+      const V a = v[0], b = v[1], c = v[2], d = v[3];
+      return of_lanes<O>(i == 0 ? a : i == 1 ? b : i == 2 ? c : d);
+    };
+    const auto n = O::fma(of_factor(law.slope), k, of_factor(law.offset));
+    const auto deviation = (of_factor(law.mean) - n) / n;
     terms.product = terms.product * n;
     terms.rest = O::fma(n, log1pmx<O>(deviation), terms.rest) - stirling_correction<O>(n);
   }
@@ -123,6 +129,16 @@ inline constexpr double rejection_coarse_v = 0x1p-16;
 template <std::size_t N>
 HVL_MATH_INLINE constexpr double rejection_refinement(const std::uint32_t (&own)[N]) {
   return attempt_uniform(attempt_words(own, 0, transformed_rejection_hash_key).word[0]);
+}
+
+// Whether the first attempt, a proposal of v as it is, is accepted. O is a policy of one number.
+template <class O, std::size_t N>
+HVL_MATH_INLINE bool rejection_first_accepted(const rejection_proposal<O>& first, double v, double cell,
+                                              const std::uint32_t (&own)[N], const rejection_law& law) {
+  if (first.squeezed)
+    return true;
+  const double part = v < rejection_coarse_v ? rejection_refinement(own) : 0.5;
+  return rejection_accepts<O>(first, refined<O>(v, part, cell), law);
 }
 
 // The uniforms of attempt 1, 2, ...
@@ -159,11 +175,7 @@ template <class O, std::size_t N>
 HVL_MATH_INLINE double rejection_value(double u, double v, double cell, const std::uint32_t (&own)[N],
                                        const rejection_law& law) {
   const rejection_proposal<O> first = rejection_proposed<O>(u, v, law);
-  if (first.squeezed)
-    return first.k;
-  const double part = v < rejection_coarse_v ? rejection_refinement(own) : 0.5;
-  return rejection_accepts<O>(first, refined<O>(v, part, cell), law) ? first.k
-                                                                     : rejection_further<O>(own, law);
+  return rejection_first_accepted<O>(first, v, cell, own, law) ? first.k : rejection_further<O>(own, law);
 }
 
 // A value as the result type has it.
