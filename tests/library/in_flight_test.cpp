@@ -1,4 +1,6 @@
 // Engines used, copied, skipped and destroyed while their work is still in flight.
+#include <gmock/gmock.h>
+
 #include <optional>
 
 #include "support.hpp"
@@ -108,7 +110,7 @@ TEST(in_flight_errors_test, reach_the_asynchronous_handler) {
   generate(uniform<float>(), engine, 10, buffer); // runs behind the failed work
   queue.wait_and_throw();
   ASSERT_EQ(texts.size(), 1u);
-  EXPECT_EQ(texts[0], "kestro::hvl::rng::generate: computation error: simulated");
+  EXPECT_THAT(texts[0], testing::EndsWith("kestro::hvl::rng::generate: computation error: simulated"));
   sycl::host_accessor values(buffer, sycl::read_only);
   EXPECT_NE(values[0], values[9]);
 }

@@ -44,6 +44,8 @@ TYPED_TEST(properties_test, long_calls_are_the_same_on_every_device) {
     }
     values.push_back(std::move(long_one));
   });
+  if (values.size() < 2)
+    GTEST_SKIP() << "has one device only";
   expect_same(values[1], values[0]);
 }
 
