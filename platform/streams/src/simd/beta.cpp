@@ -4,7 +4,6 @@
 #include <hvl/math/transforms/words.hpp>
 
 #include "simd/attempt_words.hpp"
-#include "simd/open_places.hpp"
 #include "simd/value_loops.hpp"
 
 namespace hvl::streams::HVL_STREAMS_ISA {

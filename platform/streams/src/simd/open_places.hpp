@@ -1,5 +1,4 @@
-// The values of a block that first attempts left open, by place, and what decides them a vector of doubles at a time;
-// the loop over blocks.
+// The values of a block that first attempts left open, by place, and what decides them a vector of doubles at a time.
 #pragma once
 
 #include "simd/vector_ops.hpp"
@@ -8,19 +7,6 @@
 
 namespace hvl::streams::HVL_STREAMS_ISA {
 namespace {
-
-// The lanes of a mask, one bit each.
-template <class T>
-HWY_INLINE std::uint64_t bits_of(typename vector_ops<T>::mask m) {
-#if HWY_TARGET <= HWY_AVX3
-  return m.raw;
-#else
-  if constexpr (sizeof(T) == 4)
-    return static_cast<unsigned>(_mm256_movemask_ps(m.raw));
-  else
-    return static_cast<unsigned>(_mm256_movemask_pd(m.raw));
-#endif
-}
 
 // Most is a multiple of 64.
 template <std::size_t Most>
@@ -72,16 +58,6 @@ class open_places {
   std::uint32_t place_[Most];
   std::size_t count_ = 0;
 };
-
-// Makes `count` values, a Chunk after the other, of groups of `group_words` words.
-template <class Chunk, class Parameters, class Word>
-void in_chunks(const Parameters& parameters, const Word* words, std::int32_t* out, std::size_t count,
-               std::size_t group_words) {
-  for (std::size_t made; count != 0; count -= made, out += made, words += made * group_words) {
-    made = HWY_MIN(Chunk::most, count);
-    Chunk(parameters, words, out, made).make();
-  }
-}
 
 } // namespace
 } // namespace hvl::streams::HVL_STREAMS_ISA

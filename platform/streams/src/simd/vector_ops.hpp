@@ -171,6 +171,19 @@ HWY_INLINE vector_ops<float>::value vector_ops<float>::widened(const F& f, value
   return hn::Combine(vector_tag<float>(), hn::DemoteTo(half, w.b), hn::DemoteTo(half, w.a));
 }
 
+// The lanes of a mask, one bit each.
+template <class T>
+HWY_INLINE std::uint64_t bits_of(typename vector_ops<T>::mask m) {
+#if HWY_TARGET <= HWY_AVX3
+  return m.raw;
+#else
+  if constexpr (sizeof(T) == 4)
+    return static_cast<unsigned>(_mm256_movemask_ps(m.raw));
+  else
+    return static_cast<unsigned>(_mm256_movemask_pd(m.raw));
+#endif
+}
+
 #endif
 
 // Computed values to the result type, real ones rounded once at most, integers cut off.

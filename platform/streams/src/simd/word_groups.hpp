@@ -98,6 +98,16 @@ HWY_INLINE vector<T> scaled(vector<T> converted, coefficients<T> affine) {
     return hn::Add(hn::Mul(converted, scale), shift);
 }
 
+// Makes `count` values, a Chunk after the other, of groups of `group_words` words.
+template <class Chunk, class Parameters, class Word>
+void in_chunks(const Parameters& parameters, const Word* words, std::int32_t* out, std::size_t count,
+               std::size_t group_words) {
+  for (std::size_t made; count != 0; count -= made, out += made, words += made * group_words) {
+    made = HWY_MIN(Chunk::most, count);
+    Chunk(parameters, words, out, made).make();
+  }
+}
+
 #endif
 
 } // namespace
