@@ -66,7 +66,7 @@ sycl::event submit_at_position(sycl::queue& queue, const typename definition_of<
                                   Transform, decltype(output)>;
     const func kernel(output, state, transform, n);
     if (n > 0)
-      handler.parallel_for(sycl::range<1>(func::items_of(n)), kernel);
+      handler.parallel_for(sycl::range<1>(kernel.items_of(n)), kernel);
   });
 }
 

@@ -111,76 +111,103 @@ class value_writer {
   std::int64_t n_;
 };
 
-/// What carries a cursor over a fixed number of blocks; nothing for an engine that has no such.
-template <class Definition>
-auto leap_over(const typename Definition::state& state, std::uint64_t blocks) {
-  if constexpr (requires { Definition::leap_of(state, blocks); })
-    return Definition::leap_of(state, blocks);
-  else
-    return std::monostate();
-}
-
 /// The kernel of an engine whose words follow from a position: a work-item jumps once from its own copy of the state, and
 /// makes as many units as repay that. They are consecutive, or, of an engine that leaps, those of `lanes` items take turns,
 /// so that consecutive items write consecutive vectors.
 template <class Engine, class T, class I, class Transform, class Output>
 class engine_func {
   using definition = definition_of<Engine>;
+  using state_type = typename definition::state;
+  using cursor_type = typename definition::cursor;
   using writer = value_writer<Engine, Transform, Output>;
-  using leap = decltype(leap_over<definition>(std::declval<typename definition::state>(), 0));
   static_assert(std::is_same_v<T, typename Transform::result_type> &&
                 std::is_same_v<I, typename Transform::uniform_type>);
 
-  static constexpr bool leaps = !std::is_same_v<leap, std::monostate>;
-  static constexpr std::size_t lanes = leaps ? 64 : 1; // a multiple of every sub-group's size
   static constexpr int unit_words = writer::units_of_vectors * writer::unit_words;
   static constexpr int unit_values = writer::units_of_vectors * writer::unit_values;
   static constexpr std::size_t unit_blocks = unit_words / 4;
-  static constexpr std::size_t units_per_item =
-      std::max<std::size_t>(1, definition::blocks_per_item / unit_blocks);
+
+  static constexpr bool jumps = definition::blocks_per_item > 1;
+  static constexpr std::size_t least_lanes = 64; // a multiple of every sub-group's size
+
+  static auto leap_from(const state_type& state) {
+    if constexpr (requires { definition::leap_of(state, unit_blocks, least_lanes); })
+      return definition::leap_of(state, unit_blocks, least_lanes);
+    else
+      return std::monostate();
+  }
+  using leap = decltype(leap_from(std::declval<state_type>()));
+  static constexpr bool leaps = !std::is_same_v<leap, std::monostate>;
+
+  static std::size_t units_of(std::int64_t n) {
+    return (static_cast<std::size_t>(n) + unit_values - 1) / static_cast<std::size_t>(unit_values);
+  }
 
  public:
-  engine_func(Output output, const typename definition::state& state, const Transform& transform,
-              std::int64_t n)
-      : state_(state), leap_(leap_over<definition>(state, lanes * unit_blocks)),
-        writer_(output, transform, n) {}
+  engine_func(Output output, const state_type& state, const Transform& transform, std::int64_t n)
+      : state_(state), leap_(leap_from(state)), writer_(output, transform, n) {
+    const std::size_t units = units_of(n);
+    if constexpr (jumps) {
+      constexpr std::size_t least = std::max<std::size_t>(1, definition::blocks_per_item / unit_blocks);
+      constexpr std::size_t many_items = 1 << 18; // fill a large GPU
+      units_per_item_ = std::clamp(units / many_items, least, 8 * least);
+    }
+    if constexpr (leaps)
+      lanes_ = leap_.blocks != 0 ? leap_.blocks / unit_blocks : units;
+  }
 
-  /// Work-items that make n values.
-  static std::size_t items_of(std::int64_t n) {
-    constexpr std::size_t tile = lanes * units_per_item;
-    const auto units =
-        (static_cast<std::size_t>(n) + unit_values - 1) / static_cast<std::size_t>(unit_values);
-    return units / tile * lanes + std::min(units % tile, lanes);
+  /// Work-items that make the first n values, n being those of the call, or of a number of whole turns.
+  std::size_t items_of(std::int64_t n) const {
+    const std::size_t units = units_of(n), turns = lanes_ * units_per_item_;
+    return units / turns * lanes_ + std::min(units % turns, lanes_);
   }
 
   void operator()(sycl::id<1> id) const {
-    const std::size_t unit = id[0] / lanes * (lanes * units_per_item) + id[0] % lanes;
-    auto first = static_cast<std::int64_t>(unit) * unit_values;
-    auto cursor = definition::at(state_, unit * unit_blocks);
-    for (std::size_t made = 0;;) {
-      std::conditional_t<leaps, decltype(cursor), decltype(cursor)&> reader =
-          cursor; // a leap starts at the unit
-      typename definition::word words[unit_words];
+    if constexpr (leaps) {
+      const std::size_t unit = id[0] / lanes_ * (lanes_ * units_per_item_) + id[0] % lanes_;
+      cursor_type cursors[unit_blocks]; // of the blocks of a unit
+      cursors[0] = definition::at(state_, unit * unit_blocks);
       KESTRO_HVL_UNROLL
-      for (std::size_t block = 0; block < unit_blocks; ++block) {
-        typename definition::word next[4];
-        reader.next(next);
-        KESTRO_HVL_UNROLL
-        for (std::size_t k = 0; k < 4; ++k)
-          words[4 * block + k] = next[k];
+      for (std::size_t b = 1; b < unit_blocks; ++b) {
+        typename definition::word passed[4];
+        cursors[b] = cursors[b - 1];
+        cursors[b].next(passed);
       }
-      writer_.write(words, first);
-      first += static_cast<std::int64_t>(lanes) * unit_values;
-      if (++made == units_per_item || !writer_.has(first))
-        return;
-      if constexpr (leaps)
-        cursor.pass(leap_);
+      make_units(unit, lanes_, units_per_item_, [&](std::size_t b, auto& words) {
+        cursor_type reader = cursors[b];
+        reader.next(words);
+        cursors[b].pass(leap_);
+      });
+    } else {
+      const std::size_t units = jumps ? units_per_item_ : 1;
+      cursor_type cursor = definition::at(state_, id[0] * units * unit_blocks);
+      make_units(id[0] * units, 1, units, [&](std::size_t, auto& words) { cursor.next(words); });
     }
   }
 
  private:
-  typename definition::state state_;
+  /// Those of the call among `count` units, that many apart; `next(b, words)` makes the words of block b of the next unit.
+  template <class Next>
+  void make_units(std::size_t unit, std::size_t apart, std::size_t count, const Next& next) const {
+    auto first = static_cast<std::int64_t>(unit) * unit_values;
+    for (; count != 0 && writer_.has(first); --count) {
+      typename definition::word words[unit_words];
+      KESTRO_HVL_UNROLL
+      for (std::size_t b = 0; b < unit_blocks; ++b) {
+        typename definition::word block[4];
+        next(b, block);
+        KESTRO_HVL_UNROLL
+        for (std::size_t k = 0; k < 4; ++k)
+          words[4 * b + k] = block[k];
+      }
+      writer_.write(words, first);
+      first += static_cast<std::int64_t>(apart) * unit_values;
+    }
+  }
+
+  state_type state_;
   [[no_unique_address]] leap leap_;
+  std::size_t lanes_ = 1, units_per_item_ = 1;
   writer writer_;
 };
 

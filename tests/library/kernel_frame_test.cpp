@@ -32,7 +32,8 @@ class kernel_frame : public ::testing::Test {
  protected:
   using definition = detail::definition_of<Engine>;
 
-  /// Items of a call of first + count values make the last `count` ones, and nothing else is written.
+  /// Items of a call of first + count values make the last `count` ones, and nothing else is written. `first` is a multiple of
+  /// what items make in turns, of any number of them.
   template <class Transform>
   static void check(const vqs_stream start, std::int64_t first, std::int64_t count) {
     using T = typename Transform::result_type;
@@ -42,7 +43,7 @@ class kernel_frame : public ::testing::Test {
     std::vector<T> actual = poison;
     const auto state = definition::state_of(*static_cast<const typename definition::record*>(start));
     const kernel_of kernel({actual.data() + guard, first}, state, {}, first + count);
-    const std::size_t begin = kernel_of::items_of(first), end = kernel_of::items_of(first + count);
+    const std::size_t begin = kernel.items_of(first), end = kernel.items_of(first + count);
     for (std::size_t item = begin; item < end; ++item)
       kernel(sycl::id<1>(item));
 
@@ -66,21 +67,28 @@ class kernel_frame : public ::testing::Test {
     expect_same(actual, expected);
   }
 };
-using engines_at_position = ::testing::Types<philox4x32x10, mcg31m1, mcg59, mrg32k3a, wichmann_hill>;
+using engines_at_position =
+    ::testing::Types<philox4x32x10, mcg31m1, mcg59, mrg32k3a, wichmann_hill, sobol, niederreiter>;
 TYPED_TEST_SUITE(kernel_frame, engines_at_position);
 
 TYPED_TEST(kernel_frame, makes_every_value_once) {
-  vqs_stream stream = nullptr;
-  ASSERT_EQ(vqsNewStream_64(&stream, detail::about<TypeParam>.identifier, 20211113), VQS_STATUS_OK);
-  // Whole shares of items of every width, behind 2^32 blocks, and values behind 2^32.
-  for (const std::int64_t first : {std::int64_t{0}, std::int64_t{15} << 32})
-    for (const std::int64_t count : {1, 3, 4, 5, 255, 256, 257, 1279, 1281, 4095, 4096, 4097, 4353, 8193}) {
-      SCOPED_TRACE(std::to_string(count) + " values from " + std::to_string(first));
-      this->template check<detail::gpu::words_32>(stream, first, count);
-      this->template check<detail::gpu::words_64>(stream, first, count);
-      this->template check<one_of_three>(stream, first, count);
-    }
-  vqsDeleteStream_64(&stream);
+  const bool is_quasi_random = detail::about<TypeParam>.is_quasi_random;
+  for (const std::uint64_t seed :
+       is_quasi_random ? std::vector<std::uint64_t>{1, 3, 40} : std::vector<std::uint64_t>{20211113}) {
+    vqs_stream stream = nullptr;
+    ASSERT_EQ(vqsNewStream_64(&stream, detail::about<TypeParam>.identifier, seed), VQS_STATUS_OK);
+    // Whole shares of items of every width, behind 2^32 blocks, and values behind 2^32, where shares are the longest.
+    for (const std::int64_t first : {std::int64_t{0}, std::int64_t{15} << 32})
+      for (const std::int64_t count :
+           {1, 3, 4, 5, 255, 256, 257, 1279, 1281, 4095, 4096, 4097, 4353, 8193, 32767, 32769}) {
+        SCOPED_TRACE(std::to_string(count) + " values from " + std::to_string(first) + ", seed " +
+                     std::to_string(seed));
+        this->template check<detail::gpu::words_32>(stream, first, count);
+        this->template check<detail::gpu::words_64>(stream, first, count);
+        this->template check<one_of_three>(stream, first, count);
+      }
+    vqsDeleteStream_64(&stream);
+  }
 }
 
 } // namespace

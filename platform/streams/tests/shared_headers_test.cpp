@@ -27,18 +27,29 @@ class positions : public ::testing::Test {
       }
       expect_equal(actual, owned_stream(stream).skip(4 * block).bits(actual.size()));
     }
-    if constexpr (requires { Engine::leap_of(state, 1); })
+    if constexpr (requires { Engine::leap_of(state, 1, 1); })
       check_leaps(state);
   }
 
-  // A leap from a block passes over as many as it says, whatever their number is.
+  // A leap from a block passes over as many as it says, which are whole units, as many as wanted.
   static void check_leaps(const typename Engine::state& state) {
-    for (const std::uint64_t blocks : {0ull, 1ull, 64ull, 1ull << 33, (1ull << 60) + 7}) {
-      SCOPED_TRACE("a leap of " + std::to_string(blocks));
-      const auto leap = Engine::leap_of(state, blocks);
-      auto cursor = Engine::at(state, 5), expected = Engine::at(state, 5 + 2 * blocks);
-      cursor.pass(leap);
-      cursor.pass(leap);
+    struct wanted {
+      std::uint64_t unit, units;
+    };
+    for (const auto [unit, units] :
+         {wanted{1, 1}, {1, 64}, {4, 64}, {6, 1000}, {1, 1ull << 33}, {1, (1ull << 60) + 7}}) {
+      SCOPED_TRACE("a leap of " + std::to_string(units) + " units of " + std::to_string(unit));
+      const auto leap = Engine::leap_of(state, unit, units);
+      if (leap.blocks == 0) { // no whole points are whole units, or they are more than there are
+        EXPECT_TRUE(Engine::about.is_quasi_random && (unit == 6 || units > 1ull << 32));
+        continue;
+      }
+      EXPECT_EQ(leap.blocks % unit, 0u);
+      EXPECT_GE(leap.blocks / unit, units);
+      const int leaps = units > 1ull << 32 ? 2 : 39;
+      auto cursor = Engine::at(state, 5), expected = Engine::at(state, 5 + leaps * leap.blocks);
+      for (int i = 0; i < leaps; ++i)
+        cursor.pass(leap);
       typename Engine::word words[4], expected_words[4];
       cursor.next(words);
       expected.next(expected_words);
@@ -64,6 +75,13 @@ TYPED_TEST(positions, are_those_of_the_stream) {
     this->check(stream);
   }
   this->check(owned_stream(TypeParam::about.identifier + TypeParam::about.members - 1, 7));
+  if constexpr (TypeParam::about.is_quasi_random)
+    for (const std::uint32_t dimensions : {1u, 3u, 12u, 100u}) {
+      owned_stream stream(TypeParam::about.identifier, dimensions);
+      this->check(stream);
+      record_of<TypeParam>(stream).point = 0xFFFFFFFF - 9; // ten points before the first one comes again
+      this->check(stream);
+    }
   if constexpr (TypeParam::about.has_leapfrog) {
     const owned_stream stream(TypeParam::about.identifier, 7);
     ASSERT_EQ(vqsLeapfrogStream_64(stream, 2, 5), VQS_STATUS_OK);

@@ -18,8 +18,7 @@ constexpr std::size_t granule = in_flight * lanes;
 
 struct workspace {
   std::uint32_t position[4][granule]; // the next granule, of each component
-  std::uint32_t step[4];              // carries a position to the next granule
-  generator::modulus m[4];
+  generator::multiplication step[4];  // carries a position to the next granule
 };
 static_assert(sizeof(workspace) <= workspace_bytes);
 
@@ -35,21 +34,18 @@ HWY_INLINE vec32 upper_halves(vec64 even, vec64 odd) {
   return hn::OddEven(hn::BitCast(d32, odd), hn::BitCast(d32, hn::ShiftRight<32>(even)));
 }
 
-// One component: products by one factor, and the fractions x / m.
+// One component: products by one factor as the generator makes them, and the fractions x / m.
 class component {
  public:
-  HWY_INLINE component(generator::modulus m, std::uint32_t factor)
-      : factor_(hn::Set(d32, factor)),
-        quotient_(hn::Set(d32, static_cast<std::uint32_t>((std::uint64_t{factor} << 32) / m.value))),
-        modulus_(hn::Set(d32, m.value)),
-        scale_(hn::Set(d32, static_cast<std::uint32_t>(m.scale() - (std::uint64_t{1} << 40)))) {}
+  HWY_INLINE explicit component(const generator::multiplication& by)
+      : factor_(hn::Set(d32, by.factor)), quotient_(hn::Set(d32, by.quotient)),
+        modulus_(hn::Set(d32, by.m.value)),
+        scale_(hn::Set(d32, static_cast<std::uint32_t>(by.m.scale() - (std::uint64_t{1} << 40)))) {}
 
-  // factor * x - m * (quotient * x / 2^32) is below 2 m: the quotient, factor * 2^32 / m rounded down, makes the whole
-  // multiple of m too small by one at most.
   HWY_INLINE vec32 product(vec32 x, vec32 odd) const {
     const vec32 times = upper_halves(even_product(x, quotient_), even_product(odd, quotient_));
     const vec32 r = hn::Sub(hn::Mul(x, factor_), hn::Mul(times, modulus_));
-    return hn::Min(r, hn::Sub(r, modulus_)); // a value below the modulus wraps to something greater
+    return hn::Min(r, hn::Sub(r, modulus_));
   }
   // The fraction in 64 bits, without x 2^40.
   HWY_INLINE vec64 fraction(vec32 x) const { return even_product(x, scale_); }
@@ -66,22 +62,20 @@ std::uint32_t open(const void* record, void* workspace_memory) noexcept {
     // doubling: the first 1, 2, 4, ... positions give as many more
     std::uint32_t(&position)[granule] = w.position[c];
     position[0] = s.x[c];
-    std::uint32_t power = s.a[c];
+    w.step[c] = s.by[c];
     for (std::size_t known = 1; known < granule; known *= 2) {
       for (std::size_t i = 0; i < known; ++i)
-        position[known + i] = s.m[c].product(position[i], power);
-      power = s.m[c].product(power, power);
+        position[known + i] = w.step[c](position[i]);
+      w.step[c] = {w.step[c].m, w.step[c](w.step[c].factor)};
     }
-    w.step[c] = power;
-    w.m[c] = s.m[c];
   }
   return 0;
 }
 
 template <class Sink>
 HWY_INLINE void run_to(const Sink& sink, workspace& w, std::size_t granules) noexcept {
-  const component components[4] = {
-      {w.m[0], w.step[0]}, {w.m[1], w.step[1]}, {w.m[2], w.step[2]}, {w.m[3], w.step[3]}};
+  const component components[4] = {component(w.step[0]), component(w.step[1]), component(w.step[2]),
+                                   component(w.step[3])};
   vec32 x[4][in_flight];
 #pragma GCC unroll 4
   for (std::size_t c = 0; c < 4; ++c)

@@ -11,16 +11,18 @@
 //   static constexpr state state_of(const record&);
 //   struct cursor { constexpr void next(word (&words)[4]); };
 //   static constexpr cursor at(const state&, std::uint64_t block);
-//   static constexpr int blocks_per_item;          blocks that repay a jump: what one work-item makes
+//   static constexpr int blocks_per_item;          the fewest that repay a jump
 //
 // The first call of next() gives the words 4 block ... 4 block + 3 from the state's position on, each further call
 // the four that follow. A cursor may refer to the state.
 //
-// Where passing over any fixed number of blocks costs no more than making a block, an item's blocks lie apart:
+// Where passing over many blocks costs no more than making one, the blocks of a work-item lie apart:
 //
-//   struct leap;
-//   static constexpr leap leap_of(const state&, std::uint64_t blocks);
-//   struct cursor { constexpr void pass(const leap&); };   over that many blocks
+//   struct leap { std::uint64_t blocks; ... };     over that many
+//   static constexpr leap leap_of(const state&, std::uint64_t unit, std::uint64_t units);
+//   struct cursor { constexpr void pass(const leap&); };
+//
+// The leap is over `units` units of so many blocks, or somewhat more of them; over no blocks where there is no such leap.
 //
 // An engine that runs a recurrence over its last words:
 //

@@ -27,11 +27,14 @@ struct congruential : Modulus {
     return power(base, exponent, word{1}, [](word a, word b) { return product(a, b); });
   }
 
-  using leap = word; // the power of the multiplier
+  struct leap {
+    std::uint64_t blocks;
+    word a; // the power of the multiplier
+  };
 
   struct cursor {
     word x, a;
-    constexpr void pass(leap over) { x = product(x, over); }
+    constexpr void pass(const leap& over) { x = product(x, over.a); }
     constexpr void next(word (&words)[4]) {
       fill_block(words, [this] {
         const word w = x;
@@ -44,8 +47,8 @@ struct congruential : Modulus {
   static constexpr cursor at(const state& from, std::uint64_t block) {
     return {product(from.x, power_of(from.a, 4 * block)), from.a};
   }
-  static constexpr leap leap_of(const state& from, std::uint64_t blocks) {
-    return power_of(from.a, 4 * blocks);
+  static constexpr leap leap_of(const state& from, std::uint64_t unit, std::uint64_t units) {
+    return {unit * units, power_of(from.a, 4 * unit * units)};
   }
 };
 

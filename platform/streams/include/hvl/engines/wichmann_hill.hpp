@@ -30,9 +30,10 @@ struct wichmann_hill {
 
     // Of two residues. Folds the upper bits onto the lower ones, to below 2^40, 2^32 and 2^25 - 2^17.
     [[gnu::always_inline]] constexpr std::uint32_t product(std::uint32_t a, std::uint32_t b) const {
-      std::uint64_t p = std::uint64_t{a} * b;
-      for (int fold = 0; fold < 3; ++fold)
-        p = (p >> 24) * ((1u << 24) - value) + (p & 0xFFFFFF);
+      const auto fold = [lack = (1u << 24) - value](std::uint64_t p) {
+        return (p >> 24) * lack + (p & 0xFFFFFF);
+      };
+      const std::uint64_t p = fold(fold(fold(std::uint64_t{a} * b)));
       return static_cast<std::uint32_t>(p >= value ? p - value : p);
     }
     // The exponent is a number, or a span of words.
@@ -58,9 +59,26 @@ struct wichmann_hill {
     f(3);
   }
 
+  // Multiplies residues by one of them (V. Shoup's product by a quotient known before).
+  struct multiplication {
+    modulus m;
+    std::uint32_t factor, quotient;
+
+    multiplication() = default;
+    [[gnu::always_inline]] constexpr multiplication(modulus of, std::uint32_t by)
+        : m(of), factor(by), quotient(static_cast<std::uint32_t>((std::uint64_t{by} << 32) / of.value)) {}
+
+    // The quotient, rounded down, makes the whole multiple of m too small by one at most.
+    [[gnu::always_inline]] constexpr std::uint32_t operator()(std::uint32_t x) const {
+      const auto times = static_cast<std::uint32_t>(std::uint64_t{x} * quotient >> 32);
+      const std::uint32_t r = x * factor - times * m.value;
+      return r < m.value ? r : r - m.value;
+    }
+  };
+
   struct state {
-    std::uint32_t x[4], a[4];
-    modulus m[4];
+    std::uint32_t x[4];
+    multiplication by[4];
     std::uint64_t scale[4];
 
     // The definition of a word, the upper half of this 64-bit sum: what it lacks of the sum of x / m modulo 1 is below
@@ -71,17 +89,17 @@ struct wichmann_hill {
       return static_cast<word>(sum >> 32);
     }
     constexpr void step() {
-      for_components([this](int i) { x[i] = m[i].product(x[i], a[i]); });
+      for_components([this](int i) { x[i] = by[i](x[i]); });
     }
   };
 
   [[gnu::always_inline]] static constexpr state state_of(const record& r) {
     state s{};
     for (int i = 0; i < 4; ++i) {
+      const modulus m = modulus_of(r, i);
       s.x[i] = r.x[i];
-      s.a[i] = r.a[i];
-      s.m[i] = modulus_of(r, i);
-      s.scale[i] = s.m[i].scale();
+      s.by[i] = {m, r.a[i]};
+      s.scale[i] = m.scale();
     }
     return s;
   }
@@ -90,13 +108,14 @@ struct wichmann_hill {
   static constexpr int blocks_per_item = 16;
 
   struct leap {
-    std::uint32_t a[4]; // powers of the multipliers
+    std::uint64_t blocks;
+    multiplication by[4]; // powers of the multipliers
   };
 
   struct cursor {
     state s;
     constexpr void pass(const leap& over) {
-      for_components([&](int i) { s.x[i] = s.m[i].product(s.x[i], over.a[i]); });
+      for_components([&](int i) { s.x[i] = over.by[i](s.x[i]); });
     }
     constexpr void next(word (&words)[4]) {
       fill_block(words, [this] {
@@ -107,18 +126,20 @@ struct wichmann_hill {
     }
   };
 
-  static constexpr leap leap_of(const state& from, std::uint64_t blocks) {
-    leap base{};
-    for_components([&](int i) { base.a[i] = from.a[i]; });
-    return power(base, 4 * blocks, leap{{1, 1, 1, 1}}, [&from](const leap& a, const leap& b) {
-      leap result{};
-      for_components([&](int i) { result.a[i] = from.m[i].product(a.a[i], b.a[i]); });
-      return result;
+  static constexpr leap leap_of(const state& from, std::uint64_t unit, std::uint64_t units) {
+    leap result{unit * units, {}};
+    for_components([&](int i) {
+      const modulus m = from.by[i].m;
+      result.by[i] = {m, m.power_of(from.by[i].factor, 4 * result.blocks)};
     });
+    return result;
   }
   static constexpr cursor at(const state& from, std::uint64_t block) {
     cursor result{from};
-    result.pass(leap_of(from, block));
+    for_components([&](int i) {
+      const modulus m = from.by[i].m;
+      result.s.x[i] = m.product(from.x[i], m.power_of(from.by[i].factor, 4 * block));
+    });
     return result;
   }
 };
