@@ -63,7 +63,7 @@ struct digital_sequence {
 
   struct leap {
     std::uint64_t blocks;
-    int power; // over 2^power points
+    int power; // over 2^power points; at least 1
   };
 
   struct cursor {
@@ -107,7 +107,7 @@ struct digital_sequence {
       if (words % (4 * unit) == 0 && words / (4 * unit) >= units)
         return {words / 4, power};
     }
-    return {0, 0};
+    return {0, 1};
   }
 };
 

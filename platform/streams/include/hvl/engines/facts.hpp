@@ -22,7 +22,8 @@
 //   static constexpr leap leap_of(const state&, std::uint64_t unit, std::uint64_t units);
 //   struct cursor { constexpr void pass(const leap&); };
 //
-// The leap is over `units` units of so many blocks, or somewhat more of them; over no blocks where there is no such leap.
+// The leap is over `units` units of so many blocks, or somewhat more of them. Where there is no such leap it is over no blocks, and
+// a pass by it leads to no words of the sequence; a work-item makes one after its last unit all the same.
 //
 // An engine that runs a recurrence over its last words:
 //
