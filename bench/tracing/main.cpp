@@ -1,6 +1,5 @@
 // What tracing costs the calling thread, from submission to completion on an idle in-order queue.
 #include "distributions/uniform.hpp"
-#include "engines/philox4x32x10.hpp"
 #include "framework/generate.hpp"
 
 #include <hvl/core.h>
