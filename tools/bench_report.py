@@ -2,7 +2,8 @@
 """Runs benchmark programs, prints ratios between their results and keeps everything in one JSON file.
 
 Absolute speeds drift from machine to machine and from hour to hour; a ratio of two measurements of one run does not.
-The ratios are listed in files `ratios.txt` below the --ratios folder, a line each:
+Each subject is a folder with programs below --programs, and one of the same name with a file `ratios.txt` below --ratios, which
+has a line for each ratio:
 
     label = NUMERATOR / DENOMINATOR [in items|bytes|runs] [>= AIM]
 
@@ -82,8 +83,8 @@ def in_units(value, unit):
     return f"{value:.3g} {unit}"
 
 
-def ratios_below(folder):
-    for path in sorted(folder.rglob("ratios.txt")):
+def ratios_of(subjects, folder):
+    for path in (folder / subject / "ratios.txt" for subject in sorted(subjects)):
         for number, line in enumerate(path.read_text().splitlines(), 1):
             line = line.split("#")[0].strip()
             if line:
@@ -129,7 +130,7 @@ def commit_of(root):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--programs", type=pathlib.Path, required=True, help="folder to search for benchmark programs")
-    parser.add_argument("--ratios", type=pathlib.Path, required=True, help="folder to search for ratios.txt")
+    parser.add_argument("--ratios", type=pathlib.Path, required=True, help="folder of what is compared in each subject")
     parser.add_argument("--results", type=pathlib.Path, required=True, help="folder that keeps the results")
     parser.add_argument("extra", nargs="*", help="arguments for the benchmark programs")
     options = parser.parse_args()
@@ -144,7 +145,8 @@ def main():
     print(f"\n  {'best repetition':<52} {'time':>10} {'items':>12} {'bytes':>12} median")
     for report in results.values():
         show_speeds(report)
-    evaluated = list(evaluate(ratios_below(options.ratios), speeds(results)))
+    evaluated = list(evaluate(ratios_of({program.parent.relative_to(options.programs) for program in programs}, options.ratios),
+                              speeds(results)))
     show(evaluated, previous_ratios(options.results))
 
     now, commit = datetime.datetime.now(), commit_of(options.ratios)

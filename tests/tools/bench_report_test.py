@@ -19,7 +19,7 @@ class Report(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             pathlib.Path(folder, "ratios.txt").write_text(text)
             table = bench_report.speeds({"program": {"benchmarks": benchmarks}})
-            return list(bench_report.evaluate(bench_report.ratios_below(pathlib.Path(folder)), table))
+            return list(bench_report.evaluate(bench_report.ratios_of(["."], pathlib.Path(folder)), table))
 
     def test_prefers_items_then_bytes_then_time(self):
         benchmarks = [result("a/1", items_per_second=6.0, bytes_per_second=1.0), result("b/1", items_per_second=2.0),
