@@ -45,6 +45,14 @@ class Report(unittest.TestCase):
         ratios = self.evaluate("x = a / b\ny = e / b\n", benchmarks)
         self.assertEqual([one["ratio"] for one in ratios], [3.0, None])
 
+    def test_subjects_that_were_not_measured_are_left_out(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for subject in ("gpu", "streams"):
+                pathlib.Path(folder, subject).mkdir()
+                pathlib.Path(folder, subject, "ratios.txt").write_text(f"{subject} = a / b\n")
+            found = bench_report.ratios_of([pathlib.Path("streams")], pathlib.Path(folder))
+            self.assertEqual([one["label"] for one in found], ["streams"])
+
     def test_a_malformed_line_stops(self):
         with self.assertRaises(SystemExit):
             self.evaluate("a over b\n", [])
